@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace ambertide {
+
+/// Names one active display for as long as the display server keeps it.
+using DisplayIdentifier = std::uint32_t;
+
+/// Three transfer tables. Entry i is the output level, 0 to 1, for the input level i/255.
+struct GammaTables
+{
+    static constexpr std::size_t size = 256;
+    using Table = std::array<float, size>;
+
+    Table red;
+    Table green;
+    Table blue;
+};
+
+/// Port: what the colour engine asks of the display server. Safe from any thread.
+///
+/// Nothing here fails: displays that vanish, refuse or cannot be reached are left out, since the engine writes again soon.
+class DisplayServices
+{
+public:
+    virtual ~DisplayServices() = default;
+
+    /// The displays that show a picture now.
+    virtual std::vector<DisplayIdentifier> activeDisplays() = 0;
+
+    /// Gives each of the displays, in this order, the three tables.
+    virtual void setTransferTables(std::span<const DisplayIdentifier> displays, const GammaTables &tables) = 0;
+
+    /// Gives every display, whether it shows a picture or not, the system's own colours.
+    virtual void restoreSystemColours() = 0;
+};
+
+} // namespace ambertide

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <coroutine>
+#include <memory>
+
+namespace ambertide {
+
+class TaskExecutor;
+
+/// What a task, its handles and its pending continuation share. Lives as long as any of them.
+struct TaskState
+{
+    explicit TaskState(TaskExecutor &taskExecutor) : executor(taskExecutor) {}
+
+    TaskExecutor &executor;
+    std::atomic<bool> isCancelled = false;
+    std::coroutine_handle<> frame; ///< outermost coroutine of the body; written once, before the task is queued
+};
+
+/// A suspended task, waiting in some queue to go on.
+///
+/// Exactly one exists for a suspended task. Resuming it runs the task on the calling thread up to its next suspension;
+/// dropping it unresumed destroys the task and all that its body holds, so drop it outside of any lock.
+class Continuation
+{
+public:
+    Continuation(std::shared_ptr<TaskState> task, std::coroutine_handle<> frame);
+    Continuation(Continuation &&other) noexcept;
+    Continuation &operator=(Continuation &&other) noexcept;
+    Continuation(const Continuation &) = delete;
+    Continuation &operator=(const Continuation &) = delete;
+    ~Continuation();
+
+    void resume();
+    const std::shared_ptr<TaskState> &task() const { return m_task; }
+
+private:
+    std::shared_ptr<TaskState> m_task;
+    std::coroutine_handle<> m_frame;
+};
+
+/// Port: runs continuations on the main thread, in the order in which they were handed over.
+class MainActor
+{
+public:
+    virtual ~MainActor() = default;
+
+    /// From any thread; returns at once.
+    virtual void resume(Continuation continuation) = 0;
+};
+
+/// Port: the background on which tasks run, and their sense of time. Everything may be called from any thread.
+class TaskExecutor
+{
+public:
+    virtual ~TaskExecutor() = default;
+
+    /// Runs the continuation on a background thread as soon as one is free, in order of the calls.
+    virtual void resume(Continuation continuation) = 0;
+
+    /// The same after `delay` of monotonic time, or as soon as the task is cancelled.
+    virtual void resumeAfter(std::chrono::nanoseconds delay, Continuation continuation) = 0;
+
+    /// Runs the continuation on the main thread, in order of the calls.
+    virtual void resumeOnMain(Continuation continuation) = 0;
+
+    /// Ends a sleep of this task, which is marked as cancelled, before its time. Does nothing when it is not asleep.
+    virtual void wakeCancelled(const TaskState &task) = 0;
+
+    /// Puts the calling thread to sleep.
+    virtual void blockThread(std::chrono::nanoseconds duration) = 0;
+};
+
+} // namespace ambertide

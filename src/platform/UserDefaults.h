@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ambertide {
+
+/// Port: the per-user store of settings. Safe from any thread.
+///
+/// A read sees this process's own writes at once and another program's as soon as they are on disk. A write that cannot
+/// reach the disk is kept, reported once and tried again.
+class UserDefaults
+{
+public:
+    virtual ~UserDefaults() = default;
+
+    virtual bool hasObject(std::string_view key) const = 0;
+    /// 0 when absent or no number.
+    virtual double doubleValue(std::string_view key) const = 0;
+    /// False when absent or no truth value.
+    virtual bool boolValue(std::string_view key) const = 0;
+    /// The raw bytes; nothing when absent.
+    virtual std::optional<std::string> data(std::string_view key) const = 0;
+
+    virtual void setDouble(std::string_view key, double value) = 0;
+    virtual void setInteger(std::string_view key, long long value) = 0;
+    virtual void setBool(std::string_view key, bool value) = 0;
+    virtual void setData(std::string_view key, std::string_view bytes) = 0;
+};
+
+} // namespace ambertide

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/Calendar.h"
+
+namespace ambertide {
+
+/// The C library's clock and time zone. A changed /etc/localtime is noticed at the next call.
+class SystemCalendar final : public Calendar
+{
+public:
+    Date now() const override;
+    DateComponents timeOfDay(Date date) const override;
+};
+
+} // namespace ambertide
