@@ -1,5 +1,6 @@
-# Qt 6.4's meta-object compiler stumbles over libstdc++'s <coroutine>, which it need not read: this is the header's guard.
-set(CMAKE_AUTOMOC_MOC_OPTIONS -D_GLIBCXX_COROUTINE)
+# Qt 6.4's meta-object compiler stumbles over some of libstdc++'s headers, which it need not read: these are the guards of
+# <compare> and <coroutine>.
+set(CMAKE_AUTOMOC_MOC_OPTIONS -D_COMPARE -D_GLIBCXX_COROUTINE)
 
 # What every target of the project is compiled with.
 add_library(ambertide_options INTERFACE)
