@@ -32,7 +32,7 @@ public:
         UserDefaults &userDefaults;
         NotificationCenter &notifications;
         DistributedNotificationCenter &distributedNotifications;
-        Calendar &calendar;
+        const Calendar &calendar;
     };
 
     static constexpr double temperatureStep = 100;
