@@ -1,0 +1,128 @@
+#include "display/DisplayManager.h"
+#include "e2e/ApplicationProcess.h"
+#include "model/ScheduleEntry.h"
+#include "platform/qt/SettingsUserDefaults.h"
+#include "platform/qt/SystemCalendar.h"
+
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <csignal>
+#include <dirent.h>
+#include <fstream>
+#include <string>
+
+using namespace ambertide;
+
+namespace {
+
+constexpr auto registered = "Registering for CLI temperature notifications...";
+
+/// The guardians that the application of this test's bundle has left in the process table, zombies included.
+int guardianCount()
+{
+    int count = 0;
+    DIR *folder = opendir("/proc");
+    while (const dirent *entry = readdir(folder)) {
+        std::string comm;
+        std::ifstream(std::string("/proc/") + entry->d_name + "/comm") >> comm;
+        count += comm == "AmbertideGuardi" ? 1 : 0; // the kernel keeps 15 characters
+    }
+    closedir(folder);
+    return count;
+}
+
+int repetitions()
+{
+    return std::max(1, qEnvironmentVariableIntValue("AMBERTIDE_TEST_REPETITIONS"));
+}
+
+} // namespace
+
+class ApplicationTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theToolSetsAndGetsTheTemperatureOfEveryDisplay()
+    {
+        PrivateSession session(PrivateXServer::Kind::dummy);
+        session.server.switchOn(QStringLiteral("DUMMY1"));
+        ApplicationProcess application;
+        QVERIFY(application.waitForLine(registered));
+        QCOMPARE(runTool({QStringLiteral("get")}).output, QByteArray("6500\n"));
+
+        QCOMPARE(runTool({QStringLiteral("set"), QStringLiteral("3400")}).status, 0);
+        QCOMPARE(runTool({QStringLiteral("get")}).output, QByteArray("3400\n"));
+        QTRY_VERIFY_WITH_TIMEOUT(session.shows(3400), 20'000);
+        QVERIFY(application.printed().contains("\nSetting temperature to 3400K\n"));
+
+        session.server.switchOn(QStringLiteral("DUMMY2"));
+        QTRY_VERIFY_WITH_TIMEOUT(session.shows(3400), 20'000); // by the next periodic pass
+
+        QCOMPARE(runTool({QStringLiteral("set"), QStringLiteral("6500")}).status, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), 20'000);
+        QTRY_COMPARE_WITH_TIMEOUT(SettingsUserDefaults(session.settingsPath()).doubleValue("Ambertide.Temperature"), 6500.0,
+                                  20'000);
+    }
+
+    void theScheduleTintsTheDisplaysByItself()
+    {
+        PrivateSession session;
+        ApplicationProcess application;
+        QVERIFY(application.waitForLine(registered));
+        {
+            SettingsUserDefaults settings(session.settingsPath());
+            settings.setData("Ambertide.ScheduleEntries",
+                             encodeSchedule(std::vector{ScheduleEntry{.time = SystemCalendar().now(), .temperature = 2700}}));
+            settings.setBool("Ambertide.ScheduleEnabled", true);
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(session.shows(2700), 20'000);
+        QCOMPARE(runTool({QStringLiteral("set"), QStringLiteral("4000")}).status, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(session.shows(4000), 20'000);
+        QVERIFY(!SettingsUserDefaults(session.settingsPath()).boolValue("Ambertide.ScheduleEnabled"));
+    }
+
+    void however_itEndsTheDisplaysAreGivenBack_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::addColumn<int>("status");
+        QTest::newRow("SIGTERM") << SIGTERM << 0;
+        QTest::newRow("SIGINT") << SIGINT << 0;
+        QTest::newRow("SIGKILL") << SIGKILL << -SIGKILL;
+        QTest::newRow("quit") << 0 << 0;
+    }
+    /// AMBERTIDE_TEST_REPETITIONS asks for more rounds than the one of an ordinary run.
+    void however_itEndsTheDisplaysAreGivenBack()
+    {
+        QFETCH(int, signal);
+        QFETCH(int, status);
+        PrivateSession session;
+        const int guardiansBefore = guardianCount();
+        for (int round = 0; round < repetitions(); ++round) {
+            session.writeSettings("[General]\nAmbertide.Temperature=3000\n");
+            ApplicationProcess application;
+            QTRY_VERIFY_WITH_TIMEOUT(!session.isRestored(), 20'000);
+            // Anywhere in a ramp, a reset or a request.
+            QTest::qWait(QRandomGenerator::global()->bounded(round == 0 ? 1 : 1500));
+            if (round % 3 != 0)
+                runTool({QStringLiteral("set"), QString::number(2000 + 1500 * (round % 4))});
+            if (signal != 0) {
+                application.sendSignal(signal);
+            } else {
+                QProcess::execute(QStringLiteral("gdbus"), {});
+            }
+            QCOMPARE(application.waitForEnd(), status);
+            QElapsedTimer sinceEnd;
+            sinceEnd.start();
+            QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), 20'000);
+            if (sinceEnd.elapsed() > 500)
+                qWarning("restored only after %lld ms", sinceEnd.elapsed());
+            QTRY_COMPARE_WITH_TIMEOUT(guardianCount(), guardiansBefore, 20'000);
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(ApplicationTest)
+#include "Application.moc"
