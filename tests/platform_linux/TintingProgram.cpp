@@ -15,7 +15,6 @@ void tint(ambertide::DisplayServices &services, float blue)
     tables.green.fill(1.0F);
     tables.blue.fill(blue);
     services.setTransferTables(services.activeDisplays(), tables);
-    services.activeDisplays(); // answered when the server has done the rest
 }
 
 } // namespace

@@ -21,7 +21,7 @@ std::vector<DisplayIdentifier> RandrDisplayServices::activeDisplays()
     std::vector<DisplayIdentifier> active;
     if (!connect())
         return active;
-    for (const auto &crtc : m_server->readCrtcs()) {
+    for (const auto &crtc : m_server->crtcs()) {
         if (crtc.isActive)
             active.push_back(crtc.identifier);
     }

@@ -1,9 +1,8 @@
 #include "platform/linux/randr/RandrConnection.h"
 
-#include "platform/linux/randr/XcbReply.h"
-
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace ambertide {
 
@@ -59,11 +58,7 @@ bool RandrConnection::hasXwaylandOutput()
 {
     constexpr auto prefix = "XWAYLAND"sv;
     std::vector<xcb_randr_get_output_info_cookie_t> cookies;
-    for (const auto resourcesCookie : askForResources()) {
-        const auto resources =
-            owned(xcb_randr_get_screen_resources_current_reply(m_xcb.get(), resourcesCookie, nullptr));
-        if (!resources)
-            continue;
+    for (const auto &resources : screenResources()) {
         const std::span outputs(xcb_randr_get_screen_resources_current_outputs(resources.get()),
                                 resources->num_outputs);
         for (const auto output : outputs)
@@ -85,18 +80,13 @@ RandrConnection::State RandrConnection::state() const
     return xcb_connection_has_error(m_xcb.get()) ? State::unreachable : m_state;
 }
 
-std::span<const RandrConnection::Crtc> RandrConnection::readCrtcs()
+std::span<const RandrConnection::Crtc> RandrConnection::crtcs()
 {
-    // Lists seldom change, so the questions about the CRTCs of the last one go out together with that for the new one.
-    const auto resources = askForResources();
-    const auto questions = ask();
-    auto listed = list(resources);
-    collect(questions);
-    if (listed != m_listed) {
-        m_listed = std::move(listed);
-        collect(ask());
+    const bool hasChanged = takeEvents();
+    if (hasChanged || !m_isWatching) {
+        watchChanges(true); // before reading, so that no change falls between
+        readCrtcs();
     }
-    discardEvents();
     return m_crtcs;
 }
 
@@ -106,55 +96,63 @@ const RandrConnection::Crtc *RandrConnection::find(xcb_randr_crtc_t identifier) 
     return found == m_crtcs.end() ? nullptr : &*found;
 }
 
-RandrConnection::ResourcesCookies RandrConnection::askForResources()
+std::vector<RandrConnection::Resources> RandrConnection::screenResources()
 {
-    ResourcesCookies cookies;
+    // The form that does not probe the hardware, which takes long and makes some displays blink.
+    std::vector<xcb_randr_get_screen_resources_current_cookie_t> cookies;
     for (const auto root : m_roots)
         cookies.push_back(xcb_randr_get_screen_resources_current(m_xcb.get(), root));
-    return cookies;
-}
-
-std::vector<RandrConnection::ListedCrtc> RandrConnection::list(const ResourcesCookies &cookies)
-{
-    std::vector<ListedCrtc> listed;
+    std::vector<Resources> resources;
     for (const auto cookie : cookies) {
-        const auto resources = owned(xcb_randr_get_screen_resources_current_reply(m_xcb.get(), cookie, nullptr));
-        if (!resources)
-            continue;
-        const std::span crtcs(xcb_randr_get_screen_resources_current_crtcs(resources.get()), resources->num_crtcs);
-        for (const auto crtc : crtcs)
-            listed.push_back({crtc, resources->config_timestamp});
+        if (auto reply = owned(xcb_randr_get_screen_resources_current_reply(m_xcb.get(), cookie, nullptr)))
+            resources.push_back(std::move(reply));
     }
-    return listed;
+    return resources;
 }
 
-std::vector<RandrConnection::CrtcQuestions> RandrConnection::ask()
+void RandrConnection::watchChanges(bool watch)
 {
-    std::vector<CrtcQuestions> questions;
-    questions.reserve(m_listed.size());
-    for (const auto &crtc : m_listed) {
-        questions.push_back({xcb_randr_get_crtc_info(m_xcb.get(), crtc.identifier, crtc.configuration),
-                             xcb_randr_get_crtc_gamma_size(m_xcb.get(), crtc.identifier)});
-    }
-    return questions;
+    constexpr int changes =
+        XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE;
+    if (watch == std::exchange(m_isWatching, watch))
+        return;
+    for (const auto root : m_roots)
+        xcb_randr_select_input(m_xcb.get(), root, static_cast<std::uint16_t>(watch ? changes : 0));
 }
 
-void RandrConnection::collect(const std::vector<CrtcQuestions> &questions)
+/// Empties the queue and says whether anything was in it: beside the changes these are errors, after which a write may
+/// have gone to a CRTC that is no longer as it was, and the few events that every client is sent.
+bool RandrConnection::takeEvents()
 {
+    bool any = false;
+    while (owned(xcb_poll_for_event(m_xcb.get())))
+        any = true;
+    return any;
+}
+
+void RandrConnection::readCrtcs()
+{
+    struct Questions
+    {
+        xcb_randr_crtc_t crtc;
+        xcb_randr_get_crtc_info_cookie_t info;
+        xcb_randr_get_crtc_gamma_size_cookie_t tableSize;
+    };
+    std::vector<Questions> asked;
+    for (const auto &resources : screenResources()) {
+        const std::span listed(xcb_randr_get_screen_resources_current_crtcs(resources.get()), resources->num_crtcs);
+        for (const auto crtc : listed) {
+            asked.push_back({crtc, xcb_randr_get_crtc_info(m_xcb.get(), crtc, resources->config_timestamp),
+                             xcb_randr_get_crtc_gamma_size(m_xcb.get(), crtc)});
+        }
+    }
     m_crtcs.clear();
-    for (std::size_t i = 0; i < questions.size(); ++i) {
-        const auto info = owned(xcb_randr_get_crtc_info_reply(m_xcb.get(), questions[i].info, nullptr));
-        const auto table = owned(xcb_randr_get_crtc_gamma_size_reply(m_xcb.get(), questions[i].tableSize, nullptr));
-        const bool isActive = info && info->status == XCB_RANDR_SET_CONFIG_SUCCESS && info->mode != XCB_NONE;
+    for (const auto &[crtc, infoCookie, sizeCookie] : asked) {
+        const auto info = owned(xcb_randr_get_crtc_info_reply(m_xcb.get(), infoCookie, nullptr));
+        const auto table = owned(xcb_randr_get_crtc_gamma_size_reply(m_xcb.get(), sizeCookie, nullptr));
+        const bool isActive = info && info->mode != XCB_NONE;
         const bool hasTable = table && table->size >= smallestTable && table->size <= largestTable;
-        m_crtcs.push_back({m_listed[i].identifier, isActive, hasTable ? table->size : std::uint16_t{0}});
-    }
-}
-
-/// Errors of earlier writes, and the few events that every client is sent, would otherwise pile up.
-void RandrConnection::discardEvents()
-{
-    while (const auto event = owned(xcb_poll_for_queued_event(m_xcb.get()))) {
+        m_crtcs.push_back({crtc, isActive, hasTable ? table->size : std::uint16_t{0}});
     }
 }
 
@@ -165,7 +163,10 @@ void RandrConnection::setGamma(xcb_randr_crtc_t crtc, const GammaRamp &ramp)
 
 void RandrConnection::setIdentityEverywhere()
 {
-    for (const auto &crtc : readCrtcs()) {
+    takeEvents();
+    watchChanges(false);
+    readCrtcs();
+    for (const auto &crtc : m_crtcs) {
         if (crtc.tableSize > 0)
             setGamma(crtc.identifier, GammaRamp::identity(crtc.tableSize));
     }

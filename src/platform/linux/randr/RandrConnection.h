@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/randr/GammaRamp.h"
+#include "platform/linux/randr/XcbReply.h"
 
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
@@ -38,14 +39,16 @@ public:
 
     State state() const;
 
-    /// Reads the CRTCs anew. One round trip, whatever their number, and a second one when the list has changed.
-    std::span<const Crtc> readCrtcs();
+    /// The CRTCs as they are now. From the first call on the server tells of changes and errors, so that this costs
+    /// nothing where there are none, and two round trips, whatever the number of CRTCs, where there are.
+    std::span<const Crtc> crtcs();
     /// What was last read about a CRTC; null when it is not among those.
     const Crtc *find(xcb_randr_crtc_t identifier) const;
 
     /// Queues a write. `ramp` must have the size of the CRTC's table.
     void setGamma(xcb_randr_crtc_t crtc, const GammaRamp &ramp);
-    /// Reads the CRTCs anew and queues the identity for each that has a table, active or not.
+    /// Reads the CRTCs and queues the identity for each that has a table, active or not. The server no longer tells of
+    /// changes: nobody would read what it says until crtcs() is called again.
     void setIdentityEverywhere();
 
     void flush() { xcb_flush(m_xcb.get()); }
@@ -56,18 +59,7 @@ public:
     xcb_window_t root() const { return m_roots.front(); }
 
 private:
-    struct ListedCrtc
-    {
-        xcb_randr_crtc_t identifier;
-        xcb_timestamp_t configuration; ///< of the list that names it
-        bool operator==(const ListedCrtc &) const = default;
-    };
-    struct CrtcQuestions
-    {
-        xcb_randr_get_crtc_info_cookie_t info;
-        xcb_randr_get_crtc_gamma_size_cookie_t tableSize;
-    };
-    using ResourcesCookies = std::vector<xcb_randr_get_screen_resources_current_cookie_t>;
+    using Resources = XcbReply<xcb_randr_get_screen_resources_current_reply_t>;
     struct Disconnect
     {
         void operator()(xcb_connection_t *connection) const { xcb_disconnect(connection); }
@@ -75,17 +67,16 @@ private:
 
     State examineServer();
     bool hasXwaylandOutput();
-    ResourcesCookies askForResources();
-    std::vector<ListedCrtc> list(const ResourcesCookies &cookies);
-    std::vector<CrtcQuestions> ask();
-    void collect(const std::vector<CrtcQuestions> &questions);
-    void discardEvents();
+    std::vector<Resources> screenResources();
+    void watchChanges(bool watch);
+    bool takeEvents();
+    void readCrtcs();
 
     std::unique_ptr<xcb_connection_t, Disconnect> m_xcb;
     std::vector<xcb_window_t> m_roots;
     State m_state;
-    std::vector<ListedCrtc> m_listed;
-    std::vector<Crtc> m_crtcs; ///< in the order of m_listed
+    bool m_isWatching = false; ///< the server tells of changes, and m_crtcs is as of the last event
+    std::vector<Crtc> m_crtcs;
 };
 
 } // namespace ambertide
