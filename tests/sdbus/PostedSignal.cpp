@@ -47,7 +47,7 @@ UserInfo numbered(int count)
 Q_DECLARE_METATYPE(ambertide::Notification)
 Q_DECLARE_METATYPE(std::function<void(sd_bus_message *)>)
 
-class PostedSignal : public QObject
+class PostedSignalTest : public QObject
 {
     Q_OBJECT
 
@@ -195,5 +195,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(PostedSignal)
+QTEST_GUILESS_MAIN(PostedSignalTest)
 #include "PostedSignal.moc"
