@@ -36,7 +36,7 @@ void AppDelegate::applicationDidFinishLaunching()
     m_wakeObservation = m_ports.wake.observe([this] { handleWakeNotification(); });
     console::print("Registering for CLI temperature notifications...");
     m_cliObservation = m_ports.distributedNotifications.observe(
-        std::string(notifications::updateTemperature), Delivery::immediate,
+        notifications::updateTemperature, Delivery::immediate,
         [this](const Notification &notification) { handleCLITemperatureChange(notification); });
     startBackgroundSchedulerCheck();
 }
@@ -60,7 +60,7 @@ bool AppDelegate::ensureSingleInstance()
     });
     if (others.empty()) {
         m_instanceObservation = m_ports.distributedNotifications.observe(
-            std::string(notifications::instance), Delivery::standard,
+            notifications::instance, Delivery::standard,
             [this](const Notification &) { m_ports.bringSettingsForward(); });
         return true;
     }
@@ -68,18 +68,17 @@ bool AppDelegate::ensureSingleInstance()
     console::print("Another instance of Ambertide is already running (PID: " + std::to_string(other.processIdentifier) +
                    ")");
     m_ports.runningApplications.activate(other);
-    m_ports.distributedNotifications.post({.name = std::string(notifications::instance), .userInfo = {}},
-                                          Delivery::standard);
+    m_ports.distributedNotifications.post(notifications::withoutUserInfo(notifications::instance), Delivery::standard);
     return false;
 }
 
 void AppDelegate::handleCLITemperatureChange(const Notification &notification)
 {
     console::print("Received CLI temperature change notification: " + describe(notification));
-    const auto userInfo = notification.userInfo.value_or(UserInfo());
-    const auto temperature = integerValue(userInfo, notifications::temperatureKey);
+    const auto temperature = notifications::integerTemperature(notification);
     if (!temperature) {
-        console::print("No valid temperature found in notification: " + describe(userInfo));
+        console::print("No valid temperature found in notification: " +
+                       describe(notification.userInfo.value_or(UserInfo())));
         return;
     }
     console::print("Setting temperature to " + std::to_string(*temperature) + "K");
@@ -87,8 +86,8 @@ void AppDelegate::handleCLITemperatureChange(const Notification &notification)
     Task::startOnMain(m_ports.executor, [&userDefaults = m_ports.userDefaults, &center = m_ports.notifications,
                                          kelvin = *temperature](TaskContext) -> Async {
         userDefaults.setInteger(defaults::temperature, kelvin);
-        center.post({.name = std::string(notifications::updateTemperature),
-                     .userInfo = UserInfo{{std::string(notifications::temperatureKey), kelvin}}});
+        center.post({.name = notifications::updateTemperature,
+                     .userInfo = UserInfo{{notifications::temperatureKey, kelvin}}});
         co_return;
     });
 }
@@ -100,7 +99,7 @@ void AppDelegate::handleWakeNotification()
 
 void AppDelegate::postCheckScheduleNow()
 {
-    m_ports.notifications.post({.name = std::string(notifications::checkScheduleNow), .userInfo = {}});
+    m_ports.notifications.post(notifications::withoutUserInfo(notifications::checkScheduleNow));
 }
 
 void AppDelegate::startBackgroundSchedulerCheck()

@@ -51,13 +51,13 @@ AppViewModel::AppViewModel(const Ports &ports)
 {
     applyTemperatureImmediately();
     setupScheduleTimer();
-    m_checkScheduleObservation = m_ports.notifications.observe(std::string(notifications::checkScheduleNow),
+    m_checkScheduleObservation = m_ports.notifications.observe(notifications::checkScheduleNow,
                                                                [this](const Notification &) { manualScheduleCheck(); });
     m_updateObservation = m_ports.distributedNotifications.observe(
-        std::string(notifications::updateTemperature), Delivery::standard,
+        notifications::updateTemperature, Delivery::standard,
         [this](const Notification &notification) { handleTemperatureUpdate(notification); });
     m_requestObservation = m_ports.distributedNotifications.observe(
-        std::string(notifications::getTemperature), Delivery::standard,
+        notifications::getTemperature, Delivery::standard,
         [this](const Notification &) { handleTemperatureRequest(); });
 }
 
@@ -193,8 +193,8 @@ void AppViewModel::manualScheduleCheck()
 
 void AppViewModel::handleTemperatureUpdate(const Notification &notification)
 {
-    const auto requested = numberValue(notification.userInfo.value_or(UserInfo()), notifications::temperatureKey);
-    const double target = roundedToStep(requested.value_or(m_ports.userDefaults.doubleValue(defaults::temperature)));
+    const auto requested = notifications::anyTemperature(notification);
+    const double target = roundedToStep(requested ? *requested : m_ports.userDefaults.doubleValue(defaults::temperature));
     if (!isInRange(target))
         return;
     Task::startOnMain(m_ports.executor, [weak = std::weak_ptr(m_self), target](TaskContext) -> Async {
@@ -212,8 +212,7 @@ void AppViewModel::handleTemperatureRequest()
 {
     // The schedule may have set anything that a double holds.
     const auto kelvin = static_cast<std::int64_t>(std::clamp(m_temperature, -1e18, 1e18));
-    m_ports.distributedNotifications.post({.name = std::string(notifications::temperatureResponse),
-                                           .userInfo = UserInfo{{std::string(notifications::temperatureKey), kelvin}}},
+    m_ports.distributedNotifications.post(notifications::withTemperature(notifications::temperatureResponse, kelvin),
                                           Delivery::immediate);
 }
 

@@ -65,7 +65,7 @@ class AppDelegateTest : public QObject
         int terminations = 0;
         int broughtForward = 0;
         Observation checkObservation =
-            notifications.observe(std::string(notifications::checkScheduleNow), [this](const Notification &) { ++checks; });
+            notifications.observe(notifications::checkScheduleNow, [this](const Notification &) { ++checks; });
         std::optional<AppDelegate> delegate;
 
         void launch()
@@ -99,8 +99,8 @@ private Q_SLOTS:
         QCOMPARE(bench.terminations, 1);
         QCOMPARE(bench.running.activated, (std::vector<std::int64_t>{42}));
         QCOMPARE(printed, (Lines{"Another instance of Ambertide is already running (PID: 42)"}));
-        QCOMPARE(bench.distributed.posted.size(), std::size_t(1));
-        QCOMPARE(bench.distributed.posted[0].notification.name, std::string("com.ambertide.instance"));
+        QCOMPARE(bench.distributed.posts.size(), std::size_t(1));
+        QCOMPARE(bench.distributed.posts[0].first.name, std::string("com.ambertide.instance"));
         bench.executor.advance(1min);
         QCOMPARE(bench.checks, 0);
     }

@@ -1,6 +1,8 @@
 #include "e2e/ApplicationProcess.h"
 
 #include "display/DisplayManager.h"
+#include "platform/linux/BusNames.h"
+#include "platform/linux/SdBus.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -99,6 +101,20 @@ int ApplicationProcess::waitForEnd()
 }
 
 int ApplicationProcess::kill(pid_t process, int signal) { return ::kill(process, signal); }
+
+bool activateAction(const char *action)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(patience);
+    const auto bus = openSdBus(SdBusKind::session);
+    if (!bus || !waitUntilReady(bus.get(), deadline))
+        return false;
+    sd_bus_message *call = nullptr;
+    sd_bus_message_new_method_call(bus.get(), &call, bus_names::application, bus_names::applicationPath,
+                                   bus_names::applicationInterface, "ActivateAction");
+    const SdBusMessage owned(call);
+    sd_bus_message_append(call, "sava{sv}", action, 0, 0);
+    return callUntil(bus.get(), call, deadline) != nullptr;
+}
 
 ToolResult runTool(const QStringList &arguments)
 {

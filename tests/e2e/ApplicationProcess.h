@@ -63,6 +63,9 @@ private:
     QByteArray m_printed;
 };
 
+/// Calls org.freedesktop.Application.ActivateAction of the running application. False when it refuses or is not there.
+bool activateAction(const char *action);
+
 struct ToolResult
 {
     int status;

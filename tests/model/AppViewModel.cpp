@@ -60,10 +60,10 @@ class AppViewModelTest : public QObject
         }
         void requestUpdate(std::optional<UserInfo> userInfo)
         {
-            distributed.post({.name = std::string(notifications::updateTemperature), .userInfo = std::move(userInfo)},
+            distributed.post({.name = notifications::updateTemperature, .userInfo = std::move(userInfo)},
                              Delivery::standard);
         }
-        void nudge() { notifications.post({.name = std::string(notifications::checkScheduleNow), .userInfo = {}}); }
+        void nudge() { notifications.post({.name = notifications::checkScheduleNow, .userInfo = {}}); }
         int restores()
         {
             int count = 0;
@@ -221,11 +221,11 @@ private Q_SLOTS:
     {
         Bench bench;
         bench.startAt(2700);
-        bench.distributed.post({.name = std::string(notifications::getTemperature), .userInfo = {}}, Delivery::standard);
-        const auto &answer = bench.distributed.posted.back();
-        QCOMPARE(answer.notification.name, std::string("Ambertide.TemperatureResponse"));
-        QVERIFY(answer.notification.userInfo == (UserInfo{{"temperature", std::int64_t{2700}}}));
-        QVERIFY(answer.delivery == Delivery::immediate);
+        bench.distributed.post({.name = notifications::getTemperature, .userInfo = {}}, Delivery::standard);
+        const auto &answer = bench.distributed.posts.back();
+        QCOMPARE(answer.first.name, std::string("Ambertide.TemperatureResponse"));
+        QVERIFY(answer.first.userInfo == (UserInfo{{"temperature", std::int64_t{2700}}}));
+        QVERIFY(answer.second == Delivery::immediate);
     }
 
     void theScheduleIsFollowedByBothTriggers_data()

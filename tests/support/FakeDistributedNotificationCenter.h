@@ -3,33 +3,34 @@
 #include "platform/DistributedNotificationCenter.h"
 #include "platform/NotificationCenter.h"
 
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace ambertide {
 
-/// A session with one process: posts come back to its own observers at once and are recorded.
+/// Delivers to its own observers before post() returns, and records what was asked of it.
 class FakeDistributedNotificationCenter final : public DistributedNotificationCenter
 {
 public:
-    struct Posted
-    {
-        Notification notification;
-        Delivery delivery;
-    };
-    std::vector<Posted> posted;
+    std::vector<std::pair<Notification, Delivery>> posts;
+    std::vector<std::pair<std::string, Delivery>> observed; ///< every name ever observed, in order
 
-    Observation observe(std::string name, Delivery /*delivery*/, NotificationHandler handler) override
+    Observation observe(std::string name, Delivery delivery, NotificationHandler handler) override
     {
-        return m_center.observe(std::move(name), std::move(handler));
+        observed.emplace_back(name, delivery);
+        return m_observers.observe(std::move(name), std::move(handler));
     }
     void post(const Notification &notification, Delivery delivery) override
     {
-        posted.push_back({notification, delivery});
-        m_center.post(notification);
+        posts.emplace_back(notification, delivery);
+        m_observers.post(notification);
     }
+    /// A post of some other process.
+    void receive(const Notification &notification) { m_observers.post(notification); }
 
 private:
-    NotificationCenter m_center;
+    NotificationCenter m_observers;
 };
 
 } // namespace ambertide
