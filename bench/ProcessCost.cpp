@@ -37,18 +37,4 @@ ProcessCost ProcessCost::of(pid_t process)
 
 std::int64_t memoryOf(pid_t process, const char *line) { return numberAfter(folderOf(process) + "/smaps_rollup", line); }
 
-pid_t childOf(pid_t process, const char *name)
-{
-    for (const auto &task : std::filesystem::directory_iterator(folderOf(process) + "/task")) {
-        std::ifstream children(task.path() / "children");
-        for (pid_t child = 0; children >> child;) {
-            std::string comm;
-            std::ifstream(folderOf(child) + "/comm") >> comm;
-            if (std::string(name).starts_with(comm)) // the kernel keeps 15 characters
-                return child;
-        }
-    }
-    return 0;
-}
-
 } // namespace ambertide

@@ -23,7 +23,4 @@ struct ProcessCost
 /// A line of /proc/<process>/smaps_rollup, in KiB; 0 when it is not there.
 std::int64_t memoryOf(pid_t process, const char *line);
 
-/// The first child of a process with this name; 0 when there is none.
-pid_t childOf(pid_t process, const char *name);
-
 } // namespace ambertide

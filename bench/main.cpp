@@ -5,6 +5,7 @@
 #include "display/DisplayManager.h"
 #include "platform/linux/RandrDisplayServices.h"
 #include "platform/qt/ThreadTaskExecutor.h"
+#include "support/ChildProcess.h"
 #include "support/FakeSystemWake.h"
 #include "support/PrivateBus.h"
 #include "support/PrivateXServer.h"

@@ -3,35 +3,23 @@
 #include "model/ScheduleEntry.h"
 #include "platform/qt/SettingsUserDefaults.h"
 #include "platform/qt/SystemCalendar.h"
+#include "support/ChildProcess.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
-#include <dirent.h>
-#include <fstream>
-#include <string>
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
 
 using namespace ambertide;
 
 namespace {
 
 constexpr auto registered = "Registering for CLI temperature notifications...";
-
-/// The guardians that the application of this test's bundle has left in the process table, zombies included.
-int guardianCount()
-{
-    int count = 0;
-    DIR *folder = opendir("/proc");
-    while (const dirent *entry = readdir(folder)) {
-        std::string comm;
-        std::ifstream(std::string("/proc/") + entry->d_name + "/comm") >> comm;
-        count += comm == "AmbertideGuardi" ? 1 : 0; // the kernel keeps 15 characters
-    }
-    closedir(folder);
-    return count;
-}
 
 int repetitions()
 {
@@ -99,11 +87,13 @@ private Q_SLOTS:
         QFETCH(int, signal);
         QFETCH(int, status);
         PrivateSession session;
-        const int guardiansBefore = guardianCount();
+        prctl(PR_SET_CHILD_SUBREAPER, 1); // orphaned guardians become children of this test
         for (int round = 0; round < repetitions(); ++round) {
             session.writeSettings("[General]\nAmbertide.Temperature=3000\n");
             ApplicationProcess application;
-            QTRY_VERIFY_WITH_TIMEOUT(!session.isRestored(), 20'000);
+            QTRY_VERIFY_WITH_TIMEOUT(session.shows(5500), 20'000); // where every first ramp begins
+            const pid_t guardian = childOf(application.processIdentifier(), "AmbertideGuardian");
+            QVERIFY(guardian != 0);
             // Anywhere in a ramp, a reset or a request.
             QTest::qWait(QRandomGenerator::global()->bounded(round == 0 ? 1 : 1500));
             if (round % 3 != 0)
@@ -120,7 +110,7 @@ private Q_SLOTS:
             QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), 20'000);
             if (sinceEnd.elapsed() > 500)
                 qWarning("restored only after %lld ms", sinceEnd.elapsed());
-            QTRY_COMPARE_WITH_TIMEOUT(guardianCount(), guardiansBefore, 20'000);
+            QTRY_VERIFY_WITH_TIMEOUT(waitpid(guardian, nullptr, WNOHANG) != 0, 20'000);
         }
     }
 };

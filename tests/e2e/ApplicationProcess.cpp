@@ -33,7 +33,7 @@ PrivateSession::PrivateSession(PrivateXServer::Kind kind) : server(kind), m_clie
 std::vector<int> PrivateSession::whitePoint()
 {
     std::vector<int> common;
-    for (const auto crtc : m_client.crtcs()) {
+    for (const auto crtc : m_client.activeCrtcs()) {
         const auto ramp = m_client.ramp(crtc);
         const std::vector<int> shown = {ramp[0].back(), ramp[1].back(), ramp[2].back()};
         if (!common.empty() && shown != common)

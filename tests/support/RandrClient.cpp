@@ -50,6 +50,16 @@ std::vector<xcb_randr_crtc_t> RandrClient::crtcs()
     return {first, first + reply->num_crtcs};
 }
 
+std::vector<xcb_randr_crtc_t> RandrClient::activeCrtcs()
+{
+    auto active = crtcs();
+    std::erase_if(active, [this](auto crtc) {
+        const auto cookie = xcb_randr_get_crtc_info(m_xcb, crtc, XCB_CURRENT_TIME);
+        return answered(xcb_randr_get_crtc_info_reply(m_xcb, cookie, nullptr))->mode == XCB_NONE;
+    });
+    return active;
+}
+
 RandrClient::Ramp RandrClient::ramp(xcb_randr_crtc_t crtc)
 {
     const auto reply = answered(xcb_randr_get_crtc_gamma_reply(m_xcb, xcb_randr_get_crtc_gamma(m_xcb, crtc), nullptr));

@@ -163,7 +163,7 @@ void SettingsUserDefaults::setAside()
         scheduleWrite();
     }
     m_health = Health::good;
-    m_readStamp = stamp();
+    m_readStamp = {};
 }
 
 void SettingsUserDefaults::write()
@@ -186,7 +186,7 @@ void SettingsUserDefaults::write()
     m_isTroubleReported = false;
     m_unwritten.merge(m_stored);
     m_stored = std::exchange(m_unwritten, {});
-    m_readStamp = stamp();
+    m_readStamp = {}; // another program's changes may have come in between
 }
 
 void SettingsUserDefaults::report(std::string_view trouble)
