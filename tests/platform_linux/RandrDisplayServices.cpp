@@ -155,7 +155,7 @@ private Q_SLOTS:
 
     void aServerThatCannotBeReachedIsSaidOnce()
     {
-        RandrDisplayServices services(":999", guardian);
+        RandrDisplayServices services(":60000", guardian); // beyond the last number
         tint(services);
         services.restoreSystemColours();
         QCOMPARE(m_lines.size(), 1U);
