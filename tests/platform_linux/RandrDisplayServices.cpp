@@ -32,8 +32,9 @@ const GammaTables amber = slopes(1.0F, 0.75F, 0.4F);
 
 bool isSlope(const std::vector<std::uint16_t> &table, double top)
 {
+    const double step = 65535.0 * top / static_cast<double>(table.size() - 1);
     for (std::size_t i = 0; i < table.size(); ++i) {
-        if (std::abs(table[i] - 65535.0 * top * static_cast<double>(i) / static_cast<double>(table.size() - 1)) > 1.0)
+        if (std::abs(table[i] - step * static_cast<double>(i)) > 1.0)
             return false;
     }
     return !table.empty();
@@ -44,10 +45,10 @@ bool isAmber(const RandrClient::Ramp &ramp)
 }
 
 /// Returns the displays that were addressed.
-std::vector<DisplayIdentifier> tint(DisplayServices &services, const GammaTables &tables = amber)
+std::vector<DisplayIdentifier> tint(DisplayServices &services)
 {
     const auto displays = services.activeDisplays();
-    services.setTransferTables(displays, tables);
+    services.setTransferTables(displays, amber);
     return displays;
 }
 
@@ -114,51 +115,31 @@ private Q_SLOTS:
         QTRY_COMPARE(services.activeDisplays(), std::vector<DisplayIdentifier>{stale[0]});
         QTRY_VERIFY(isSlope(client.ramp(stale[0])[1], 0.5));
 
+        // What is off by then keeps its table for when it is on again.
+        QVERIFY(isSlope(client.ramp(stale[1])[1], 0.5));
         services.restoreSystemColours();
         QVERIFY(client.showsIdentityEverywhere());
     }
 
-    void displaysThatAreOffAreGivenBackToo()
-    {
-        const PrivateXServer server(Kind::dummy);
-        RandrClient client(server.display());
-        const auto off = client.crtcs().back();
-        auto foreign = client.ramp(client.crtcs().front());
-        foreign[2].assign(foreign[2].size(), 0);
-        client.setRamp(off, foreign);
-        QVERIFY(!client.showsIdentityEverywhere());
-
-        RandrDisplayServices(server.display(), guardian).restoreSystemColours();
-
-        QVERIFY(client.showsIdentityEverywhere());
-    }
-
-    void aServerThatGoesAndComesBackIsUsedAgain()
+    void aServerThatComesAndGoesIsUsedWhileItIsThere()
     {
         PrivateXServer server(Kind::framebuffer);
-        RandrDisplayServices services(server.display(), guardian);
-        tint(services);
-
         server.stop();
-        for (int i = 0; i < 3; ++i) {
-            tint(services);
-            services.restoreSystemColours();
+        RandrDisplayServices services(server.display(), guardian);
+        for (const std::size_t lines : {1U, 3U}) {
+            for (int i = 0; i < 3; ++i) {
+                tint(services);
+                services.restoreSystemColours();
+            }
+            QCOMPARE(m_lines.size(), lines);
+
+            server.start();
+            const auto displays = tint(services);
+            QCOMPARE(displays.size(), 1U);
+            QTRY_VERIFY(isAmber(RandrClient(server.display()).ramp(displays[0])));
+            QCOMPARE(m_lines.size(), lines + 1);
+            server.stop();
         }
-        QCOMPARE(m_lines.size(), 1U);
-
-        server.start();
-        const auto displays = tint(services);
-        QCOMPARE(displays.size(), 1U);
-        QTRY_VERIFY(isAmber(RandrClient(server.display()).ramp(displays[0])));
-        QCOMPARE(m_lines.size(), 2U);
-    }
-
-    void aServerThatCannotBeReachedIsSaidOnce()
-    {
-        RandrDisplayServices services(":999", guardian);
-        tint(services);
-        services.restoreSystemColours();
-        QCOMPARE(m_lines.size(), 1U);
     }
 
     void aGuardianThatCannotBeStartedIsSaidOnce()

@@ -6,29 +6,16 @@
 #include <iostream>
 #include <string>
 
-namespace {
-
-void tint(ambertide::DisplayServices &services, float blue)
-{
-    ambertide::GammaTables tables;
-    tables.red.fill(1.0F);
-    tables.green.fill(1.0F);
-    tables.blue.fill(blue);
-    services.setTransferTables(services.activeDisplays(), tables);
-}
-
-} // namespace
-
 int main(int, char **argv)
 {
     ambertide::RandrDisplayServices services(argv[1], AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
     std::string command;
     while (std::getline(std::cin, command)) {
-        if (command == "tint")
-            tint(services, 0.5F);
-        else if (command == "tint deeper")
-            tint(services, 0.25F);
-        else if (command == "restore")
+        if (command.starts_with("tint")) {
+            ambertide::GammaTables tables{};
+            tables.blue.fill(command == "tint" ? 0.5F : 0.25F);
+            services.setTransferTables(services.activeDisplays(), tables);
+        } else if (command == "restore")
             services.restoreSystemColours();
         else if (command == "return")
             return EXIT_SUCCESS;

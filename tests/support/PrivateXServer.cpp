@@ -1,6 +1,7 @@
 #include "support/PrivateXServer.h"
 
 #include <QFile>
+#include <QRandomGenerator>
 
 #include <sys/prctl.h>
 
@@ -37,12 +38,23 @@ PrivateXServer::PrivateXServer(Kind kind) : m_kind(kind)
             throw std::runtime_error("cannot write the configuration of the X server");
     }
     m_process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
-    start();
+    // Far apart at random rather than the first that is free: another test would take that while this one restarts.
+    for (int attempt = 0; attempt < 5 && !isRunning(); ++attempt) {
+        m_display = QStringLiteral(":%1").arg(QRandomGenerator::global()->bounded(1000, 59000));
+        tryToStart();
+    }
+    throwUnlessRunning();
 }
 
 PrivateXServer::~PrivateXServer() { stop(); }
 
 void PrivateXServer::start()
+{
+    tryToStart();
+    throwUnlessRunning();
+}
+
+void PrivateXServer::tryToStart()
 {
     QStringList arguments = QStringLiteral("-displayfd 1 -noreset -nolisten tcp").split(QLatin1Char(' '));
     QString program = QStringLiteral("Xvfb");
@@ -52,14 +64,16 @@ void PrivateXServer::start()
         arguments += {m_folder.filePath(QStringLiteral("xorg.conf")), QStringLiteral("-logfile"),
                       m_folder.filePath(QStringLiteral("xorg.log"))};
     }
-    if (!m_display.isEmpty())
-        arguments += m_display;
-    m_process.start(program, arguments);
+    m_process.start(program, arguments + QStringList{m_display});
+    // It writes its number when it listens.
     while (m_process.state() != QProcess::NotRunning && !m_process.canReadLine())
         m_process.waitForReadyRead(30'000);
-    if (!m_process.canReadLine())
+}
+
+void PrivateXServer::throwUnlessRunning()
+{
+    if (!isRunning())
         throw std::runtime_error("the X server has not started: " + m_process.readAllStandardError().toStdString());
-    m_display = QLatin1Char(':') + QString::fromLatin1(m_process.readLine().trimmed());
 }
 
 void PrivateXServer::stop()
@@ -69,7 +83,6 @@ void PrivateXServer::stop()
         m_process.kill();
         m_process.waitForFinished();
     }
-    m_process.readAll();
 }
 
 void PrivateXServer::xrandr(const QStringList &arguments) const

@@ -7,8 +7,8 @@
 
 namespace ambertide {
 
-/// An X server for one test, on a free number. It ends with this object, and with the test's process however that ends.
-/// The constructor and start() throw when the server does not come up.
+/// An X server for one test, on a free number of its own. It ends with this object, and with the test's process however
+/// that ends. The constructor and start() throw when the server does not come up.
 class PrivateXServer
 {
 public:
@@ -34,6 +34,10 @@ public:
     }
 
 private:
+    bool isRunning() const { return m_process.state() == QProcess::Running; }
+    void tryToStart();
+    void throwUnlessRunning();
+
     const Kind m_kind;
     QTemporaryDir m_folder;
     QProcess m_process;

@@ -20,12 +20,9 @@ auto answered(Reply *reply)
 
 bool isIdentity(const std::vector<std::uint16_t> &table)
 {
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        const double expected = static_cast<double>(i) * 65535.0 / static_cast<double>(table.size() - 1);
-        if (std::abs(table[i] - expected) > 1.0)
-            return false;
-    }
-    return true;
+    const double step = 65535.0 / static_cast<double>(table.size() - 1);
+    std::size_t i = 0;
+    return std::ranges::all_of(table, [&](double level) { return std::abs(level - step * double(i++)) <= 1.0; });
 }
 
 } // namespace
@@ -74,10 +71,8 @@ void RandrClient::setRamp(xcb_randr_crtc_t crtc, const Ramp &ramp)
 {
     const auto cookie = xcb_randr_set_crtc_gamma_checked(m_xcb, crtc, static_cast<std::uint16_t>(ramp[0].size()),
                                                          ramp[0].data(), ramp[1].data(), ramp[2].data());
-    if (auto *const error = xcb_request_check(m_xcb, cookie)) {
-        std::free(error);
+    if (xcb_request_check(m_xcb, cookie))
         throw std::runtime_error("the X server refused the ramp");
-    }
 }
 
 bool RandrClient::showsIdentityEverywhere()
