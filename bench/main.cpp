@@ -1,5 +1,5 @@
-// Prints the figures of docs/figures.md, each beside what it has to reach. Takes some three minutes, most of which the
-// application spends doing nothing under observation.
+// ambertide_bench [tables] [ramps] [application]: prints the figures of docs/figures.md, each beside what it has to reach.
+// All of them take some four minutes, half of which the application spends doing nothing under observation.
 
 #include "ProcessCost.h"
 #include "display/DisplayManager.h"
@@ -24,6 +24,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using namespace ambertide;
@@ -92,7 +93,7 @@ void measureTables()
             use(&tables);
         }
     };
-    const double ratio = medianOf(21, [&] { return millisecondsFor(computing) / millisecondsFor(filling); });
+    const double ratio = medianOf(31, [&] { return millisecondsFor(computing) / millisecondsFor(filling); });
     print("createGammaTables, in times of filling 768 floats", ratio, 6, "");
 }
 
@@ -101,7 +102,7 @@ class NoMainActor final : public MainActor
     void resume(Continuation continuation) override { const auto dropped = std::move(continuation); }
 };
 
-/// Passes everything on and remembers when tables were written.
+/// Passes everything on and measures a ramp. The periodic pass keeps still meanwhile: it has just been restarted.
 class TimedDisplays final : public DisplayServices
 {
 public:
@@ -109,18 +110,35 @@ public:
     std::vector<DisplayIdentifier> activeDisplays() override { return m_displays.activeDisplays(); }
     void setTransferTables(std::span<const DisplayIdentifier> displays, const GammaTables &tables) override
     {
-        if (writes.empty())
-            costAtFirst = ProcessCost::of(getpid());
-        writes.push_back(Clock::now());
+        if (std::exchange(isRampExpected, false)) {
+            costAtStart = ProcessCost::of(getpid());
+            startedAt = Clock::now();
+        }
         m_displays.setTransferTables(displays, tables);
+        if (tables.green == awaited) {
+            awaited = {};
+            cost = ProcessCost::of(getpid()) - costAtStart;
+            duration = Clock::now() - startedAt;
+        }
     }
     void restoreSystemColours() override { m_displays.restoreSystemColours(); }
 
-    std::vector<Clock::time_point> writes;
-    ProcessCost costAtFirst;
+    /// The next write begins a ramp to this temperature.
+    void expectRamp(double temperature)
+    {
+        awaited = DisplayManager::createGammaTables(temperature).green;
+        isRampExpected = true;
+    }
+
+    ProcessCost cost;            ///< of the last ramp, from its first step to its end
+    Clock::duration duration{0}; ///< likewise
 
 private:
     DisplayServices &m_displays;
+    GammaTables::Table awaited = {};
+    bool isRampExpected = false;
+    ProcessCost costAtStart;
+    Clock::time_point startedAt;
 };
 
 struct Ramp
@@ -142,18 +160,16 @@ Ramp measureRamp(const PrivateXServer &server, std::size_t displayCount)
     const auto manager = DisplayManager::create(displays, executor, wake);
     const auto rampTo = [&](double temperature) {
         manager->setTemperature(temperature);
+        displays.expectRamp(temperature);
         do {
             std::this_thread::sleep_for(1s); // seldom: this thread's own cost is counted, too
         } while (manager->temperature() != temperature);
         executor.waitUntilIdle(1s);
     };
     rampTo(4000);
-    displays.writes.clear();
     rampTo(2500);
-    const auto cost = ProcessCost::of(getpid()) - displays.costAtFirst;
-    // The ramp's 60 steps and its end; the last write, of the commit, comes right behind.
-    const Ramp ramp = {std::chrono::duration<double>(displays.writes.back() - displays.writes.front()).count(),
-                       Milliseconds(cost.cpuTime).count() / 60};
+    const Ramp ramp = {std::chrono::duration<double>(displays.duration).count(),
+                       Milliseconds(displays.cost.cpuTime).count() / 60};
     randr.restoreSystemColours();
     return ramp;
 }
@@ -323,9 +339,15 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     try {
-        measureTables();
-        measureRamps();
-        measureApplication();
+        const std::vector<std::pair<QString, void (*)()>> groups = {
+            {QStringLiteral("tables"), measureTables},
+            {QStringLiteral("ramps"), measureRamps},
+            {QStringLiteral("application"), measureApplication},
+        };
+        for (const auto &[name, measure] : groups) {
+            if (argc < 2 || QCoreApplication::arguments().contains(name))
+                measure();
+        }
     } catch (const std::exception &failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;

@@ -36,10 +36,10 @@ std::optional<double> scheduledTemperature(UserDefaults &userDefaults, const Cal
     const auto stored = userDefaults.data(defaults::scheduleEntries);
     if (!stored)
         return std::nullopt;
-    auto entries = decodeSchedule(*stored).entries;
-    if (!entries)
+    const auto decoded = decodeSchedule(*stored);
+    if (!decoded.entries)
         return std::nullopt;
-    const auto entry = entryInForce(std::move(*entries), now, calendar);
+    const auto entry = entryInForce(*decoded.entries, now, calendar);
     return entry ? std::optional(roundedToStep(entry->temperature)) : std::nullopt;
 }
 
