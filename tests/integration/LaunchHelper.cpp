@@ -6,82 +6,50 @@
 #include <QTest>
 
 using namespace ambertide;
-
-Q_DECLARE_METATYPE(ambertide::LoginItemStatus)
+using enum LoginItemStatus;
 
 class TestLaunchHelper : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        console::redirect([this](std::string_view line) { m_printed.emplace_back(line); });
-        m_printed.clear();
-    }
-    void cleanup() { console::redirect({}); }
-
-    void countsAsEnabledOnlyWhenTheSystemSaysSo_data()
-    {
-        QTest::addColumn<LoginItemStatus>("status");
-        QTest::addColumn<bool>("enabled");
-        QTest::newRow("enabled") << LoginItemStatus::Enabled << true;
-        QTest::newRow("not registered") << LoginItemStatus::NotRegistered << false;
-        QTest::newRow("requires approval") << LoginItemStatus::RequiresApproval << false;
-        QTest::newRow("not found") << LoginItemStatus::NotFound << false;
-    }
-    void countsAsEnabledOnlyWhenTheSystemSaysSo()
-    {
-        QFETCH(LoginItemStatus, status);
-        FakeLoginItem item;
-        item.currentStatus = status;
-        QTEST(LaunchHelper(item).isLaunchAtLoginEnabled(), "enabled");
-    }
-
     void switchesAndReports_data()
     {
-        using Failure = std::optional<std::string>;
-        using Calls = std::vector<std::string>;
         QTest::addColumn<LoginItemStatus>("status");
-        QTest::addColumn<bool>("enabled");
-        QTest::addColumn<Failure>("registerFailure");
-        QTest::addColumn<Failure>("unregisterFailure");
-        QTest::addColumn<Calls>("calls");
-        QTest::addColumn<Calls>("printed");
-
-        const Failure none;
-        QTest::newRow("on") << LoginItemStatus::NotRegistered << true << none << none << Calls{"register"} << Calls{};
-        QTest::newRow("on, while switched off elsewhere")
-            << LoginItemStatus::RequiresApproval << true << none << none << Calls{"register"} << Calls{};
-        QTest::newRow("on, while on: renewed")
-            << LoginItemStatus::Enabled << true << none << none << Calls{"unregister", "register"} << Calls{};
-        QTest::newRow("on, while on, and it cannot be renewed")
-            << LoginItemStatus::Enabled << true << none << Failure("locked") << Calls{"unregister"}
-            << Calls{"Failed to enable launch at login: locked"};
-        QTest::newRow("on fails") << LoginItemStatus::NotFound << true << Failure("disk full") << none
-                                  << Calls{"register"} << Calls{"Failed to enable launch at login: disk full"};
-        QTest::newRow("off") << LoginItemStatus::Enabled << false << none << none << Calls{"unregister"} << Calls{};
-        QTest::newRow("off, while off") << LoginItemStatus::NotRegistered << false << none << none
-                                        << Calls{"unregister"}
-                                        << Calls{"Failed to disable launch at login: not registered"};
+        QTest::addColumn<char>("failing");
+        QTest::addColumn<bool>("enable");
+        QTest::addColumn<std::string>("calls");
+        QTest::addColumn<std::string>("printed");
+        const auto row = [](const char *name, LoginItemStatus status, char failing, bool enable, std::string calls,
+                            std::string printed) {
+            QTest::newRow(name) << status << failing << enable << calls << printed;
+        };
+        row("on", NotRegistered, ' ', true, "+", "");
+        row("on, switched off elsewhere", RequiresApproval, ' ', true, "+", "");
+        row("on, while on: renewed", Enabled, ' ', true, "-+", "");
+        row("on, not renewable", Enabled, '-', true, "-", "Failed to enable launch at login: locked");
+        row("on fails", NotFound, '+', true, "+", "Failed to enable launch at login: locked");
+        row("off", Enabled, ' ', false, "-", "");
+        row("off, while off", NotRegistered, '-', false, "-", "Failed to disable launch at login: locked");
     }
     void switchesAndReports()
     {
         QFETCH(LoginItemStatus, status);
-        QFETCH(bool, enabled);
-        QFETCH(std::optional<std::string>, registerFailure);
-        QFETCH(std::optional<std::string>, unregisterFailure);
+        QFETCH(char, failing);
+        QFETCH(bool, enable);
         FakeLoginItem item;
         item.currentStatus = status;
-        item.registerFailure = registerFailure;
-        item.unregisterFailure = unregisterFailure;
-        LaunchHelper(item).setLaunchAtLogin(enabled);
+        (failing == '+' ? item.registerFailure : item.unregisterFailure) =
+            failing == ' ' ? std::nullopt : std::optional<std::string>("locked");
+        std::string printed;
+        console::redirect([&](std::string_view line) { printed += line; });
+        LaunchHelper helper(item);
+        QCOMPARE(helper.isLaunchAtLoginEnabled(), status == Enabled);
+        helper.setLaunchAtLogin(enable);
+        console::redirect({});
         QTEST(item.calls, "calls");
-        QTEST(m_printed, "printed");
+        QTEST(printed, "printed");
     }
-
-private:
-    std::vector<std::string> m_printed;
 };
 
 QTEST_GUILESS_MAIN(TestLaunchHelper)

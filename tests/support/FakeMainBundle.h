@@ -15,8 +15,7 @@ public:
     std::filesystem::path path() const override { return bundlePath; }
     std::optional<std::string> information(std::string_view key) const override
     {
-        const auto found = values.find(key);
-        return found == values.end() ? std::nullopt : std::optional(found->second);
+        return values.contains(key) ? std::optional(values.find(key)->second) : std::nullopt;
     }
 
     std::filesystem::path bundlePath;

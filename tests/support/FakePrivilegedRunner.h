@@ -14,15 +14,12 @@ public:
     PrivilegedResult run(const std::string &command) override
     {
         commands.push_back(command);
-        if (isCancelled)
-            return {PrivilegedResult::Status::Failed, "cancelled"};
         return result;
     }
-    void cancel() override { isCancelled = true; }
+    void cancel() override { result = {PrivilegedResult::Status::Failed, "taken back"}; }
 
     PrivilegedResult result;
     std::vector<std::string> commands;
-    bool isCancelled = false;
 };
 
 } // namespace ambertide

@@ -10,7 +10,7 @@ namespace ambertide {
 /// polkit's pkexec, which shows the desktop's own prompt and runs the shell under it.
 ///
 /// The installed application names its own administrator shell, so that polkit finds the action whose prompt speaks of
-/// Ambertide; without an installation it is the system's shell, and polkit's general prompt shows the command.
+/// Ambertide; without an installation it is the system's shell, and polkit's general prompt is shown.
 class PkexecPrivilegedRunner final : public PrivilegedRunner
 {
 public:
