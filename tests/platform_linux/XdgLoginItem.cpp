@@ -38,7 +38,7 @@ private Q_SLOTS:
         QVERIFY(m_item.unregisterItem());
         QVERIFY(!m_item.registerItem());
         QCOMPARE(m_item.status(), Enabled);
-        QCOMPARE(DesktopEntry::parse(contents(m_entry))->program(), std::optional(m_program.string()));
+        QCOMPARE(DesktopEntry::parse(contents(m_entry))->string("TryExec"), std::optional(m_program.string()));
         QCOMPARE(fs::status(m_entry).permissions(), fs::perms(0644));
         QCOMPARE(std::distance(fs::directory_iterator(m_entry.parent_path()), {}), 1);
         fs::remove(m_program);

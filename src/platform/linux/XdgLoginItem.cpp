@@ -86,20 +86,20 @@ LoginItemStatus XdgLoginItem::status() const
 std::string XdgLoginItem::entryText() const
 {
     const auto program = (m_bundle.path() / "Contents/MacOS/Ambertide").string();
+    // As a program, systemd refuses one with a quote in its name and GLib one with a percent sign; as an argument,
+    // neither.
+    const bool isPlain = program.find_first_of("'\"%") == std::string::npos;
     return "[Desktop Entry]\n"
            "Type=Application\n"
            "Version=1.5\n"
            "Name=Ambertide\n"
            "Comment=Tints every display to a colour temperature\n"
            "Icon=me.tovanu.Ambertide\n"
-           "Exec=" +
-           DesktopEntry::execArgument(program) +
-           "\n"
-           "TryExec=" +
-           DesktopEntry::escaped(program) +
-           "\n"
            "Terminal=false\n"
-           "StartupNotify=false\n";
+           "StartupNotify=false\n"
+           "TryExec=" +
+           DesktopEntry::escaped(program) + "\nExec=" + (isPlain ? "" : "/usr/bin/env ") +
+           DesktopEntry::execArgument(program) + "\n";
 }
 
 std::optional<std::string> XdgLoginItem::registerItem()
