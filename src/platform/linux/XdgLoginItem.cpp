@@ -91,7 +91,6 @@ std::string XdgLoginItem::entryText() const
     const bool isPlain = program.find_first_of("'\"%") == std::string::npos;
     return "[Desktop Entry]\n"
            "Type=Application\n"
-           "Version=1.5\n"
            "Name=Ambertide\n"
            "Comment=Tints every display to a colour temperature\n"
            "Icon=me.tovanu.Ambertide\n"
