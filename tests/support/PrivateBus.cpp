@@ -12,13 +12,8 @@ namespace {
 
 constexpr char configuration[] = R"(<busconfig>
   <type>session</type>
-  <auth>EXTERNAL</auth>
   <listen>unix:path=%1</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
+  <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/><allow own="*"/></policy>
 </busconfig>
 )";
 
