@@ -122,6 +122,20 @@ private Q_SLOTS:
         QVERIFY(mallinfo2().uordblks < before + 100'000);
     }
 
+    void postsWaitForABusThatIsSlow()
+    {
+        BusTransport transport;
+        Recorder recorder(transport.center, "Name");
+        transport.center.post(named("Name"), Delivery::standard);
+        QTRY_COMPARE(recorder.received.size(), 1U);
+        transport.bus.freeze();
+        for (int i = 0; i < 200; ++i)
+            transport.center.post({"Unobserved", UserInfo{{"text", std::string(100'000, ' ')}}}, Delivery::standard);
+        transport.center.post(named("Name"), Delivery::standard);
+        transport.bus.thaw();
+        QTRY_COMPARE(recorder.received.size(), 2U);
+    }
+
     void aBusThatIsLostIsFoundAgain()
     {
         const CapturedConsole console;

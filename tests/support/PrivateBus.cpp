@@ -57,4 +57,6 @@ void PrivateBus::stop()
 
 void PrivateBus::freeze() { ::kill(static_cast<pid_t>(m_daemon.processId()), SIGSTOP); }
 
+void PrivateBus::thaw() { ::kill(static_cast<pid_t>(m_daemon.processId()), SIGCONT); }
+
 } // namespace ambertide

@@ -19,6 +19,7 @@ public:
     void stop();
     /// From then on it takes connections and messages, but answers nothing.
     void freeze();
+    void thaw();
 
 private:
     QByteArray m_variable;
