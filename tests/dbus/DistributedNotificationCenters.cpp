@@ -3,7 +3,6 @@
 #include "support/FakeDistributedNotificationCenter.h"
 #include "support/PrivateBus.h"
 
-#include <QCoreApplication>
 #include <QTest>
 
 #include <malloc.h>
@@ -114,11 +113,11 @@ private Q_SLOTS:
                 transport.center.post({"Flood", UserInfo{{"temperature", i}}}, Delivery::standard);
         };
         flood();
-        QTRY_COMPARE(next, count);
+        QTRY_COMPARE_WITH_TIMEOUT(next, count, 60'000);
         QVERIFY2(mostInATurn <= 200, qPrintable(QString::number(mostInATurn)));
         const auto before = mallinfo2().uordblks;
         flood();
-        QTRY_COMPARE(next, count);
+        QTRY_COMPARE_WITH_TIMEOUT(next, count, 60'000);
         QVERIFY(mallinfo2().uordblks < before + 100'000);
     }
 
@@ -157,13 +156,11 @@ private Q_SLOTS:
         const CapturedConsole console;
         PrivateBus bus;
         bus.stop();
-        DBusSession session(SdBusKind::session, 0ms);
+        DBusSession session(SdBusKind::session);
         DBusNotificationCenter center(session);
         const Recorder recorder(center, "Name");
         center.post(named("Name"), Delivery::standard);
-        QCoreApplication::processEvents();
         QCOMPARE(console.lines.size(), 1U);
-        QVERIFY(recorder.received.empty());
     }
 };
 

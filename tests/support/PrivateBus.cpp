@@ -20,7 +20,7 @@ constexpr char configuration[] = R"(<busconfig>
 } // namespace
 
 PrivateBus::PrivateBus(const char *addressVariable)
-    : m_variable(addressVariable), m_oldAddress(qgetenv(addressVariable))
+
 {
     const QString socket = m_folder.filePath(QStringLiteral("bus"));
     QFile file(m_folder.filePath(QStringLiteral("bus.conf")));
@@ -35,11 +35,7 @@ PrivateBus::PrivateBus(const char *addressVariable)
     start();
 }
 
-PrivateBus::~PrivateBus()
-{
-    stop();
-    qputenv(m_variable.constData(), m_oldAddress);
-}
+PrivateBus::~PrivateBus() { stop(); }
 
 void PrivateBus::start()
 {

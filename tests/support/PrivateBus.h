@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -22,8 +21,6 @@ public:
     void thaw();
 
 private:
-    QByteArray m_variable;
-    QByteArray m_oldAddress;
     QTemporaryDir m_folder;
     QProcess m_daemon;
 };
