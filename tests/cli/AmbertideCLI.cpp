@@ -1,146 +1,133 @@
-#include "cli/AmbertideCLI.h"
-
 #include "model/Notifications.h"
+#include "platform/linux/DBusNotificationCenter.h"
+#include "platform/linux/DBusRunningApplications.h"
+#include "support/PrivateBus.h"
 
+#include <QElapsedTimer>
 #include <QTest>
 
-#include <vector>
-
 using namespace ambertide;
-using Outcome = ApplicationConnection::Outcome;
 
 namespace {
 
-class FakeApplicationConnection final : public ApplicationConnection
+/// The running application, as far as the tool can tell, with a stranger who answers in its place, and before it.
+struct FakeApplication
 {
-public:
-    Answer answer;
-    std::vector<Notification> posts;
-    std::string awaited;
+    DBusSession session{SdBusKind::session};
+    DBusNotificationCenter center{session};
+    DBusRunningApplications applications{session};
+    DBusSession strangersSession{SdBusKind::session};
+    DBusNotificationCenter stranger{strangersSession};
+    std::vector<Notification> taken;
+    Observation updates = center.observe(notifications::updateTemperature, Delivery::immediate,
+                                         [this](const Notification &update) { taken.push_back(update); });
+    Observation requests = stranger.observe(notifications::getTemperature, Delivery::standard, [this](const auto &) {
+        stranger.post(notifications::withTemperature(notifications::temperatureResponse, 1), Delivery::standard);
+        center.post(notifications::withTemperature(notifications::temperatureResponse, 2700), Delivery::standard);
+    });
 
-    Outcome post(const Notification &notification) override
-    {
-        posts.push_back(notification);
-        return answer.outcome;
-    }
-    Answer request(const Notification &notification, std::string_view name) override
-    {
-        posts.push_back(notification);
-        awaited = name;
-        return answer;
-    }
+    FakeApplication() { applications.withIdentifier("me.tovanu.Ambertide"); }
 };
 
 } // namespace
-
-Q_DECLARE_METATYPE(ambertide::ApplicationConnection::Answer)
 
 class AmbertideCLITest : public QObject
 {
     Q_OBJECT
 
-    FakeApplicationConnection m_application;
+    PrivateBus m_bus;
+    QProcess m_tool;
 
-    AmbertideCLI::Result run(const QByteArrayList &arguments)
+    void start(const QByteArray &arguments, const QByteArray &output = "")
     {
-        const std::vector<std::string_view> views(arguments.begin(), arguments.end());
-        return AmbertideCLI(m_application).run(views);
+        QStringList list;
+        for (const auto &argument : arguments.isNull() ? QByteArrayList() : arguments.split(','))
+            list.append(QString::fromUtf8(argument));
+        m_tool.setStandardOutputFile(QString::fromUtf8(output));
+        m_tool.start(QStringLiteral(AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideCLI"), list);
     }
 
 private Q_SLOTS:
-    void init() { m_application = {}; }
-
-    void wrongUsageIsRefusedBeforeAnythingIsPosted_data()
+    void wrongUsageIsRefused_data()
     {
-        QTest::addColumn<QByteArrayList>("arguments");
-        QTest::addColumn<QByteArray>("mention");
+        QTest::addColumn<QByteArray>("arguments");
+        QTest::addColumn<bool>("isUsageShown");
         for (const char *temperature : {"", "3400.0", "3400K", " 3400", "3400 ", "+3400", "-3400", "0x1000", "3e3",
-                                        "nan", "999", "6501", "0", "99999999999999999999999999", "34\xc2\xb2"})
-            QTest::addRow("set '%s'", temperature)
-                << QByteArrayList{"set", temperature} << QByteArray("from 1000 to 6500");
-        const QByteArray usage = "Usage: ambertide set <temperature>\n       ambertide get\n";
-        QTest::newRow("nothing") << QByteArrayList{} << usage;
-        QTest::newRow("unknown command") << QByteArrayList{"put", "3400"} << usage;
-        QTest::newRow("unknown option") << QByteArrayList{"--verbose"} << usage;
-        QTest::newRow("set without a temperature") << QByteArrayList{"set"} << usage;
-        QTest::newRow("set with two") << QByteArrayList{"set", "3400", "3500"} << usage;
-        QTest::newRow("get with more") << QByteArrayList{"get", "3400"} << usage;
-        QTest::newRow("version with more") << QByteArrayList{"--version", "get"} << usage;
+                                        "999", "6501", "99999999999999999999999999", "34\xc2\xb2"})
+            QTest::addRow("set '%s'", temperature) << QByteArray("set,").append(temperature) << false;
+        QTest::newRow("nothing") << QByteArray() << true;
+        for (const char *arguments : {"put,3400", "--verbose", "set", "set,3400,3500", "get,3400", "--version,get"})
+            QTest::newRow(arguments) << QByteArray(arguments) << true;
     }
-    void wrongUsageIsRefusedBeforeAnythingIsPosted()
+    void wrongUsageIsRefused()
     {
-        QFETCH(QByteArrayList, arguments);
-        QFETCH(QByteArray, mention);
-        const auto result = run(arguments);
-        QCOMPARE(result.status, AmbertideCLI::wrongUsage);
-        QVERIFY(result.output.empty());
-        QVERIFY(QByteArray::fromStdString(result.errors).contains(mention));
-        QVERIFY(m_application.posts.empty());
+        QFETCH(QByteArray, arguments);
+        QFETCH(bool, isUsageShown);
+        start(arguments);
+        QVERIFY(m_tool.waitForFinished());
+        QCOMPARE(m_tool.exitCode(), 2);
+        QVERIFY(m_tool.readAllStandardOutput().isEmpty());
+        const auto errors = m_tool.readAllStandardError();
+        QVERIFY(isUsageShown ? errors.endsWith("Usage: ambertide set <temperature>\n       ambertide get\n")
+                             : errors.contains("from 1000 to 6500") && errors.count('\n') == 1);
     }
 
-    void setPostsTheTemperatureAsAnInteger_data()
+    void theApplicationIsReached_data()
     {
-        QTest::addColumn<QByteArray>("temperature");
-        QTest::addColumn<qint64>("posted");
-        QTest::newRow("least") << QByteArray("1000") << qint64{1000};
-        QTest::newRow("no round hundred") << QByteArray("3449") << qint64{3449};
-        QTest::newRow("most") << QByteArray("6500") << qint64{6500};
+        QTest::addColumn<QByteArray>("outputFile");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("output");
+        QTest::addColumn<int>("taken");
+        const auto row = [](const char *arguments, const char *file, int status, const char *output, int taken) {
+            QTest::addRow("%s %s", arguments, file) << QByteArray(file) << status << QByteArray(output) << taken;
+        };
+        row("get", "", 0, "2700\n", 0);
+        row("get", "/dev/full", 1, "", 0);
+        row("set,1000", "", 0, "", 1000);
+        row("set,3449", "", 0, "", 3449);
+        row("set,6500", "", 0, "", 6500);
     }
-    void setPostsTheTemperatureAsAnInteger()
+    void theApplicationIsReached()
     {
-        QFETCH(QByteArray, temperature);
-        QFETCH(qint64, posted);
-        m_application.answer.outcome = Outcome::done;
-        const auto result = run({"set", temperature});
-        QCOMPARE(result.status, AmbertideCLI::success);
-        QVERIFY(result.output.empty() && result.errors.empty());
-        QCOMPARE(m_application.posts.size(), 1U);
-        QCOMPARE(m_application.posts[0].name, std::string("Ambertide.UpdateTemperature"));
-        QVERIFY((*m_application.posts[0].userInfo == UserInfo{{"temperature", std::int64_t{posted}}}));
-    }
-
-    void getPrintsTheAnswerAndNothingElse()
-    {
-        m_application.answer = {Outcome::done, Notification{"Any", UserInfo{{"temperature", std::int64_t{2700}}}}};
-        const auto result = run({"get"});
-        QCOMPARE(result.status, AmbertideCLI::success);
-        QCOMPARE(result.output, std::string("2700\n"));
-        QVERIFY(result.errors.empty());
-        QCOMPARE(m_application.posts.at(0).name, std::string("Ambertide.GetTemperature"));
-        QCOMPARE(m_application.awaited, std::string("Ambertide.TemperatureResponse"));
+        QFETCH(QByteArray, outputFile);
+        FakeApplication application;
+        start(QByteArray(QTest::currentDataTag()).split(' ')[0], outputFile);
+        QTRY_COMPARE(m_tool.state(), QProcess::NotRunning);
+        QTEST(m_tool.exitCode(), "status");
+        QTEST(m_tool.readAllStandardOutput(), "output");
+        // What `set` posts has been taken by the time it ends.
+        const auto kelvin = application.taken.empty() ? 0 : notifications::integerTemperature(application.taken[0]);
+        QTEST(static_cast<int>(kelvin.value_or(-1)), "taken");
     }
 
-    void whatCouldNotBeDoneIsSaidInOneLine_data()
+    void anApplicationThatCannotBeReachedIsOneLineWithinTwoSeconds_data()
     {
-        QTest::addColumn<ApplicationConnection::Answer>("answer");
-        QTest::newRow("no bus") << ApplicationConnection::Answer{Outcome::noTransport, std::nullopt};
-        QTest::newRow("not running") << ApplicationConnection::Answer{Outcome::notRunning, std::nullopt};
-        QTest::newRow("no answer") << ApplicationConnection::Answer{Outcome::noAnswer, std::nullopt};
-        QTest::newRow("no number") << ApplicationConnection::Answer{Outcome::done, Notification{"Any", std::nullopt}};
+        QTest::addColumn<QByteArray>("arguments");
+        for (const char *situation : {"no bus", "bus frozen", "not running", "application frozen"}) {
+            QTest::addRow("%s, get", situation) << QByteArray("get");
+            QTest::addRow("%s, set", situation) << QByteArray("set,3400");
+        }
     }
-    void whatCouldNotBeDoneIsSaidInOneLine()
+    void anApplicationThatCannotBeReachedIsOneLineWithinTwoSeconds()
     {
-        QFETCH(ApplicationConnection::Answer, answer);
-        m_application.answer = answer;
-        const auto result = run({"get"});
-        QCOMPARE(result.status, AmbertideCLI::failure);
-        QVERIFY(result.output.empty());
-        QVERIFY(result.errors.starts_with("ambertide: "));
-        QCOMPARE(result.errors.find('\n'), result.errors.size() - 1);
-    }
-
-    void helpIsGivenWhereverItIsAskedFor_data()
-    {
-        QTest::addColumn<QByteArrayList>("arguments");
-        QTest::newRow("alone") << QByteArrayList{"--help"};
-        QTest::newRow("of a command") << QByteArrayList{"set", "-h"};
-    }
-    void helpIsGivenWhereverItIsAskedFor()
-    {
-        QFETCH(QByteArrayList, arguments);
-        const auto result = run(arguments);
-        QCOMPARE(result.status, AmbertideCLI::success);
-        QVERIFY(result.output.find("ambertide get") != std::string::npos);
+        QFETCH(QByteArray, arguments);
+        const QByteArray situation = QByteArray(QTest::currentDataTag()).split(',')[0];
+        // Frozen: its event loop does not run.
+        const auto application = situation == "application frozen" ? std::make_unique<FakeApplication>() : nullptr;
+        if (situation == "no bus")
+            m_bus.stop();
+        if (situation == "bus frozen")
+            m_bus.freeze();
+        QElapsedTimer timer;
+        timer.start();
+        start(arguments);
+        QVERIFY(m_tool.waitForFinished());
+        QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
+        QCOMPARE(m_tool.exitCode(), 1);
+        QVERIFY(m_tool.readAllStandardOutput().isEmpty());
+        QCOMPARE(m_tool.readAllStandardError().count('\n'), 1);
+        m_bus.stop();
+        m_bus.start();
     }
 };
 

@@ -12,20 +12,15 @@ namespace {
 
 constexpr char configuration[] = R"(<busconfig>
   <type>session</type>
-  <auth>EXTERNAL</auth>
   <listen>unix:path=%1</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
+  <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/><allow own="*"/></policy>
 </busconfig>
 )";
 
 } // namespace
 
 PrivateBus::PrivateBus(const char *addressVariable)
-    : m_variable(addressVariable), m_oldAddress(qgetenv(addressVariable))
+
 {
     const QString socket = m_folder.filePath(QStringLiteral("bus"));
     QFile file(m_folder.filePath(QStringLiteral("bus.conf")));
@@ -40,11 +35,7 @@ PrivateBus::PrivateBus(const char *addressVariable)
     start();
 }
 
-PrivateBus::~PrivateBus()
-{
-    stop();
-    qputenv(m_variable.constData(), m_oldAddress);
-}
+PrivateBus::~PrivateBus() { stop(); }
 
 void PrivateBus::start()
 {
@@ -61,5 +52,7 @@ void PrivateBus::stop()
 }
 
 void PrivateBus::freeze() { ::kill(static_cast<pid_t>(m_daemon.processId()), SIGSTOP); }
+
+void PrivateBus::thaw() { ::kill(static_cast<pid_t>(m_daemon.processId()), SIGCONT); }
 
 } // namespace ambertide

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -19,10 +18,9 @@ public:
     void stop();
     /// From then on it takes connections and messages, but answers nothing.
     void freeze();
+    void thaw();
 
 private:
-    QByteArray m_variable;
-    QByteArray m_oldAddress;
     QTemporaryDir m_folder;
     QProcess m_daemon;
 };

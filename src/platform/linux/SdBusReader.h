@@ -29,8 +29,8 @@ public:
     /// no number, truth value or text become opaque; an unsigned number too large for an integer becomes a double.
     std::optional<UserInfo> dictionary(std::string_view alwaysKept = {});
 
-    /// Passes over the next value, whatever it is. sd-bus can do that too, but looks at each element of the largest arrays
-    /// that a bus lets through.
+    /// Passes over the next value, whatever it is. sd-bus can do that too, but looks at each element of the largest
+    /// arrays that a bus lets through.
     bool skip();
 
 private:
