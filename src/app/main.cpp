@@ -1,8 +1,12 @@
 #include "app/AmbertideApp.h"
+#include "app/ModelTemperatureControl.h"
+#include "integration/SetColorTemperatureShortcut.h"
+#include "platform/linux/DBusActions.h"
 #include "platform/linux/DBusApplicationObject.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/DBusRunningApplications.h"
 #include "platform/linux/DBusSession.h"
+#include "platform/linux/DBusTemperatureObject.h"
 #include "platform/linux/LogindSystemWake.h"
 #include "platform/linux/SessionDisplayServices.h"
 #include "platform/qt/PlistMainBundle.h"
@@ -94,6 +98,12 @@ int main(int argc, char *argv[])
         ambertide->delegate().applicationShouldTerminateAfterLastWindowClosed());
     DBusApplicationObject busObject(sessionBus, [](const std::string &) {});
     busObject.setAction("quit", [](const std::string &) { QCoreApplication::quit(); });
+    const auto perform = [&](ColorTemperature preset) {
+        SetColorTemperatureShortcut{preset}.perform(userDefaults, distributedNotifications);
+    };
+    const DBusActions actions(sessionBus, busObject, perform, [] {});
+    ModelTemperatureControl temperatureControl(ambertide->viewModel());
+    const DBusTemperatureObject temperatureObject(sessionBus, temperatureControl);
 
     const int status = QApplication::exec();
 

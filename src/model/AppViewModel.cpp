@@ -137,6 +137,18 @@ void AppViewModel::handleManualChange()
     setScheduleEnabled(false);
 }
 
+bool AppViewModel::acceptsRequest(double temperature) { return isInRange(roundedToStep(temperature)); }
+
+void AppViewModel::requestTemperature(double temperature)
+{
+    if (!acceptsRequest(temperature))
+        return;
+    m_isScheduledChange = false;
+    setScheduleEnabled(false);
+    setTemperature(temperature);
+    applyTemperatureImmediately();
+}
+
 void AppViewModel::setupScheduleTimer()
 {
     m_scheduleTimer.cancel();
@@ -194,16 +206,12 @@ void AppViewModel::manualScheduleCheck()
 void AppViewModel::handleTemperatureUpdate(const Notification &notification)
 {
     const auto requested = notifications::anyTemperature(notification);
-    const double target = roundedToStep(requested ? *requested : m_ports.userDefaults.doubleValue(defaults::temperature));
-    if (!isInRange(target))
+    const double target = requested ? *requested : m_ports.userDefaults.doubleValue(defaults::temperature);
+    if (!acceptsRequest(target))
         return;
     Task::startOnMain(m_ports.executor, [weak = std::weak_ptr(m_self), target](TaskContext) -> Async {
-        if (const auto self = weak.lock()) {
-            self->m_isScheduledChange = false;
-            self->setScheduleEnabled(false);
-            self->setTemperature(target);
-            self->applyTemperatureImmediately();
-        }
+        if (const auto self = weak.lock())
+            self->requestTemperature(target);
         co_return;
     });
 }

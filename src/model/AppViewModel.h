@@ -60,6 +60,12 @@ public:
     /// The user has taken hold of the slider: the schedule is switched off.
     void handleManualChange();
 
+    /// Whether a request from outside is taken: rounded, it has to be in range.
+    static bool acceptsRequest(double temperature);
+    /// A request from outside: switches the schedule off and has the temperature applied at once. One that is not
+    /// accepted changes nothing.
+    void requestTemperature(double temperature);
+
     /// For the panel and the application becoming active: writes the tint once more.
     void reapplyCurrentTemperature() { m_displayManager->reapplyCurrentTemperature(); }
 

@@ -9,6 +9,13 @@ inline constexpr char applicationPath[] = "/me/tovanu/Ambertide";
 inline constexpr char notificationInterface[] = "me.tovanu.Ambertide.DistributedNotificationCenter";
 inline constexpr char postedMember[] = "Posted";
 
+/// The programming interface of the application, at the same path.
+inline constexpr char temperatureInterface[] = "me.tovanu.Ambertide1";
+
+/// Where the desktops' searches look for answers.
+inline constexpr char runnerPath[] = "/runner";
+inline constexpr char searchProviderPath[] = "/me/tovanu/Ambertide/SearchProvider";
+
 /// Desktop Entry Specification, "D-Bus Activation".
 inline constexpr char applicationInterface[] = "org.freedesktop.Application";
 /// Keys of that interface's platform data: the token under Wayland, and its X11 ancestor.

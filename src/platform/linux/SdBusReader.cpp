@@ -55,6 +55,21 @@ std::optional<std::string> SdBusReader::text()
     return read ? std::optional(shortened(*read)) : std::nullopt;
 }
 
+std::optional<std::vector<std::string>> SdBusReader::texts()
+{
+    std::vector<std::string> entries;
+    if (!enter('a', "s"))
+        return std::nullopt;
+    while (!isAtEnd()) {
+        const auto read = basic<const char *>('s');
+        if (!read)
+            return std::nullopt;
+        if (entries.size() < mostEntries)
+            entries.push_back(shortened(*read));
+    }
+    return leave() ? std::optional(std::move(entries)) : std::nullopt;
+}
+
 std::optional<UserInfo> SdBusReader::dictionary(std::string_view alwaysKept)
 {
     UserInfo entries;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ambertide {
 
@@ -24,6 +25,9 @@ public:
     explicit SdBusReader(sd_bus_message *message) : m_message(message) {}
 
     std::optional<std::string> text();
+
+    /// An array `as`, cut to its first entries.
+    std::optional<std::vector<std::string>> texts();
 
     /// A dictionary `a{sv}`, cut to its first entries; `alwaysKept` is among them wherever it stands. Values that are
     /// no number, truth value or text become opaque; an unsigned number too large for an integer becomes a double.

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/linux/DBusApplicationObject.h"
+#include "platform/linux/GnomeSearchProvider.h"
+#include "platform/linux/KRunnerObject.h"
+
+namespace ambertide {
+
+/// Offers the presets wherever the desktops look for an application's actions: in KRunner, in GNOME Shell's search and,
+/// each by its identifier, as actions of the application object. Main thread.
+class DBusActions
+{
+public:
+    using Perform = std::function<void(ColorTemperature)>;
+
+    /// `launch` brings the application itself forward. The session and the object must outlive this.
+    DBusActions(DBusSession &session, DBusApplicationObject &application, const Perform &perform,
+                std::function<void()> launch);
+
+private:
+    KRunnerObject m_runner;
+    GnomeSearchProvider m_searchProvider;
+};
+
+} // namespace ambertide
