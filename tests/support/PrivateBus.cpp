@@ -1,5 +1,6 @@
 #include "support/PrivateBus.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <sys/prctl.h>
@@ -12,7 +13,8 @@ namespace {
 
 constexpr char configuration[] = R"(<busconfig>
   <type>session</type>
-  <listen>unix:path=%1</listen>
+  <listen>unix:path=%1/bus</listen>
+  <servicedir>%1/services</servicedir>
   <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/><allow own="*"/></policy>
 </busconfig>
 )";
@@ -22,16 +24,15 @@ constexpr char configuration[] = R"(<busconfig>
 PrivateBus::PrivateBus(const char *addressVariable)
 
 {
-    const QString socket = m_folder.filePath(QStringLiteral("bus"));
     QFile file(m_folder.filePath(QStringLiteral("bus.conf")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(QString::fromLatin1(configuration).arg(socket).toUtf8()) < 0)
+    if (!file.open(QIODevice::WriteOnly) || file.write(QString::fromLatin1(configuration).arg(m_folder.path()).toUtf8()) < 0)
         qFatal("The private bus cannot be configured");
     file.close();
     m_daemon.setProgram(QStringLiteral("dbus-daemon"));
     m_daemon.setArguments({QStringLiteral("--config-file=") + file.fileName(), QStringLiteral("--nofork"),
                            QStringLiteral("--print-address=1")});
     m_daemon.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    qputenv(addressVariable, "unix:path=" + socket.toUtf8());
+    qputenv(addressVariable, "unix:path=" + m_folder.path().toUtf8() + "/bus");
     start();
 }
 
@@ -49,6 +50,18 @@ void PrivateBus::stop()
     m_daemon.kill();
     m_daemon.waitForFinished();
     QFile::remove(m_folder.filePath(QStringLiteral("bus")));
+}
+
+void PrivateBus::addService(const char *name, const char *program)
+{
+    QDir(m_folder.path()).mkpath(QStringLiteral("services"));
+    QFile file(m_folder.filePath(QStringLiteral("services/%1.service").arg(QLatin1String(name))));
+    QByteArray command = "/usr/bin/env";
+    for (const char *variable : {"DISPLAY", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "DBUS_SYSTEM_BUS_ADDRESS"})
+        command += QByteArray(" ") + variable + '=' + qgetenv(variable);
+    const QByteArray content = QByteArray("[D-BUS Service]\nName=") + name + "\nExec=" + command + ' ' + program + '\n';
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("The private bus gets no services");
 }
 
 void PrivateBus::freeze() { ::kill(static_cast<pid_t>(m_daemon.processId()), SIGSTOP); }

@@ -16,6 +16,8 @@ public:
     /// Again at the same address.
     void start();
     void stop();
+    /// Has the bus start this program, with the environment that the test has now, for calls to a name without owner.
+    void addService(const char *name, const char *program);
     /// From then on it takes connections and messages, but answers nothing.
     void freeze();
     void thaw();
