@@ -77,10 +77,10 @@ private Q_SLOTS:
             "KRunner: actions", [](Bench &bench) { return bench.runnerCall("Actions", ""); }, "[]");
         row(
             "KRunner: exact", [](Bench &bench) { return bench.runnerCall("Match", "s", "3400"); },
-            "[(k3400, Set display temperature to 3400K (Halogen), me.tovanu.Ambertide, 100, 1, {subtext=Ambertide})]");
+            "[(k3400, Set display temperature to 3400K (Halogen), me.tovanu.Ambertide, 100, 1, {})]");
         row(
             "KRunner: possible", [](Bench &bench) { return bench.runnerCall("Match", "s", "33"); },
-            "[(k3300, Set display temperature to 3300K, me.tovanu.Ambertide, 30, 0.4, {subtext=Ambertide})]");
+            "[(k3300, Set display temperature to 3300K, me.tovanu.Ambertide, 30, 0.4, {})]");
         row(
             "KRunner: nothing", [](Bench &bench) { return bench.runnerCall("Match", "s", "firefox"); }, "[]");
         row(

@@ -21,8 +21,7 @@ int appendMatch(sd_bus_message *reply, const ActionMatch &match)
     const SetColorTemperatureShortcut shortcut{match.temperature};
     return sd_bus_message_append(reply, "(sssida{sv})", identifier(match.temperature).c_str(),
                                  shortcut.parameterSummary().c_str(), bus_names::application,
-                                 match.relevance < 1 ? possibleMatch : exactMatch, match.relevance, 1, "subtext", "s",
-                                 "Ambertide");
+                                 match.relevance < 1 ? possibleMatch : exactMatch, match.relevance, 0);
 }
 
 } // namespace
