@@ -1,9 +1,11 @@
-// ambertide_bench [tables] [ramps] [application]: prints the figures of docs/figures.md, each beside what it has to reach.
+// ambertide_bench [tables] [ramps] [application] [bus]: prints the figures of docs/figures.md, each beside what it has to reach.
 // All of them take some four minutes, half of which the application spends doing nothing under observation.
 
 #include "ProcessCost.h"
 #include "display/DisplayManager.h"
+#include "platform/linux/BusNames.h"
 #include "platform/linux/RandrDisplayServices.h"
+#include "platform/linux/SdBus.h"
 #include "platform/qt/ThreadTaskExecutor.h"
 #include "support/ChildProcess.h"
 #include "support/FakeSystemWake.h"
@@ -333,6 +335,67 @@ void measureApplication()
           static_cast<double>(memoryOf(session.process(), "Pss:")) / 1024, 22, "MB");
 }
 
+/// A connection that calls the application.
+class Caller
+{
+public:
+    Caller()
+    {
+        if (!m_bus || !waitUntilReady(m_bus.get(), Clock::now() + 20s))
+            throw std::runtime_error("the bus does not answer");
+    }
+    template <typename... Arguments>
+    void call(const char *path, const char *interface, const char *member, const char *types, Arguments... arguments)
+    {
+        sd_bus_message *message = nullptr;
+        sd_bus_message_new_method_call(m_bus.get(), &message, bus_names::application, path, interface, member);
+        const SdBusMessage owner(message);
+        sd_bus_message_append(message, types, arguments...);
+        if (!callUntil(m_bus.get(), message, Clock::now() + 20s))
+            throw std::runtime_error(std::string("the application does not answer ") + member);
+    }
+
+private:
+    SdBusConnection m_bus = openSdBus(SdBusKind::session);
+};
+
+void measureBusInterfaces()
+{
+    Session session;
+    session.store("3000");
+    session.start();
+    session.waitUntilReached();
+    Caller caller;
+    print("KRunner's Match, whole call", medianOf(201, [&] {
+              return millisecondsFor([&] {
+                  caller.call(bus_names::runnerPath, "org.kde.krunner1", "Match", "s",
+                              "set display temperature to 3400K in Ambertide");
+              });
+          }),
+          2, "ms");
+    print("GNOME Shell's GetResultMetas for five, whole call", medianOf(201, [&] {
+              return millisecondsFor([&] {
+                  caller.call(bus_names::searchProviderPath, "org.gnome.Shell.SearchProvider2", "GetResultMetas", "as", 5,
+                              "k1000", "k1900", "k2700", "k3400", "k4200");
+              });
+          }),
+          2, "ms");
+    session.settle();
+    int next = 0;
+    print("a write of the property Temperature to the first new table", medianOf(11, [&] {
+              const auto before = session.shown();
+              const auto start = Clock::now();
+              caller.call(bus_names::applicationPath, "org.freedesktop.DBus.Properties", "Set", "ssv",
+                          bus_names::temperatureInterface, "Temperature", "d", next++ % 2 == 0 ? 4000.0 : 3000.0);
+              waitFor("no table after the write", [&] { return session.shown() != before; });
+              const double time = Milliseconds(Clock::now() - start).count();
+              session.settle();
+              return time;
+          }),
+          120, "ms");
+    session.stop();
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -343,6 +406,7 @@ int main(int argc, char *argv[])
             {QStringLiteral("tables"), measureTables},
             {QStringLiteral("ramps"), measureRamps},
             {QStringLiteral("application"), measureApplication},
+            {QStringLiteral("bus"), measureBusInterfaces},
         };
         for (const auto &[name, measure] : groups) {
             if (argc < 2 || QCoreApplication::arguments().contains(name))
