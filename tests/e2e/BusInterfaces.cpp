@@ -19,8 +19,7 @@ private Q_SLOTS:
         };
         row("call me.tovanu.Ambertide /runner org.kde.krunner1 Run ss k3400 any", "", "d 3400 b false", 3400);
         row("call me.tovanu.Ambertide /me/tovanu/Ambertide/SearchProvider org.gnome.Shell.SearchProvider2 "
-            "GetInitialResultSet as 1 "
-            "candle",
+            "GetInitialResultSet as 1 candle",
             "as 1 \"k1900\"", "d 5500 b true", 5500);
         row("set-property me.tovanu.Ambertide /me/tovanu/Ambertide me.tovanu.Ambertide1 Temperature d 3449", "",
             "d 3400 b false", 3400);
@@ -38,9 +37,9 @@ private Q_SLOTS:
         session.bus.addService(bus_names::application, AMBERTIDE_BUNDLE "/Contents/MacOS/Ambertide");
         const auto run = [](const char *arguments) { return busctl(QString::fromLatin1(arguments)).simplified(); };
         QTEST(run(QTest::currentDataTag()), "reply");
-        QTRY_COMPARE(run("get-property me.tovanu.Ambertide /me/tovanu/Ambertide me.tovanu.Ambertide1 Temperature "
-                         "ScheduleEnabled"),
-                     state);
+        const auto *const read = "get-property me.tovanu.Ambertide /me/tovanu/Ambertide me.tovanu.Ambertide1 "
+                                 "Temperature ScheduleEnabled";
+        QTRY_COMPARE_WITH_TIMEOUT(run(read), state, 20'000);
         QTRY_VERIFY_WITH_TIMEOUT(session.shows(shown), 20'000);
         QCOMPARE(runTool({QStringLiteral("get")}).output.toDouble(), shown);
         QVERIFY(activateAction("quit"));
