@@ -101,7 +101,7 @@ int main(int argc, char *argv[])
     const auto perform = [&](ColorTemperature preset) {
         SetColorTemperatureShortcut{preset}.perform(userDefaults, distributedNotifications);
     };
-    const DBusActions actions(sessionBus, busObject, perform, [] {});
+    const DBusActions actions(sessionBus, busObject, perform);
     ModelTemperatureControl temperatureControl(ambertide->viewModel());
     const DBusTemperatureObject temperatureObject(sessionBus, temperatureControl);
 

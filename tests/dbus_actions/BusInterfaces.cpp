@@ -48,10 +48,9 @@ struct Exports
     QStringList events;
     Model model;
     DBusSession session{SdBusKind::session};
-    DBusApplicationObject application{session, [](const std::string &) {}};
+    DBusApplicationObject application{session, [this](const auto &) { events += QStringLiteral("activate"); }};
     DBusActions actions{session, application,
-                        [this](ColorTemperature preset) { events += QString::number(rawValue(preset)); },
-                        [this] { events += QStringLiteral("launch"); }};
+                        [this](ColorTemperature preset) { events += QString::number(rawValue(preset)); }};
     DBusTemperatureObject temperature{session, model};
 
     Exports()
@@ -107,7 +106,7 @@ private Q_SLOTS:
                ""},
               {"ActivateResult sasu k1900 1 candle 0", "", "1900"},
               {"ActivateResult sasu 1900 1 candle 0", "Call failed: There is no such result", ""},
-              {"LaunchSearch asu 1 candle 0", "", "launch"}});
+              {"LaunchSearch asu 1 candle 0", "", "activate"}});
         rows("/me/tovanu/Ambertide org.freedesktop.Application",
              {{"ActivateAction sava{sv} k5500 0 0", "", "5500"},
               {"ActivateAction sava{sv} k5550 0 0", "Call failed: There is no such action", ""}});

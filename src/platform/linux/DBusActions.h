@@ -13,9 +13,8 @@ class DBusActions
 public:
     using Perform = std::function<void(ColorTemperature)>;
 
-    /// `launch` brings the application itself forward. The session and the object must outlive this.
-    DBusActions(DBusSession &session, DBusApplicationObject &application, const Perform &perform,
-                std::function<void()> launch);
+    /// A search that is to go on in the application activates it. The session and the object must outlive this.
+    DBusActions(DBusSession &session, DBusApplicationObject &application, const Perform &perform);
 
 private:
     KRunnerObject m_runner;

@@ -21,6 +21,9 @@ public:
     DBusApplicationObject(const DBusApplicationObject &) = delete;
     DBusApplicationObject &operator=(const DBusApplicationObject &) = delete;
 
+    /// As if somebody had called Activate.
+    void activate(const std::string &activationToken) const { m_activate(activationToken); }
+
     /// Actions of other names are refused. Parameters are ignored.
     void setAction(std::string name, Callback callback);
 

@@ -14,7 +14,7 @@ class GnomeSearchProvider
 public:
     using Perform = std::function<void(ColorTemperature)>;
 
-    /// `launch` brings the application itself forward. `session` must outlive this.
+    /// `launch` is for a search that is to go on in the application. `session` must outlive this.
     GnomeSearchProvider(DBusSession &session, Perform perform, std::function<void()> launch);
     GnomeSearchProvider(const GnomeSearchProvider &) = delete;
     GnomeSearchProvider &operator=(const GnomeSearchProvider &) = delete;
