@@ -51,7 +51,7 @@ void chooseToolkitPlatform()
         return;
     qputenv("QT_QPA_PLATFORM", qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb;offscreen" : "wayland;xcb;offscreen");
     // The display adapter has said in one line what these would say in several.
-    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin.warning=false\nqt.qpa.xcb.warning=false"));
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
 }
 
 } // namespace

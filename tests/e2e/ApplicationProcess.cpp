@@ -62,8 +62,10 @@ void PrivateSession::writeSettings(const QByteArray &content)
         throw std::runtime_error("cannot write the settings");
 }
 
-ApplicationProcess::ApplicationProcess(const QProcessEnvironment &environment)
+ApplicationProcess::ApplicationProcess(const QProcessEnvironment &environment, Output output)
 {
+    if (output == Output::discarded)
+        m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     m_process.start(programs + QStringLiteral("Ambertide"), {});

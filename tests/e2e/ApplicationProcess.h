@@ -43,7 +43,11 @@ private:
 class ApplicationProcess
 {
 public:
-    explicit ApplicationProcess(const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
+    /// Kept output must be read, else the application waits for that before it prints more.
+    enum class Output { kept, discarded };
+
+    explicit ApplicationProcess(const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment(),
+                                Output output = Output::kept);
     ~ApplicationProcess();
 
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
