@@ -16,7 +16,7 @@ namespace ambertide {
 
 namespace {
 
-constexpr qint64 largestFile = 1024 * 1024;
+constexpr qint64 largestFile = 1'048'576; // bytes
 
 QString settingsKey(std::string_view key)
 {
