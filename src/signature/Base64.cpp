@@ -1,0 +1,15 @@
+#include "signature/Base64.h"
+
+#include <sodium.h>
+
+namespace ambertide {
+
+bool decodeBase64(std::string_view text, std::span<unsigned char> bytes)
+{
+    std::size_t length = 0;
+    return sodium_base642bin(bytes.data(), bytes.size(), text.data(), text.size(), nullptr, &length, nullptr,
+                             sodium_base64_VARIANT_ORIGINAL) == 0 &&
+           length == bytes.size();
+}
+
+} // namespace ambertide
