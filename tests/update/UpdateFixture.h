@@ -1,0 +1,85 @@
+#pragma once
+
+#include "platform/Calendar.h"
+#include "support/FakeMainBundle.h"
+#include "support/FakeUpdateInstaller.h"
+#include "support/FakeUserDefaults.h"
+#include "support/LoopbackServer.h"
+#include "support/SigningKey.h"
+#include "update/UpdateService.h"
+
+#include <QTest>
+
+#include <vector>
+
+namespace ambertide {
+
+class FakeCalendar final : public Calendar
+{
+public:
+    Date present{800000000};
+
+    Date now() const override { return present; }
+    DateComponents timeOfDay(Date) const override { return {}; }
+};
+
+/// A feed server, a key, and all that a running application of version 5 brings to update checking.
+struct UpdateFixture
+{
+    class RecordingView final : public UpdateView
+    {
+    public:
+        RecordingView(UpdateFixture &fixture, UpdateSession &session) : m_fixture(fixture)
+        {
+            m_fixture.session = &session;
+        }
+        ~RecordingView() override { m_fixture.session = nullptr; }
+        void bringForward() override { ++m_fixture.forwardCount; }
+
+    private:
+        UpdateFixture &m_fixture;
+    };
+
+    UpdateFixture()
+    {
+        bundle.values = {{"SUFeedURL", server.url("/feed").toString().toStdString()},
+                         {"SUPublicEDKey", key.publicKey()},
+                         {"CFBundleVersion", "5"},
+                         {"CFBundleShortVersionString", "0.5"}};
+    }
+
+    /// Announces `version`, its package signed with the key.
+    void announce(const QByteArray &version, const QByteArray &package = "package", const QByteArray &more = {})
+    {
+        const QByteArray signature = QByteArray::fromStdString(key.sign(package));
+        server.serve("/package", package);
+        serveFeed("<item><up:version>" + version + "</up:version>" + more + "<enclosure url='" +
+                  server.url("/package").toEncoded() + "' length='" + QByteArray::number(package.size()) +
+                  "' up:edSignature='" + signature + "' up:os='linux'/></item>");
+    }
+    void serveFeed(const QByteArray &items)
+    {
+        server.serve("/feed", "<rss xmlns:up='http://www.andymatuschak.org/xml-namespaces/sparkle'><channel>" + items +
+                                  "</channel></rss>");
+    }
+
+    std::unique_ptr<UpdateService> service()
+    {
+        auto configuration = UpdateConfiguration::fromBundle(bundle);
+        configuration.security = TransportSecurity::HttpsOrLoopback;
+        return std::make_unique<UpdateService>(
+            configuration, defaults, calendar, installer,
+            [this](UpdateSession &shown) { return std::make_unique<RecordingView>(*this, shown); });
+    }
+
+    LoopbackServer server;
+    SigningKey key;
+    FakeMainBundle bundle;
+    FakeUserDefaults defaults;
+    FakeCalendar calendar;
+    FakeUpdateInstaller installer;
+    UpdateSession *session = nullptr; ///< the one that is shown
+    int forwardCount = 0;
+};
+
+} // namespace ambertide
