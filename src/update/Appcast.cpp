@@ -1,5 +1,8 @@
 #include "update/Appcast.h"
 
+#include "update/MarkupPrecheck.h"
+
+#include <QStringDecoder>
 #include <QXmlStreamReader>
 
 namespace ambertide {
@@ -7,6 +10,7 @@ namespace ambertide {
 namespace {
 
 constexpr int deepestElement = 32;
+constexpr std::size_t mostItems = 4096;
 constexpr int channelDepth = 2;
 constexpr int itemDepth = 3;
 constexpr int childDepth = 4; ///< an item's own elements
@@ -18,7 +22,7 @@ const auto appcastNamespace = QStringLiteral("http://www.andymatuschak.org/xml-n
 class AppcastReader
 {
 public:
-    explicit AppcastReader(const QByteArray &bytes) : m_xml(bytes) {}
+    explicit AppcastReader(const QString &text) : m_xml(text) {}
 
     std::optional<Appcast> read(QString &problem)
     {
@@ -126,6 +130,8 @@ private:
         m_isInItem = false;
         if (m_item.version.isEmpty())
             return;
+        if (m_appcast.items.size() == mostItems)
+            return m_xml.raiseError(QStringLiteral("it holds too many items"));
         if (m_item.displayVersion.isEmpty())
             m_item.displayVersion = m_item.version;
         m_appcast.items.push_back(std::move(m_item));
@@ -196,7 +202,18 @@ std::optional<Appcast> Appcast::read(const QByteArray &bytes, QString &problem)
         problem = QStringLiteral("it is larger than %1 bytes").arg(mostBytes);
         return std::nullopt;
     }
-    return AppcastReader(bytes).read(problem);
+    // One encoding only, so that the parser sees the same text as the check before it.
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    const QString text = decoder(bytes);
+    if (decoder.hasError()) {
+        problem = QStringLiteral("it is not encoded as UTF-8");
+        return std::nullopt;
+    }
+    if (const auto markupProblem = problemWithMarkup(bytes)) {
+        problem = *markupProblem;
+        return std::nullopt;
+    }
+    return AppcastReader(text).read(problem);
 }
 
 } // namespace ambertide

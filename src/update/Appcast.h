@@ -43,8 +43,9 @@ struct Appcast
 
     std::vector<AppcastItem> items; ///< in the feed's order; items without a version are left out
 
-    /// Nothing when the bytes are more than `mostBytes`, no well-formed XML, no RSS, declare a document type or nest
-    /// deeper than any feed needs; `problem` then says which, in one line. Any thread.
+    /// Nothing when the bytes are more than `mostBytes`, no UTF-8, no well-formed XML, no RSS, declare a document type,
+    /// or hold more, nest deeper or have longer tags than any feed needs; `problem` then says which, in one line. Any
+    /// thread.
     static std::optional<Appcast> read(const QByteArray &bytes, QString &problem);
 };
 

@@ -129,6 +129,8 @@ private Q_SLOTS:
         QTest::newRow("foreign entity") << QByteArray("<!DOCTYPE rss SYSTEM \"file:///etc/passwd\"><rss/>");
         QTest::newRow("deep") << repeated("<rss>", 200000);
         QTest::newRow("deep in an item") << feedWith("<item>" + repeated("<title>", 100000));
+        QTest::newRow("long tag") << feedWith(release("2", "<b a='" + repeated(">", 20000) + "'/>"));
+        QTest::newRow("other encoding") << QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?><rss>\xe4</rss>");
         QTest::newRow("over the cap") << feedWith(release("2") + repeated(" ", 1024 * 1024));
         QTest::newRow("zero bytes") << QByteArray(1000, '\0');
     }

@@ -63,13 +63,15 @@ struct UpdateFixture
                                   "</channel></rss>");
     }
 
-    std::unique_ptr<UpdateService> service()
+    std::unique_ptr<UpdateService> service(UpdateViewFactory createView)
     {
         auto configuration = UpdateConfiguration::fromBundle(bundle);
         configuration.security = TransportSecurity::HttpsOrLoopback;
-        return std::make_unique<UpdateService>(
-            configuration, defaults, calendar, installer,
-            [this](UpdateSession &shown) { return std::make_unique<RecordingView>(*this, shown); });
+        return std::make_unique<UpdateService>(configuration, defaults, calendar, installer, std::move(createView));
+    }
+    std::unique_ptr<UpdateService> service()
+    {
+        return service([this](UpdateSession &shown) { return std::make_unique<RecordingView>(*this, shown); });
     }
 
     LoopbackServer server;
