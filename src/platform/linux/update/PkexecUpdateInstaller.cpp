@@ -35,10 +35,11 @@ PkexecUpdateInstaller::~PkexecUpdateInstaller()
 {
     if (!m_process || m_process->state() == QProcess::NotRunning)
         return;
-    // A QProcess that goes takes its program with it and waits for it, in the middle of an installation. This one
-    // stays.
-    m_process->disconnect();
-    m_process.release();
+    // A QProcess that is destroyed kills its program or waits for it, in the middle of an installation. This one stays
+    // until its program has ended.
+    auto *process = m_process.release();
+    process->disconnect();
+    QObject::connect(process, &QProcess::finished, process, &QObject::deleteLater);
 }
 
 void PkexecUpdateInstaller::install(const std::filesystem::path &package, std::string_view signature,
@@ -63,7 +64,7 @@ void PkexecUpdateInstaller::install(const std::filesystem::path &package, std::s
         m_process.get(), &QProcess::errorOccurred, m_process.get(),
         [this](QProcess::ProcessError error) {
             if (error == QProcess::FailedToStart)
-                finish({Outcome::NotAuthorised, m_process->errorString().toStdString()});
+                finish({Outcome::NotAuthorised, "pkexec, which asks for administrator rights, could not be started"});
         },
         Qt::QueuedConnection);
     m_process->start(text(m_pkexec), {QStringLiteral("--disable-internal-agent"), text(m_helper),
