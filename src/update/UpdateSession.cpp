@@ -6,6 +6,7 @@
 #include <QPointer>
 
 #include <span>
+#include <utility>
 
 namespace ambertide {
 
@@ -53,6 +54,8 @@ void UpdateSession::start()
 {
     if (m_state != State::Checking && m_state != State::Failed)
         return;
+    if (m_state == State::Failed)
+        m_origin = Origin::Manual; // a person tries again
     if (m_origin == Origin::Manual)
         m_record.setSkippedVersion({});
     m_feed.close();
@@ -66,9 +69,9 @@ void UpdateSession::start()
 
 void UpdateSession::makeManual()
 {
-    m_origin = Origin::Manual;
     m_record.setSkippedVersion({});
-    Q_EMIT stateChanged();
+    if (std::exchange(m_origin, Origin::Manual) != Origin::Manual)
+        Q_EMIT stateChanged(); // it has become worth showing
 }
 
 bool UpdateSession::isWorthShowing() const
