@@ -1,3 +1,7 @@
+# Qt 6.4's meta-object compiler stumbles over some of libstdc++'s headers, which it need not read: these are the guards of
+# <compare> and <coroutine>.
+set(CMAKE_AUTOMOC_MOC_OPTIONS -D_COMPARE -D_GLIBCXX_COROUTINE)
+
 # What every target of the project is compiled with.
 add_library(ambertide_options INTERFACE)
 target_include_directories(ambertide_options INTERFACE ${PROJECT_SOURCE_DIR}/src)

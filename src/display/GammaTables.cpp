@@ -31,13 +31,22 @@ ChannelFactors channelFactors(double temperature)
     return {.red = 1.0, .green = std::log(hundreds) * 0.3900815787690196 + -0.631841443, .blue = blue};
 }
 
+/// The input levels i/255, so that filling a table is one multiplication an entry.
+constexpr GammaTables::Table inputLevels = [] {
+    GammaTables::Table levels = {};
+    for (std::size_t index = 0; index < GammaTables::size; ++index)
+        levels[index] = static_cast<float>(index) / 255.0F;
+    return levels;
+}();
+
 void fill(GammaTables::Table &table, double channelFactor)
 {
     const auto factor = static_cast<float>(channelFactor);
-    for (std::size_t level = 0; level < GammaTables::size; ++level) {
-        float value = static_cast<float>(level) / 255.0F * factor;
-        value = value <= 0.0F ? 0.0F : value;
-        table[level] = value > 1.0F ? 1.0F : value;
+    for (std::size_t index = 0; index < GammaTables::size; ++index) {
+        // Written so that each comparison is one minimum or maximum instruction for several entries at once.
+        float value = inputLevels[index] * factor;
+        value = 0.0F < value ? value : 0.0F;
+        table[index] = 1.0F < value ? 1.0F : value;
     }
 }
 

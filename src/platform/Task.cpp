@@ -27,6 +27,7 @@ RootFrame runBody(TaskContext context, Task::Body body)
     } catch (const CancellationError &) {
         // The way a cancelled body ends.
     }
+    context.markEnded();
 }
 
 } // namespace
@@ -50,8 +51,10 @@ Continuation &Continuation::operator=(Continuation &&other) noexcept
 
 Continuation::~Continuation()
 {
-    if (m_frame)
-        m_task->frame.destroy();
+    if (!m_frame)
+        return;
+    m_task->hasEnded = true;
+    m_task->frame.destroy();
 }
 
 void Continuation::resume()
@@ -111,7 +114,7 @@ Task Task::startOnMain(TaskExecutor &executor, Body body)
 
 void Task::cancel() const
 {
-    if (m_task && !m_task->isCancelled.exchange(true))
+    if (m_task && !m_task->isCancelled.exchange(true) && !m_task->hasEnded)
         m_task->executor.wakeCancelled(*m_task);
 }
 

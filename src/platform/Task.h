@@ -53,6 +53,9 @@ public:
     /// `co_await onMain()`: goes on on the main thread. Does not look at cancellation.
     HopToMain onMain() const { return {m_task}; }
 
+    /// For the outermost coroutine, as its last act.
+    void markEnded() const { m_task->hasEnded = true; }
+
 private:
     std::shared_ptr<TaskState> m_task;
 };

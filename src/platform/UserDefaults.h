@@ -15,13 +15,13 @@ class UserDefaults
 public:
     virtual ~UserDefaults() = default;
 
-    virtual bool hasObject(std::string_view key) const = 0;
+    virtual bool hasObject(std::string_view key) = 0;
     /// 0 when absent or no number.
-    virtual double doubleValue(std::string_view key) const = 0;
+    virtual double doubleValue(std::string_view key) = 0;
     /// False when absent or no truth value.
-    virtual bool boolValue(std::string_view key) const = 0;
+    virtual bool boolValue(std::string_view key) = 0;
     /// The raw bytes; nothing when absent.
-    virtual std::optional<std::string> data(std::string_view key) const = 0;
+    virtual std::optional<std::string> data(std::string_view key) = 0;
 
     virtual void setDouble(std::string_view key, double value) = 0;
     virtual void setInteger(std::string_view key, long long value) = 0;

@@ -6,6 +6,8 @@ namespace ambertide {
 
 bool decodeBase64(std::string_view text, std::span<unsigned char> bytes)
 {
+    if (bytes.empty())
+        return text.empty(); // nothing to point the decoder at
     std::size_t length = 0;
     return sodium_base642bin(bytes.data(), bytes.size(), text.data(), text.size(), nullptr, &length, nullptr,
                              sodium_base64_VARIANT_ORIGINAL) == 0 &&

@@ -2,6 +2,7 @@
 
 #include "platform/MainBundle.h"
 
+#include <functional>
 #include <map>
 
 namespace ambertide {
@@ -9,14 +10,16 @@ namespace ambertide {
 class FakeMainBundle final : public MainBundle
 {
 public:
-    std::map<std::string, std::string, std::less<>> values;
+    explicit FakeMainBundle(std::filesystem::path path) : bundlePath(std::move(path)) {}
 
-    std::filesystem::path path() const override { return "/nowhere/Ambertide.app"; }
+    std::filesystem::path path() const override { return bundlePath; }
     std::optional<std::string> information(std::string_view key) const override
     {
-        const auto found = values.find(key);
-        return found != values.end() ? std::optional(found->second) : std::nullopt;
+        return values.contains(key) ? std::optional(values.find(key)->second) : std::nullopt;
     }
+
+    std::filesystem::path bundlePath;
+    std::map<std::string, std::string, std::less<>> values;
 };
 
 } // namespace ambertide

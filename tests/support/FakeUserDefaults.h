@@ -2,38 +2,43 @@
 
 #include "platform/UserDefaults.h"
 
+#include <functional>
 #include <map>
 #include <variant>
 
 namespace ambertide {
 
-/// Settings in memory. One thread.
+/// A store in memory that keeps the kind in which a value was written.
 class FakeUserDefaults final : public UserDefaults
 {
 public:
-    bool hasObject(std::string_view key) const override { return m_values.contains(key); }
-    double doubleValue(std::string_view key) const override { return value<double>(key).value_or(0); }
-    bool boolValue(std::string_view key) const override { return value<bool>(key).value_or(false); }
-    std::optional<std::string> data(std::string_view key) const override { return value<std::string>(key); }
+    std::map<std::string, std::variant<double, long long, bool, std::string>, std::less<>> values;
 
-    void setDouble(std::string_view key, double number) override { set(key, number); }
-    void setInteger(std::string_view key, long long number) override { set(key, static_cast<double>(number)); }
-    void setBool(std::string_view key, bool isOn) override { set(key, isOn); }
-    void setData(std::string_view key, std::string_view bytes) override { set(key, std::string(bytes)); }
-
-private:
-    using Value = std::variant<double, bool, std::string>;
-
-    void set(std::string_view key, Value value) { m_values.insert_or_assign(std::string(key), std::move(value)); }
-    template <typename Held>
-    std::optional<Held> value(std::string_view key) const
+    bool hasObject(std::string_view key) override { return values.contains(key); }
+    double doubleValue(std::string_view key) override
     {
-        const auto found = m_values.find(key);
-        const auto *held = found != m_values.end() ? std::get_if<Held>(&found->second) : nullptr;
-        return held != nullptr ? std::optional(*held) : std::nullopt;
+        const auto found = values.find(key);
+        if (found == values.end())
+            return 0;
+        if (const auto *integer = std::get_if<long long>(&found->second))
+            return static_cast<double>(*integer);
+        const auto *number = std::get_if<double>(&found->second);
+        return number != nullptr ? *number : 0;
     }
-
-    std::map<std::string, Value, std::less<>> m_values;
+    bool boolValue(std::string_view key) override
+    {
+        const auto found = values.find(key);
+        return found != values.end() && found->second == decltype(found->second)(true);
+    }
+    std::optional<std::string> data(std::string_view key) override
+    {
+        const auto found = values.find(key);
+        return found == values.end() ? std::nullopt : std::optional(std::get<std::string>(found->second));
+    }
+    void setDouble(std::string_view key, double value) override { values[std::string(key)] = value; }
+    void setInteger(std::string_view key, long long value) override { values[std::string(key)] = value; }
+    void setBool(std::string_view key, bool value) override { values[std::string(key)] = value; }
+    void setData(std::string_view key, std::string_view bytes) override { values[std::string(key)] = std::string(bytes); }
 };
 
 } // namespace ambertide

@@ -159,7 +159,7 @@ private Q_SLOTS:
         AppcastUpdaterController one(*service, executor);
         const auto requests = [&] { return fixture.server.requestCount("/feed"); };
         const auto pass = [&](std::chrono::seconds time) {
-            fixture.calendar.present.secondsSinceReference += static_cast<double>(time.count());
+            fixture.calendar.current.secondsSinceReference += static_cast<double>(time.count());
             executor.advance(time);
         };
         {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Calendar.h"
+#include "support/FakeCalendar.h"
 #include "support/FakeMainBundle.h"
 #include "support/FakeUpdateInstaller.h"
 #include "support/FakeUserDefaults.h"
@@ -13,15 +13,6 @@
 #include <vector>
 
 namespace ambertide {
-
-class FakeCalendar final : public Calendar
-{
-public:
-    Date present{800000000};
-
-    Date now() const override { return present; }
-    DateComponents timeOfDay(Date) const override { return {}; }
-};
 
 /// A feed server, a key, and all that a running application of version 5 brings to update checking.
 struct UpdateFixture
@@ -76,7 +67,7 @@ struct UpdateFixture
 
     LoopbackServer server;
     SigningKey key;
-    FakeMainBundle bundle;
+    FakeMainBundle bundle{"/nowhere/Ambertide.app"};
     FakeUserDefaults defaults;
     FakeCalendar calendar;
     FakeUpdateInstaller installer;

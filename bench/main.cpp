@@ -1,0 +1,356 @@
+// ambertide_bench [tables] [ramps] [application]: prints the figures of docs/figures.md, each beside what it has to reach.
+// All of them take some four minutes, half of which the application spends doing nothing under observation.
+
+#include "ProcessCost.h"
+#include "display/DisplayManager.h"
+#include "platform/linux/RandrDisplayServices.h"
+#include "platform/qt/ThreadTaskExecutor.h"
+#include "support/ChildProcess.h"
+#include "support/FakeSystemWake.h"
+#include "support/PrivateBus.h"
+#include "support/PrivateXServer.h"
+#include "support/RandrClient.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+using namespace ambertide;
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+namespace {
+
+const QString bundle = QStringLiteral(AMBERTIDE_BUNDLE "/Contents/MacOS/");
+
+void print(const char *what, double figure, double reach, const char *unit)
+{
+    std::printf("%-66s %9.2f  (reach %g) %s%s\n", what, figure, reach, unit, figure <= reach ? "" : "   MISSED");
+    std::fflush(stdout);
+}
+
+double median(std::vector<double> values)
+{
+    std::ranges::sort(values);
+    return values[values.size() / 2];
+}
+
+double medianOf(int runs, const std::function<double()> &measure)
+{
+    std::vector<double> values;
+    for (int run = 0; run < runs; ++run)
+        values.push_back(measure());
+    return median(values);
+}
+
+double millisecondsFor(const std::function<void()> &work)
+{
+    const auto start = Clock::now();
+    work();
+    return Milliseconds(Clock::now() - start).count();
+}
+
+void waitFor(const char *what, const std::function<bool()> &isDone)
+{
+    const auto deadline = Clock::now() + 20s;
+    while (!isDone()) {
+        if (Clock::now() > deadline)
+            throw std::runtime_error(what);
+    }
+}
+
+/// Keeps the optimiser from seeing what becomes of a value.
+void use(const void *value) { asm volatile("" : : "g"(value) : "memory"); }
+
+void measureTables()
+{
+    constexpr int calls = 20'000;
+    const auto computing = [] {
+        for (int i = 0; i < calls; ++i) {
+            const auto tables = DisplayManager::createGammaTables(2000 + i % 4500);
+            use(&tables);
+        }
+    };
+    const auto filling = [] {
+        GammaTables tables;
+        for (int i = 0; i < calls; ++i) {
+            const auto value = static_cast<float>(i);
+            for (auto *table : {&tables.red, &tables.green, &tables.blue})
+                table->fill(value);
+            use(&tables);
+        }
+    };
+    const double ratio = medianOf(31, [&] { return millisecondsFor(computing) / millisecondsFor(filling); });
+    print("createGammaTables, in times of filling 768 floats", ratio, 6, "");
+}
+
+class NoMainActor final : public MainActor
+{
+    void resume(Continuation continuation) override { const auto dropped = std::move(continuation); }
+};
+
+/// Passes everything on and measures a ramp. The periodic pass keeps still meanwhile: it has just been restarted.
+class TimedDisplays final : public DisplayServices
+{
+public:
+    explicit TimedDisplays(DisplayServices &displays) : m_displays(displays) {}
+    std::vector<DisplayIdentifier> activeDisplays() override { return m_displays.activeDisplays(); }
+    void setTransferTables(std::span<const DisplayIdentifier> displays, const GammaTables &tables) override
+    {
+        if (std::exchange(isRampExpected, false)) {
+            costAtStart = ProcessCost::of(getpid());
+            startedAt = Clock::now();
+        }
+        m_displays.setTransferTables(displays, tables);
+        if (tables.green == awaited) {
+            awaited = {};
+            cost = ProcessCost::of(getpid()) - costAtStart;
+            duration = Clock::now() - startedAt;
+        }
+    }
+    void restoreSystemColours() override { m_displays.restoreSystemColours(); }
+
+    /// The next write begins a ramp to this temperature.
+    void expectRamp(double temperature)
+    {
+        awaited = DisplayManager::createGammaTables(temperature).green;
+        isRampExpected = true;
+    }
+
+    ProcessCost cost;            ///< of the last ramp, from its first step to its end
+    Clock::duration duration{0}; ///< likewise
+
+private:
+    DisplayServices &m_displays;
+    GammaTables::Table awaited = {};
+    bool isRampExpected = false;
+    ProcessCost costAtStart;
+    Clock::time_point startedAt;
+};
+
+struct Ramp
+{
+    double seconds;
+    double cpuMillisecondsAStep;
+};
+
+/// One ramp between two tints on the server's displays, in this process.
+Ramp measureRamp(const PrivateXServer &server, std::size_t displayCount)
+{
+    RandrDisplayServices randr(server.display(), (bundle + QStringLiteral("AmbertideGuardian")).toStdString());
+    if (randr.activeDisplays().size() != displayCount)
+        throw std::runtime_error("the X server shows another number of displays");
+    TimedDisplays displays(randr);
+    static FakeSystemWake wake;
+    NoMainActor mainActor;
+    ThreadTaskExecutor executor(mainActor);
+    const auto manager = DisplayManager::create(displays, executor, wake);
+    const auto rampTo = [&](double temperature) {
+        manager->setTemperature(temperature);
+        displays.expectRamp(temperature);
+        do {
+            std::this_thread::sleep_for(1s); // seldom: this thread's own cost is counted, too
+        } while (manager->temperature() != temperature);
+        executor.waitUntilIdle(1s);
+    };
+    rampTo(4000);
+    rampTo(2500);
+    const Ramp ramp = {std::chrono::duration<double>(displays.duration).count(),
+                       Milliseconds(displays.cost.cpuTime).count() / 60};
+    randr.restoreSystemColours();
+    return ramp;
+}
+
+void measureRamps()
+{
+    PrivateXServer server(PrivateXServer::Kind::dummy);
+    std::vector<Ramp> one;
+    for (int run = 0; run < 5; ++run)
+        one.push_back(measureRamp(server, 1));
+    for (int output = 1; output < 16; ++output)
+        server.switchOn(QStringLiteral("DUMMY%1").arg(output));
+    std::vector<Ramp> sixteen;
+    for (int run = 0; run < 5; ++run)
+        sixteen.push_back(measureRamp(server, 16));
+
+    const auto medianRamp = [](const std::vector<Ramp> &ramps, double Ramp::*member) {
+        std::vector<double> values;
+        for (const auto &ramp : ramps)
+            values.push_back(ramp.*member);
+        return median(values);
+    };
+    const double cpuOfOne = medianRamp(one, &Ramp::cpuMillisecondsAStep);
+    print("ramp, one display: CPU a step", cpuOfOne, 0.06, "ms");
+    print("ramp, sixteen displays: in times of one", medianRamp(sixteen, &Ramp::cpuMillisecondsAStep) / cpuOfOne, 4, "");
+    print("ramp, one display: length of its 60 steps", medianRamp(one, &Ramp::seconds), 2.1, "s");
+    print("ramp, sixteen displays: length of its 60 steps", medianRamp(sixteen, &Ramp::seconds), 2.1, "s");
+}
+
+/// The application with a session of its own.
+class Session
+{
+public:
+    Session()
+    {
+        qputenv("DISPLAY", QByteArray::fromStdString(m_server.display()));
+        qputenv("XDG_CONFIG_HOME", m_folder.path().toUtf8());
+        qunsetenv("WAYLAND_DISPLAY");
+        qunsetenv("QT_QPA_PLATFORM");
+    }
+    ~Session() { stop(); }
+
+    void start()
+    {
+        m_application.setStandardOutputFile(QProcess::nullDevice());
+        m_application.start(bundle + QStringLiteral("Ambertide"), {});
+        m_application.waitForStarted();
+    }
+    void waitUntilReached()
+    {
+        waitFor("the application does not answer", [this] { return tool({QStringLiteral("get")}) == 0; });
+    }
+    void stop()
+    {
+        m_application.terminate();
+        m_application.waitForFinished();
+        waitFor("the displays are not restored", [this] { return m_client.showsIdentityEverywhere(); });
+    }
+    int tool(const QStringList &arguments)
+    {
+        QProcess process;
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.setStandardErrorFile(QProcess::nullDevice());
+        process.start(bundle + QStringLiteral("AmbertideCLI"), arguments);
+        process.waitForFinished();
+        return process.exitCode();
+    }
+    RandrClient::Ramp shown() { return m_client.ramp(m_client.crtcs().front()); }
+    /// Until no table has changed for half a second.
+    void settle()
+    {
+        auto last = shown();
+        for (int quiet = 0; quiet < 5; ++quiet) {
+            std::this_thread::sleep_for(100ms);
+            if (auto now = shown(); now != last) {
+                last = std::move(now);
+                quiet = 0;
+            }
+        }
+    }
+    pid_t process() const { return static_cast<pid_t>(m_application.processId()); }
+    void store(const char *temperature)
+    {
+        QDir(m_folder.path()).mkpath(QStringLiteral("ambertide"));
+        QFile file(m_folder.filePath(QStringLiteral("ambertide/defaults.ini")));
+        if (!file.open(QIODevice::WriteOnly))
+            throw std::runtime_error("cannot write the settings");
+        file.write(QByteArray("[General]\nAmbertide.Temperature=") + temperature + '\n');
+    }
+
+private:
+    QTemporaryDir m_folder;
+    PrivateXServer m_server{PrivateXServer::Kind::framebuffer};
+    PrivateBus m_bus;
+    PrivateBus m_systemBus{"DBUS_SYSTEM_BUS_ADDRESS"};
+    RandrClient m_client{m_server.display()};
+    QProcess m_application;
+};
+
+void measureIdle(Session &session, const char *state, double wakeUps, double cpuMilliseconds)
+{
+    const auto before = ProcessCost::of(session.process());
+    std::this_thread::sleep_for(60s);
+    const auto cost = ProcessCost::of(session.process()) - before;
+    print((std::string("idle, ") + state + ": wake-ups a minute").c_str(), static_cast<double>(cost.wakeUps), wakeUps, "");
+    print((std::string("idle, ") + state + ": CPU a minute").c_str(), Milliseconds(cost.cpuTime).count(),
+          cpuMilliseconds, "ms");
+}
+
+void measureApplication()
+{
+    Session session;
+
+    print("start to the first table, beyond the pauses of 550 ms", medianOf(9, [&] {
+              session.store("3400");
+              const auto before = session.shown();
+              const auto start = Clock::now();
+              session.start();
+              waitFor("no table after start", [&] { return session.shown() != before; });
+              const double time = Milliseconds(Clock::now() - start).count();
+              session.stop();
+              return time - 550;
+          }),
+          150, "ms");
+
+    session.store("6500");
+    session.start();
+    session.waitUntilReached();
+    std::this_thread::sleep_for(4s);
+    print("memory, no window opened: proportional set size",
+          static_cast<double>(memoryOf(session.process(), "Pss:")) / 1024, 22, "MB");
+    measureIdle(session, "neutral", 60, 2);
+
+    print("ambertide get, whole process", medianOf(101, [&] {
+              return millisecondsFor([&] { session.tool({QStringLiteral("get")}); });
+          }),
+          10, "ms");
+
+    session.tool({QStringLiteral("set"), QStringLiteral("3000")});
+    session.settle();
+    int next = 0;
+    print("ambertide set to the first new table", medianOf(11, [&] {
+              const auto before = session.shown();
+              const auto start = Clock::now();
+              session.tool({QStringLiteral("set"), QString::number(next++ % 2 == 0 ? 4000 : 3000)});
+              waitFor("no table after set", [&] { return session.shown() != before; });
+              const double time = Milliseconds(Clock::now() - start).count();
+              session.settle();
+              return time;
+          }),
+          120, "ms");
+
+    const auto guardian = childOf(session.process(), "AmbertideGuardian");
+    const auto guardianBefore = ProcessCost::of(guardian);
+    measureIdle(session, "tinted", 120, 4);
+    print("guardian, tinted: private memory",
+          static_cast<double>(memoryOf(guardian, "Private_Clean:") + memoryOf(guardian, "Private_Dirty:")) / 1024, 1, "MB");
+    print("guardian, tinted: wake-ups a minute",
+          static_cast<double>((ProcessCost::of(guardian) - guardianBefore).wakeUps), 0, "");
+    print("memory, tinted, no window opened: proportional set size",
+          static_cast<double>(memoryOf(session.process(), "Pss:")) / 1024, 22, "MB");
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    try {
+        const std::vector<std::pair<QString, void (*)()>> groups = {
+            {QStringLiteral("tables"), measureTables},
+            {QStringLiteral("ramps"), measureRamps},
+            {QStringLiteral("application"), measureApplication},
+        };
+        for (const auto &[name, measure] : groups) {
+            if (argc < 2 || QCoreApplication::arguments().contains(name))
+                measure();
+        }
+    } catch (const std::exception &failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return 1;
+    }
+    return 0;
+}

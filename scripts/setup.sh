@@ -1,0 +1,31 @@
+# Sourced by the other scripts: what a bare Debian 12 lacks to build and test Ambertide, installed by package name.
+
+repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-randr0-dev libsystemd-dev)
+run_packages=(dbus-daemon libqt6gui6 xvfb)
+test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils)
+check_packages=(clang-format clang-tidy-16)
+
+# install_packages <package>...: installs those that are missing.
+install_packages() {
+    local missing=() package
+    for package in "$@"; do
+        [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
+            missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    echo "Installing ${missing[*]}"
+    local as_root=()
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    "${as_root[@]}" apt-get update -qq
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build <preset>: configures and builds it.
+build() {
+    cd "$repository"
+    cmake --preset "$1" >/dev/null
+    cmake --build --preset "$1"
+}

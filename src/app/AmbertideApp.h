@@ -1,0 +1,39 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "model/AppViewModel.h"
+
+#include <memory>
+
+namespace ambertide {
+
+/// The composition root: makes the one model and the delegate, in this order, over the ports of the system it runs on.
+/// Main thread. Destroying it gives the displays back, in the background.
+class AmbertideApp
+{
+public:
+    struct Ports
+    {
+        DisplayServices &displays;
+        TaskExecutor &executor;
+        SystemWake &wake;
+        UserDefaults &userDefaults;
+        DistributedNotificationCenter &distributedNotifications;
+        RunningApplications &runningApplications;
+        const Calendar &calendar;
+        const MainBundle &mainBundle;
+        std::function<void()> terminate;
+    };
+
+    explicit AmbertideApp(Ports ports);
+
+    AppViewModel &viewModel() { return m_viewModel; }
+    AppDelegate &delegate() { return m_delegate; }
+
+private:
+    NotificationCenter m_notifications;
+    AppViewModel m_viewModel;
+    AppDelegate m_delegate;
+};
+
+} // namespace ambertide

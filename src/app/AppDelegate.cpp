@@ -1,0 +1,118 @@
+#include "app/AppDelegate.h"
+
+#include "model/DefaultsKeys.h"
+#include "model/Notifications.h"
+#include "platform/Console.h"
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <utility>
+
+namespace ambertide {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+std::string describe(const Notification &notification)
+{
+    return "{name = " + notification.name +
+           (notification.userInfo ? ", userInfo = " + describe(*notification.userInfo) : std::string()) + '}';
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(Ports ports) : m_ports(std::move(ports)) {}
+
+AppDelegate::~AppDelegate() { m_backgroundTask.cancel(); }
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    if (!ensureSingleInstance()) {
+        m_ports.terminate();
+        return;
+    }
+    m_wakeObservation = m_ports.wake.observe([this] { handleWakeNotification(); });
+    console::print("Registering for CLI temperature notifications...");
+    m_cliObservation = m_ports.distributedNotifications.observe(
+        notifications::updateTemperature, Delivery::immediate,
+        [this](const Notification &notification) { handleCLITemperatureChange(notification); });
+    startBackgroundSchedulerCheck();
+}
+
+void AppDelegate::applicationWillTerminate()
+{
+    m_wakeObservation.release();
+    m_backgroundTask.cancel();
+}
+
+bool AppDelegate::ensureSingleInstance()
+{
+    const auto identifier = m_ports.mainBundle.identifier();
+    if (!identifier) {
+        console::print("Warning: Could not get bundle identifier");
+        return true;
+    }
+    auto others = m_ports.runningApplications.withIdentifier(*identifier);
+    std::erase_if(others, [own = m_ports.runningApplications.currentProcessIdentifier()](const auto &application) {
+        return application.processIdentifier == own;
+    });
+    if (others.empty()) {
+        m_instanceObservation = m_ports.distributedNotifications.observe(
+            notifications::instance, Delivery::standard,
+            [this](const Notification &) { m_ports.bringSettingsForward(); });
+        return true;
+    }
+    const auto &other = others.front();
+    console::print("Another instance of Ambertide is already running (PID: " + std::to_string(other.processIdentifier) +
+                   ")");
+    m_ports.runningApplications.activate(other);
+    m_ports.distributedNotifications.post(notifications::withoutUserInfo(notifications::instance), Delivery::standard);
+    return false;
+}
+
+void AppDelegate::handleCLITemperatureChange(const Notification &notification)
+{
+    console::print("Received CLI temperature change notification: " + describe(notification));
+    const auto temperature = notifications::integerTemperature(notification);
+    if (!temperature) {
+        console::print("No valid temperature found in notification: " +
+                       describe(notification.userInfo.value_or(UserInfo())));
+        return;
+    }
+    console::print("Setting temperature to " + std::to_string(*temperature) + "K");
+    // Not range-checked: the model does that for what it applies, and again when it reads the store.
+    Task::startOnMain(m_ports.executor, [&userDefaults = m_ports.userDefaults, &center = m_ports.notifications,
+                                         kelvin = *temperature](TaskContext) -> Async {
+        userDefaults.setInteger(defaults::temperature, kelvin);
+        center.post({.name = notifications::updateTemperature,
+                     .userInfo = UserInfo{{notifications::temperatureKey, kelvin}}});
+        co_return;
+    });
+}
+
+void AppDelegate::handleWakeNotification()
+{
+    postCheckScheduleNow();
+}
+
+void AppDelegate::postCheckScheduleNow()
+{
+    m_ports.notifications.post(notifications::withoutUserInfo(notifications::checkScheduleNow));
+}
+
+void AppDelegate::startBackgroundSchedulerCheck()
+{
+    m_backgroundTask.cancel();
+    m_backgroundTask = Task::start(m_ports.executor, [this](TaskContext context) -> Async {
+        while (!context.isCancelled()) {
+            co_await context.onMain();
+            context.throwIfCancelled(); // and with it the delegate may be gone
+            postCheckScheduleNow();
+            co_await context.sleep(5s);
+        }
+    });
+}
+
+} // namespace ambertide

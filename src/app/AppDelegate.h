@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/DistributedNotificationCenter.h"
+#include "platform/MainBundle.h"
+#include "platform/NotificationCenter.h"
+#include "platform/RunningApplications.h"
+#include "platform/SystemWake.h"
+#include "platform/Task.h"
+#include "platform/UserDefaults.h"
+
+#include <functional>
+
+namespace ambertide {
+
+/// What the application does as a process: it sees to it that one copy runs, takes requests of the command-line tool,
+/// has the schedule checked every 5 seconds and after wake, and lets go of all that at the end. Main thread.
+class AppDelegate
+{
+public:
+    /// All of it must outlive the delegate.
+    struct Ports
+    {
+        const MainBundle &mainBundle;
+        RunningApplications &runningApplications;
+        NotificationCenter &notifications;
+        DistributedNotificationCenter &distributedNotifications;
+        SystemWake &wake;
+        UserDefaults &userDefaults;
+        TaskExecutor &executor;
+        std::function<void()> terminate;            ///< ends the application soon after it returns
+        std::function<void()> bringSettingsForward; ///< raises the Settings window when there is one
+    };
+
+    explicit AppDelegate(Ports ports);
+    ~AppDelegate();
+    AppDelegate(const AppDelegate &) = delete;
+    AppDelegate &operator=(const AppDelegate &) = delete;
+
+    /// Once, after the models are made. Asks for termination, and does nothing else, when another copy runs.
+    void applicationDidFinishLaunching();
+    /// Once, when the application is about to end. The displays are not given back here.
+    void applicationWillTerminate();
+    /// The application lives in the tray.
+    bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
+
+private:
+    bool ensureSingleInstance();
+    void handleCLITemperatureChange(const Notification &notification);
+    void handleWakeNotification();
+    void postCheckScheduleNow();
+    void startBackgroundSchedulerCheck();
+
+    Ports m_ports;
+    Task m_backgroundTask; ///< the loop that has the schedule checked
+    Observation m_instanceObservation;
+    Observation m_wakeObservation;
+    Observation m_cliObservation;
+};
+
+} // namespace ambertide

@@ -1,0 +1,110 @@
+#include "app/AmbertideApp.h"
+#include "platform/linux/DBusApplicationObject.h"
+#include "platform/linux/DBusNotificationCenter.h"
+#include "platform/linux/DBusRunningApplications.h"
+#include "platform/linux/DBusSession.h"
+#include "platform/linux/LogindSystemWake.h"
+#include "platform/linux/SessionDisplayServices.h"
+#include "platform/qt/PlistMainBundle.h"
+#include "platform/qt/QtMainActor.h"
+#include "platform/qt/SettingsUserDefaults.h"
+#include "platform/qt/SystemCalendar.h"
+#include "platform/qt/ThreadTaskExecutor.h"
+
+#include <QApplication>
+#include <QLoggingCategory>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <thread>
+
+#include <pthread.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace ambertide;
+using namespace std::chrono_literals;
+
+/// Confines SIGTERM and SIGINT to a thread that does nothing but wait for them: their handler then never interrupts code
+/// that holds a lock or the allocator. Before any other thread is started.
+void confineEndingSignals()
+{
+    sigset_t ending;
+    sigemptyset(&ending);
+    sigaddset(&ending, SIGTERM);
+    sigaddset(&ending, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+    std::thread([ending] {
+        pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
+        for (;;)
+            pause();
+    }).detach();
+}
+
+/// The toolkit may come to nothing without ending the application: it then runs without windows.
+void chooseToolkitPlatform()
+{
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        return;
+    qputenv("QT_QPA_PLATFORM", qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb;offscreen" : "wayland;xcb;offscreen");
+    // The display adapter has said in one line what these would say in several.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin.warning=false\nqt.qpa.xcb.warning=false"));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    confineEndingSignals();
+    std::signal(SIGPIPE, SIG_IGN);
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    const auto displays = makeSessionDisplayServices(program.parent_path());
+
+    chooseToolkitPlatform();
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Ambertide"));
+    QApplication::setApplicationVersion(QStringLiteral(AMBERTIDE_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));
+
+    const PlistMainBundle mainBundle(program);
+    const SystemCalendar calendar;
+    SettingsUserDefaults userDefaults;
+    DBusSession sessionBus(SdBusKind::session);
+    DBusSession systemBus(SdBusKind::system);
+    DBusNotificationCenter distributedNotifications(sessionBus);
+    DBusRunningApplications runningApplications(sessionBus);
+    LogindSystemWake wake(systemBus);
+    QtMainActor mainActor;
+    ThreadTaskExecutor executor(mainActor);
+
+    bool isSuperfluous = false;
+    std::optional<AmbertideApp> ambertide(
+        std::in_place, AmbertideApp::Ports{*displays, executor, wake, userDefaults, distributedNotifications,
+                                           runningApplications, calendar, mainBundle, [&] { isSuperfluous = true; }});
+    ambertide->delegate().applicationDidFinishLaunching();
+    if (isSuperfluous) {
+        // The displays are the other copy's: this one must go without giving them back.
+        std::_Exit(EXIT_SUCCESS);
+    }
+    QApplication::setQuitOnLastWindowClosed(
+        ambertide->delegate().applicationShouldTerminateAfterLastWindowClosed());
+    DBusApplicationObject busObject(sessionBus, [](const std::string &) {});
+    busObject.setAction("quit", [](const std::string &) { QCoreApplication::quit(); });
+
+    const int status = QApplication::exec();
+
+    ambertide->delegate().applicationWillTerminate();
+    ambertide.reset();
+    // Ending already; the handler must not meet what is being taken down.
+    std::signal(SIGTERM, SIG_IGN);
+    std::signal(SIGINT, SIG_IGN);
+    if (!executor.waitUntilIdle(1s)) {
+        // The display server does not answer. Waiting for it is the guardian's job.
+        std::_Exit(status);
+    }
+    return status;
+}

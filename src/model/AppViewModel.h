@@ -1,0 +1,94 @@
+#pragma once
+
+#include "display/DisplayManager.h"
+#include "platform/Calendar.h"
+#include "platform/DistributedNotificationCenter.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Task.h"
+#include "platform/UserDefaults.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace ambertide {
+
+/// The state of the running application: the temperature, whether the schedule is in force, and what follows from a
+/// change of either. Everything that changes the temperature ends here.
+///
+/// Main thread, one instance. Temperatures are in kelvin, whole multiples of 100; the range from 1000 to 6500 is checked
+/// where a value comes from outside, not on assignment.
+class AppViewModel final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// What the model works on; all of it must outlive the model.
+    struct Ports
+    {
+        DisplayServices &displays;
+        TaskExecutor &executor;
+        SystemWake &wake;
+        UserDefaults &userDefaults;
+        NotificationCenter &notifications;
+        DistributedNotificationCenter &distributedNotifications;
+        const Calendar &calendar;
+    };
+
+    static constexpr double temperatureStep = 100;
+    static constexpr double minTemperature = 1000;
+    static constexpr double maxTemperature = 6500;
+    static constexpr double neutralTemperature = 6500;
+
+    /// Takes up the stored temperature, has it applied and begins to answer notifications. A stored value out of range
+    /// stays in the store and counts as neutral.
+    explicit AppViewModel(const Ports &ports);
+    /// Gives the displays back, in the background.
+    ~AppViewModel() override;
+
+    double temperature() const { return m_temperature; }
+    /// Rounds to a multiple of 100, stores it, and has it applied 150 ms after the last such change. What is no finite
+    /// number is ignored.
+    void setTemperature(double temperature);
+    bool isNeutralTemperature() const { return m_temperature >= neutralTemperature; }
+    void resetToDefault() { setTemperature(neutralTemperature); }
+
+    bool scheduleEnabled() const;
+    /// Stores the flag and starts or stops the schedule's timer.
+    void setScheduleEnabled(bool enabled);
+
+    /// The user has taken hold of the slider: the schedule is switched off.
+    void handleManualChange();
+
+    /// For the panel and the application becoming active: writes the tint once more.
+    void reapplyCurrentTemperature() { m_displayManager->reapplyCurrentTemperature(); }
+
+Q_SIGNALS:
+    /// Something that is shown has changed or is about to.
+    void changed();
+
+private:
+    double initialTemperature();
+    void applyTemperatureWithDebounce();
+    void applyTemperatureImmediately();
+    void setupScheduleTimer();
+    void checkSchedule();
+    void applyScheduledTemperature(double target);
+    void manualScheduleCheck();
+    void handleTemperatureUpdate(const Notification &notification);
+    void handleTemperatureRequest();
+
+    Ports m_ports;
+    std::shared_ptr<DisplayManager> m_displayManager;
+    bool m_isScheduledChange = false; ///< who changed the temperature last
+    bool m_isImmediateApplyPending = false;
+    Task m_temperatureChangeTask; ///< the newest debounced apply, pending or past
+    double m_temperature = neutralTemperature;
+    Task m_scheduleTimer;
+    std::shared_ptr<AppViewModel> m_self; ///< owns nothing; tasks hold it weakly and look on the main thread
+    Observation m_checkScheduleObservation;
+    Observation m_updateObservation;
+    Observation m_requestObservation;
+};
+
+} // namespace ambertide

@@ -1,0 +1,120 @@
+#include "model/ScheduleEntry.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace ambertide {
+
+namespace {
+
+constexpr double daylight = 6500;
+constexpr QLatin1String idKey("id");
+constexpr QLatin1String timeKey("time");
+constexpr QLatin1String temperatureKey("temperature");
+constexpr QLatin1String isEnabledKey("isEnabled");
+
+/// The canonical form alone, 8-4-4-4-12 hexadecimal digits in either case.
+std::optional<QUuid> decodeIdentifier(const QJsonValue &value)
+{
+    const auto text = value.toString();
+    const auto identifier = QUuid::fromString(text);
+    if (identifier.toString(QUuid::WithoutBraces).compare(text, Qt::CaseInsensitive) != 0)
+        return std::nullopt;
+    return identifier;
+}
+
+/// The name of the first member that is missing or of another type; empty when `entry` has been read.
+QLatin1String decodeEntry(const QJsonObject &object, ScheduleEntry &entry)
+{
+    const auto identifier = decodeIdentifier(object.value(idKey));
+    if (!identifier)
+        return idKey;
+    const auto time = object.value(timeKey);
+    if (!time.isDouble())
+        return timeKey;
+    const auto temperature = object.value(temperatureKey);
+    if (!temperature.isDouble())
+        return temperatureKey;
+    const auto isEnabled = object.value(isEnabledKey);
+    if (!isEnabled.isBool())
+        return isEnabledKey;
+    entry = {.id = *identifier,
+             .time = {time.toDouble()},
+             .temperature = temperature.toDouble(),
+             .isEnabled = isEnabled.toBool()};
+    return {};
+}
+
+} // namespace
+
+QString ScheduleEntry::temperatureString() const
+{
+    if (temperature >= daylight)
+        return QStringLiteral("Normal (Daylight)");
+    return QString::number(std::trunc(temperature), 'f', 0) + QLatin1Char('K');
+}
+
+bool ScheduleEntry::timeIsBefore(const DateComponents &first, const DateComponents &second)
+{
+    return std::pair(first.hour.value_or(0), first.minute.value_or(0)) <
+           std::pair(second.hour.value_or(0), second.minute.value_or(0));
+}
+
+std::string encodeSchedule(std::span<const ScheduleEntry> entries)
+{
+    QJsonArray array;
+    for (const auto &entry : entries) {
+        array.append(QJsonObject{{idKey, entry.id.toString(QUuid::WithoutBraces).toUpper()},
+                                 {timeKey, entry.time.secondsSinceReference},
+                                 {temperatureKey, entry.temperature},
+                                 {isEnabledKey, entry.isEnabled}});
+    }
+    return QJsonDocument(array).toJson(QJsonDocument::Compact).toStdString();
+}
+
+DecodedSchedule decodeSchedule(std::string_view bytes)
+{
+    QJsonParseError parseError;
+    const auto document = QJsonDocument::fromJson(
+        QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())), &parseError);
+    if (parseError.error != QJsonParseError::NoError)
+        return {{}, parseError.errorString()};
+    if (!document.isArray())
+        return {{}, QStringLiteral("the schedule is not a list")};
+
+    std::vector<ScheduleEntry> entries;
+    const auto array = document.array();
+    for (const auto &element : array) {
+        if (const auto member = decodeEntry(element.toObject(), entries.emplace_back()); !member.isEmpty()) {
+            return {{},
+                    QStringLiteral("entry %1 has no valid \"%2\"").arg(QString::number(entries.size()), member)};
+        }
+    }
+    return {std::move(entries), {}};
+}
+
+void sortByTimeOfDay(std::vector<ScheduleEntry> &entries, const Calendar &calendar)
+{
+    std::ranges::stable_sort(entries, ScheduleEntry::timeIsBefore,
+                             [&calendar](const ScheduleEntry &entry) { return calendar.timeOfDay(entry.time); });
+}
+
+std::optional<ScheduleEntry> entryInForce(std::vector<ScheduleEntry> entries, const DateComponents &now,
+                                          const Calendar &calendar)
+{
+    std::erase_if(entries, [](const ScheduleEntry &entry) { return !entry.isEnabled; });
+    if (entries.empty())
+        return std::nullopt;
+    sortByTimeOfDay(entries, calendar);
+    const auto reached = std::ranges::find_if(entries.rbegin(), entries.rend(), [&](const ScheduleEntry &entry) {
+        return !ScheduleEntry::timeIsBefore(now, calendar.timeOfDay(entry.time));
+    });
+    return reached == entries.rend() ? entries.back() : *reached;
+}
+
+} // namespace ambertide

@@ -1,0 +1,18 @@
+#pragma once
+
+namespace ambertide::bus_names {
+
+/// The name that the one running copy owns on the session bus, and the object it exports there.
+inline constexpr char application[] = "me.tovanu.Ambertide";
+inline constexpr char applicationPath[] = "/me/tovanu/Ambertide";
+
+inline constexpr char notificationInterface[] = "me.tovanu.Ambertide.DistributedNotificationCenter";
+inline constexpr char postedMember[] = "Posted";
+
+/// Desktop Entry Specification, "D-Bus Activation".
+inline constexpr char applicationInterface[] = "org.freedesktop.Application";
+/// Keys of that interface's platform data: the token under Wayland, and its X11 ancestor.
+inline constexpr char activationTokenKey[] = "activation-token";
+inline constexpr char startupIdentifierKey[] = "desktop-startup-id";
+
+} // namespace ambertide::bus_names

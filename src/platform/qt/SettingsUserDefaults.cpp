@@ -1,0 +1,198 @@
+#include "platform/qt/SettingsUserDefaults.h"
+
+#include "platform/Console.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMetaObject>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QStringDecoder>
+
+#include <utility>
+
+namespace ambertide {
+
+namespace {
+
+constexpr qint64 largestFile = 1024 * 1024;
+
+QString settingsKey(std::string_view key)
+{
+    return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
+}
+
+std::map<QString, QVariant> readAll(const QString &path)
+{
+    const QSettings file(path, QSettings::IniFormat);
+    std::map<QString, QVariant> values;
+    const auto keys = file.allKeys();
+    for (const auto &key : keys)
+        values.emplace(key, file.value(key));
+    return values;
+}
+
+} // namespace
+
+QString SettingsUserDefaults::standardPath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/ambertide/defaults.ini");
+}
+
+SettingsUserDefaults::SettingsUserDefaults(QString path) : m_path(std::move(path)) {}
+
+SettingsUserDefaults::~SettingsUserDefaults()
+{
+    const std::scoped_lock lock(m_lock);
+    write();
+}
+
+bool SettingsUserDefaults::hasObject(std::string_view key) { return value(key).isValid(); }
+
+double SettingsUserDefaults::doubleValue(std::string_view key) { return value(key).toDouble(); }
+
+bool SettingsUserDefaults::boolValue(std::string_view key) { return value(key).toBool(); }
+
+std::optional<std::string> SettingsUserDefaults::data(std::string_view key)
+{
+    const auto found = value(key);
+    return found.isValid() ? std::optional(found.toByteArray().toStdString()) : std::nullopt;
+}
+
+void SettingsUserDefaults::setData(std::string_view key, std::string_view bytes)
+{
+    set(key, QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())));
+}
+
+QVariant SettingsUserDefaults::value(std::string_view key)
+{
+    const auto name = settingsKey(key);
+    const std::scoped_lock lock(m_lock);
+    refresh();
+    for (const auto *values : {&m_unwritten, &m_stored}) {
+        if (const auto found = values->find(name); found != values->end())
+            return found->second;
+    }
+    return {};
+}
+
+void SettingsUserDefaults::set(std::string_view key, const QVariant &value)
+{
+    const std::scoped_lock lock(m_lock);
+    m_unwritten.insert_or_assign(settingsKey(key), value);
+    scheduleWrite();
+}
+
+void SettingsUserDefaults::scheduleWrite()
+{
+    if (std::exchange(m_isWriteScheduled, true))
+        return;
+    const auto writeLocked = [this] {
+        const std::scoped_lock lock(m_lock);
+        write();
+    };
+    QMetaObject::invokeMethod(&m_mainThread, writeLocked, Qt::QueuedConnection);
+}
+
+void SettingsUserDefaults::refresh()
+{
+    if (m_hasWriteFailed)
+        write();
+    const auto file = stamp();
+    if (file == m_readStamp && m_health == Health::good)
+        return;
+    m_readStamp = file;
+    m_health = examine(file);
+    if (m_health == Health::good)
+        m_stored = readAll(m_path);
+    else if (m_health == Health::unreadable)
+        report("cannot be read");
+    else
+        setAside();
+}
+
+SettingsUserDefaults::Stamp SettingsUserDefaults::stamp() const
+{
+    const std::filesystem::path path = m_path.toStdString();
+    std::error_code error;
+    Stamp file = {.type = std::filesystem::status(path, error).type(), .modified = {}, .size = 0};
+    if (file.type == std::filesystem::file_type::not_found)
+        return file;
+    file.modified = std::filesystem::last_write_time(path, error);
+    if (file.type == std::filesystem::file_type::regular)
+        file.size = std::filesystem::file_size(path, error);
+    return file;
+}
+
+SettingsUserDefaults::Health SettingsUserDefaults::examine(const Stamp &file) const
+{
+    if (file.type == std::filesystem::file_type::not_found)
+        return Health::good;
+    if (file.type != std::filesystem::file_type::regular || file.size > largestFile)
+        return Health::foreign;
+    QFile content(m_path);
+    if (!content.open(QIODevice::ReadOnly))
+        return Health::unreadable;
+    const auto bytes = content.read(largestFile);
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(bytes);
+    if (decoder.hasError() || bytes.contains('\0'))
+        return Health::foreign;
+    const QSettings parsed(m_path, QSettings::IniFormat);
+    parsed.allKeys(); // sections are parsed when first needed
+    return parsed.status() == QSettings::FormatError ? Health::damaged : Health::good;
+}
+
+void SettingsUserDefaults::setAside()
+{
+    auto keptName = m_path + QStringLiteral(".broken");
+    for (int number = 2; QFileInfo(keptName).isSymLink() || QFileInfo::exists(keptName); ++number)
+        keptName = m_path + QStringLiteral(".broken-%1").arg(number);
+    if (!QFile::rename(m_path, keptName)) {
+        report("is broken and cannot be moved aside; nothing is saved");
+        return;
+    }
+    console::print("The settings file " + m_path.toStdString() + " is broken; it was kept as " + keptName.toStdString());
+    m_stored.clear();
+    if (m_health == Health::damaged) {
+        // What can still be read was set by the user: it goes into the new file.
+        for (auto &[key, value] : readAll(keptName))
+            m_unwritten.try_emplace(key, value);
+        scheduleWrite();
+    }
+    m_health = Health::good;
+    m_readStamp = {};
+}
+
+void SettingsUserDefaults::write()
+{
+    m_isWriteScheduled = false;
+    m_hasWriteFailed = false;
+    refresh();
+    if (m_health != Health::good || m_unwritten.empty())
+        return;
+    QDir().mkpath(QFileInfo(m_path).path());
+    QSettings file(m_path, QSettings::IniFormat);
+    for (const auto &[key, value] : m_unwritten)
+        file.setValue(key, value);
+    file.sync();
+    if (file.status() != QSettings::NoError) {
+        m_hasWriteFailed = true;
+        report("cannot be written; changes are kept until it can");
+        return;
+    }
+    m_isTroubleReported = false;
+    m_unwritten.merge(m_stored);
+    m_stored = std::exchange(m_unwritten, {});
+    m_readStamp = {}; // another program's changes may have come in between
+}
+
+void SettingsUserDefaults::report(std::string_view trouble)
+{
+    if (!std::exchange(m_isTroubleReported, true))
+        console::print("The settings file " + m_path.toStdString() + ' ' + std::string(trouble));
+}
+
+} // namespace ambertide

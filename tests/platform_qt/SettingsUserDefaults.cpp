@@ -1,0 +1,159 @@
+#include "platform/Console.h"
+#include "platform/qt/SettingsUserDefaults.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+
+using namespace ambertide;
+
+class SettingsUserDefaultsTest : public QObject
+{
+    Q_OBJECT
+
+    std::optional<QTemporaryDir> folder;
+    QString path;
+    std::vector<std::string> printed;
+
+    static void turnEventLoop() { QCoreApplication::processEvents(); }
+    void writeFile(const QByteArray &content)
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+    QByteArray readFile(const QString &name)
+    {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        folder.emplace();
+        path = folder->filePath(QStringLiteral("config/ambertide/defaults.ini"));
+        printed.clear();
+        console::redirect([this](std::string_view line) { printed.emplace_back(line); });
+    }
+    void cleanup() { console::redirect({}); }
+
+    void everyKindOfValueComesBackFromTheFile()
+    {
+        const std::string bytes("[{\"a\":\"\xC3\xBC \\n\"},\n\0\xff]", 18);
+        SettingsUserDefaults written(path);
+        QVERIFY(!written.hasObject("d"));
+        written.setDouble("d", 3449.5);
+        written.setInteger("i", -3400);
+        written.setBool("b", true);
+        written.setData("x", bytes);
+        QCOMPARE(written.doubleValue("d"), 3449.5); // before it is on disk
+        turnEventLoop();
+
+        SettingsUserDefaults read(path);
+        QCOMPARE(read.doubleValue("d"), 3449.5);
+        QCOMPARE(read.doubleValue("i"), -3400.0);
+        QCOMPARE(read.boolValue("b"), true);
+        QVERIFY(read.data("x") == bytes);
+        QVERIFY(!read.data("absent") && !read.boolValue("absent") && read.doubleValue("absent") == 0);
+        QVERIFY(printed.empty());
+    }
+
+    void aChangeByAnotherProgramIsSeenAndKept()
+    {
+        SettingsUserDefaults defaults(path);
+        defaults.setDouble("Ambertide.Temperature", 3400);
+        turnEventLoop();
+        writeFile("[General]\nAmbertide.Temperature=2700\nOther=1\n");
+        QCOMPARE(defaults.doubleValue("Ambertide.Temperature"), 2700.0);
+        defaults.setBool("Ambertide.ScheduleEnabled", true);
+        turnEventLoop();
+        QVERIFY(readFile(path).contains("Ambertide.Temperature=2700"));
+        QVERIFY(readFile(path).contains("Other=1"));
+        QVERIFY(readFile(path).contains("Ambertide.ScheduleEnabled=true"));
+    }
+
+    void aBrokenFileIsSetAsideAndReported_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<double>("kept");
+        QTest::newRow("cut off inside a key") << QByteArray("[General]\nAmbertide.Temperature=2700\nAmbertide.Sched")
+                                              << 2700.0;
+        QTest::newRow("binary") << QByteArray("\x7f\x45LF\0\0=\n\xff\xfe", 10) << 0.0;
+        QTest::newRow("not UTF-8") << QByteArray("[General]\nAmbertide.Temperature=27\xff\n") << 0.0;
+        QTest::newRow("huge") << QByteArray("[General]\nAmbertide.Temperature=2700\na=") + QByteArray(2'000'000, 'x') << 0.0;
+    }
+    void aBrokenFileIsSetAsideAndReported()
+    {
+        QFETCH(QByteArray, content);
+        writeFile(content);
+        {
+            SettingsUserDefaults defaults(path);
+            QTEST(defaults.doubleValue("Ambertide.Temperature"), "kept");
+            defaults.setBool("b", true);
+            turnEventLoop();
+            QTEST(defaults.doubleValue("Ambertide.Temperature"), "kept");
+        }
+        QVERIFY(SettingsUserDefaults(path).boolValue("b"));
+        QCOMPARE(readFile(path + QStringLiteral(".broken")), content);
+        QCOMPARE(printed.size(), std::size_t(1));
+
+        // a second broken file does not take the first one's place
+        writeFile("\xff\xff");
+        QVERIFY(!SettingsUserDefaults(path).hasObject("b"));
+        QCOMPARE(readFile(path + QStringLiteral(".broken")), content);
+        QCOMPARE(readFile(path + QStringLiteral(".broken-2")), QByteArray("\xff\xff"));
+    }
+
+    void whatIsNoFileIsSetAsideWithoutReadingIt_data()
+    {
+        QTest::addColumn<bool>("isPipe");
+        QTest::newRow("named pipe") << true;
+        QTest::newRow("folder") << false;
+    }
+    void whatIsNoFileIsSetAsideWithoutReadingIt()
+    {
+        QFETCH(bool, isPipe);
+        QVERIFY(QDir().mkpath(isPipe ? QFileInfo(path).path() : path));
+        if (isPipe)
+            QCOMPARE(mkfifo(path.toUtf8().constData(), 0600), 0);
+        SettingsUserDefaults defaults(path);
+        defaults.setDouble("d", 1);
+        turnEventLoop();
+        QVERIFY(QFileInfo(path).isFile());
+        QVERIFY(QFileInfo::exists(path + QStringLiteral(".broken")));
+    }
+
+    void whatCannotBeWrittenIsKeptReportedOnceAndWrittenLater()
+    {
+        writeFile({});
+        const auto blocker = QFileInfo(path).path(); // a file where the folder should be
+        QVERIFY(QFile::remove(path) && QDir().rmdir(blocker));
+        QFile file(blocker);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        SettingsUserDefaults defaults(path);
+        for (int i = 0; i < 10; ++i) {
+            defaults.setDouble("d", i);
+            turnEventLoop();
+            QCOMPARE(defaults.doubleValue("d"), double(i));
+        }
+        QCOMPARE(printed.size(), std::size_t(1));
+
+        QVERIFY(file.remove());
+        QCOMPARE(defaults.doubleValue("d"), 9.0);
+        QCOMPARE(SettingsUserDefaults(path).doubleValue("d"), 9.0);
+    }
+};
+
+QTEST_GUILESS_MAIN(SettingsUserDefaultsTest)
+#include "SettingsUserDefaults.moc"

@@ -1,0 +1,51 @@
+#include "platform/qt/SystemCalendar.h"
+
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+
+using namespace ambertide;
+
+class SystemCalendarTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void localTimeFollowsTheZoneAndItsClockChanges_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        QTest::addColumn<double>("date");
+        QTest::addColumn<int>("hour");
+        QTest::addColumn<int>("minute");
+        // A rule of its own for each zone, so that no zone database is needed.
+        const QByteArray berlin = "CET-1CEST,M3.5.0,M10.5.0/3";
+        constexpr double spring = 796179600; // 2026-03-26 01:00 UTC
+        constexpr double forward = spring + 3 * 86400;
+        QTest::newRow("reference date") << QByteArray("UTC0") << 0.0 << 0 << 0;
+        QTest::newRow("fractions are cut") << QByteArray("UTC0") << 59.999 << 0 << 0;
+        QTest::newRow("before the reference date") << QByteArray("UTC0") << -0.5 << 23 << 59;
+        QTest::newRow("half an hour's offset") << QByteArray("IST-5:30") << 0.0 << 5 << 30;
+        QTest::newRow("last minute of winter time") << berlin << forward - 60 << 1 << 59;
+        QTest::newRow("first minute of summer time") << berlin << forward << 3 << 0;
+        QTest::newRow("far past") << QByteArray("UTC0") << -63114076800.0 + 43200 << 12 << 0;
+    }
+    void localTimeFollowsTheZoneAndItsClockChanges()
+    {
+        QFETCH(QByteArray, zone);
+        QFETCH(double, date);
+        qputenv("TZ", zone);
+        const auto time = SystemCalendar().timeOfDay({date});
+        QTEST(time.hour.value_or(-1), "hour");
+        QTEST(time.minute.value_or(-1), "minute");
+    }
+
+    void whatIsNoDateHasNoTimeOfDay()
+    {
+        for (const double date : {std::numeric_limits<double>::infinity(), std::nan(""), 1e300, -1e18})
+            QVERIFY(SystemCalendar().timeOfDay({date}) == DateComponents());
+    }
+};
+
+QTEST_GUILESS_MAIN(SystemCalendarTest)
+#include "SystemCalendar.moc"
