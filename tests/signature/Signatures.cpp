@@ -28,6 +28,7 @@ private Q_SLOTS:
         row("space", "YW I=", false);
         row("line end", "YWI=\n", false);
         row("url alphabet", "_-8=", false);
+        row("beyond ASCII", "\xcdWI=", false);
         row("zero byte", QByteArray("YW\0I=", 5), false);
     }
     void onlyCanonicalBase64OfTheExactLengthIsRead()
