@@ -2,10 +2,7 @@
 #include "model/Notifications.h"
 #include "platform/linux/DBusNotificationCenter.h"
 
-#include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QFileInfo>
 #include <QTest>
 
 #include <csignal>
@@ -18,8 +15,6 @@
 using namespace ambertide;
 
 namespace {
-
-constexpr auto registered = "Registering for CLI temperature notifications...";
 
 std::int64_t privateMemory(pid_t process)
 {
@@ -44,11 +39,13 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("value");
         QTest::addColumn<QByteArray>("complaint");
         const QByteArray nowhere = "unix:path=/nonexistent/bus";
-        QTest::newRow("session bus") << QByteArray("DBUS_SESSION_BUS_ADDRESS") << nowhere << QByteArray("No session bus");
+        QTest::newRow("session bus") << QByteArray("DBUS_SESSION_BUS_ADDRESS") << nowhere
+                                     << QByteArray("No session bus");
         QTest::newRow("system bus") << QByteArray("DBUS_SYSTEM_BUS_ADDRESS") << nowhere << QByteArray("No system bus");
         QTest::newRow("display server") << QByteArray("DISPLAY") << QByteArray(":54321")
                                         << QByteArray("Cannot reach the X server :54321");
-        QTest::newRow("display variable") << QByteArray("DISPLAY") << QByteArray() << QByteArray("There are no displays");
+        QTest::newRow("display variable")
+            << QByteArray("DISPLAY") << QByteArray() << QByteArray("There are no displays");
         QTest::newRow("Wayland compositor") << QByteArray("WAYLAND_DISPLAY") << QByteArray("wayland-nonexistent")
                                             << QByteArray("Displays cannot be tinted in this Wayland session");
     }
@@ -59,15 +56,16 @@ private Q_SLOTS:
         QFETCH(QByteArray, complaint);
         PrivateSession session;
         session.writeSettings("[General]\nAmbertide.Temperature=3000\n");
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QString::fromLatin1(variable), QString::fromLatin1(value));
-        ApplicationProcess application(environment);
+        const auto before = qgetenv(variable.constData());
+        qputenv(variable.constData(), value);
+        ApplicationProcess application;
+        qputenv(variable.constData(), before);
         QVERIFY(application.waitForLine(complaint));
-        QVERIFY(application.waitForLine(registered));
+        QVERIFY(application.waitUntilRegistered());
         if (variable.contains("BUS"))
             QTRY_VERIFY_WITH_TIMEOUT(session.shows(3000), 20'000);
         if (variable.contains("DISPLAY"))
-            QCOMPARE(runTool({QStringLiteral("get")}).output, QByteArray("3000\n"));
+            QCOMPARE(runTool({QStringLiteral("get")}), QByteArray("3000\n"));
         QCOMPARE(application.printed().count('\n'), 2);
         application.sendSignal(SIGTERM);
         QCOMPARE(application.waitForEnd(), 0);
@@ -79,8 +77,8 @@ private Q_SLOTS:
         session.writeSettings(QByteArray("\0\xff[General]\nAmbertide.Temperature", 32));
         ApplicationProcess application;
         QVERIFY(application.waitForLine("The settings file "));
-        QVERIFY(application.waitForLine(registered));
-        QCOMPARE(runTool({QStringLiteral("set"), QStringLiteral("2800")}).status, 0);
+        QVERIFY(application.waitUntilRegistered());
+        QCOMPARE(runTool({QStringLiteral("set"), QStringLiteral("2800")}), QByteArray());
         QTRY_VERIFY_WITH_TIMEOUT(session.shows(2800), 20'000);
         QVERIFY(QFile::exists(session.settingsPath() + QStringLiteral(".broken")));
     }
@@ -100,8 +98,6 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(session.shows(3000), 20'000);
         if (isStopped)
             first.sendSignal(SIGSTOP);
-        QElapsedTimer sinceStart;
-        sinceStart.start();
         ApplicationProcess second;
         QVERIFY(second.waitForLine("Another instance of Ambertide is already running (PID: " +
                                    QByteArray::number(first.processIdentifier()) + ")\n"));
@@ -124,15 +120,15 @@ private Q_SLOTS:
             });
         };
         QTRY_COMPARE_WITH_TIMEOUT(runningCount(), 1, 20'000);
-        QTRY_COMPARE_WITH_TIMEOUT(runTool({QStringLiteral("get")}).output, QByteArray("6500\n"), 20'000);
+        QTRY_COMPARE_WITH_TIMEOUT(runTool({QStringLiteral("get")}), QByteArray("6500\n"), 20'000);
         QCOMPARE(runningCount(), 1);
     }
 
     void aFloodOfHostilePostsNeitherStopsNorFeedsIt()
     {
         PrivateSession session;
-        ApplicationProcess application(QProcessEnvironment::systemEnvironment(), ApplicationProcess::Output::discarded);
-        QTRY_COMPARE_WITH_TIMEOUT(runTool({QStringLiteral("get")}).output, QByteArray("6500\n"), 20'000);
+        ApplicationProcess application(ApplicationProcess::Output::discarded);
+        QTRY_COMPARE_WITH_TIMEOUT(runTool({QStringLiteral("get")}), QByteArray("6500\n"), 20'000);
         DBusSession bus(SdBusKind::session);
         DBusNotificationCenter center(bus);
         const std::vector<std::optional<UserInfo>> payloads = {
@@ -152,8 +148,7 @@ private Q_SLOTS:
             }
             center.post(notifications::withTemperature(notifications::updateTemperature, 3200), Delivery::standard);
             sd_bus_flush(bus.bus());
-            QTRY_COMPARE_WITH_TIMEOUT(runTool({QStringLiteral("get")}).output,
-                                      QByteArray("3200\n"), 60'000);
+            QTRY_COMPARE_WITH_TIMEOUT(runTool({QStringLiteral("get")}), QByteArray("3200\n"), 60'000);
         };
         flood(1'000);
         const auto before = privateMemory(application.processIdentifier());
@@ -162,25 +157,11 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(session.shows(3200), 20'000);
     }
 
-    void aDisplaySwitchedOffDuringARampIsRestoredLikeTheOthers()
-    {
-        PrivateSession session(PrivateXServer::Kind::dummy);
-        session.server.switchOn(QStringLiteral("DUMMY1"));
-        session.writeSettings("[General]\nAmbertide.Temperature=3000\n");
-        ApplicationProcess application;
-        QTRY_VERIFY_WITH_TIMEOUT(session.shows(5500), 20'000);
-        session.server.switchOff(QStringLiteral("DUMMY1"));
-        QTRY_VERIFY_WITH_TIMEOUT(session.shows(3000), 20'000);
-        application.sendSignal(SIGINT);
-        QCOMPARE(application.waitForEnd(), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), 20'000);
-    }
-
     void theEndOfTheServerEndsTheApplicationWithoutAHang()
     {
         PrivateSession session;
         ApplicationProcess application;
-        QVERIFY(application.waitForLine(registered));
+        QVERIFY(application.waitUntilRegistered());
         session.server.stop();
         QVERIFY(application.waitForEnd() != -1000);
     }

@@ -42,20 +42,6 @@ private Q_SLOTS:
         center.post({.name = "a", .userInfo = {}});
         QCOMPARE(heard, std::string("113"));
     }
-
-    void anObserverMayReleaseItself()
-    {
-        NotificationCenter center;
-        int calls = 0;
-        Observation self;
-        self = center.observe("a", [&](const Notification &) {
-            self.release();
-            ++calls;
-        });
-        center.post({.name = "a", .userInfo = {}});
-        center.post({.name = "a", .userInfo = {}});
-        QCOMPARE(calls, 1);
-    }
 };
 
 QTEST_GUILESS_MAIN(NotificationsTest)

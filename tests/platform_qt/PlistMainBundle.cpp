@@ -18,7 +18,6 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("identifier");
         const QByteArray head = "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>";
         const QByteArray entry = "<key>CFBundleIdentifier</key><string>org.example</string>";
-        QTest::newRow("plain") << head + entry + "</dict></plist>" << QByteArray("org.example");
         QTest::newRow("after values of other kinds")
             << head + "<key>a</key><array><string>x</string></array><key>b</key><true/>" + entry + "</dict></plist>"
             << QByteArray("org.example");
@@ -30,7 +29,6 @@ private Q_SLOTS:
         QTest::newRow("binary") << QByteArray("bplist00\x00\xff\xfe", 11) << QByteArray();
         QTest::newRow("nested a hundred thousand deep")
             << head + QByteArray("<dict>").repeated(100'000) << QByteArray();
-        QTest::newRow("empty") << QByteArray() << QByteArray();
     }
     void textValuesAreReadAndAnythingElseReadsAsNothing()
     {
@@ -46,12 +44,6 @@ private Q_SLOTS:
         const PlistMainBundle read((bundle + QStringLiteral("/Contents/MacOS/program")).toStdString());
         QCOMPARE(read.path().string(), bundle.toStdString());
         QTEST(QByteArray::fromStdString(read.identifier().value_or("")), "identifier");
-    }
-
-    void aProgramOutsideOfABundleHasNoInformation()
-    {
-        QVERIFY(!PlistMainBundle("/nonexistent/program").identifier());
-        QVERIFY(!PlistMainBundle("program").identifier());
     }
 };
 

@@ -142,22 +142,6 @@ private Q_SLOTS:
         }
         QCOMPARE(held.use_count(), 1L);
     }
-
-    void theEventLoopRunsContinuationsInTheirOrder()
-    {
-        QtMainActor mainActor;
-        ThreadTaskExecutor executor(mainActor);
-        std::vector<int> order;
-        for (int i = 0; i < 100; ++i) {
-            Task::startOnMain(executor, [&order, i](TaskContext) -> Async {
-                order.push_back(i);
-                co_return;
-            });
-        }
-        QVERIFY(order.empty());
-        QTRY_COMPARE(order.size(), std::size_t(100));
-        QVERIFY(std::ranges::is_sorted(order));
-    }
 };
 
 QTEST_GUILESS_MAIN(TaskExecutorsTest)
