@@ -230,25 +230,6 @@ private Q_SLOTS:
         QVERIFY(bench.isShown(3500));
     }
 
-    void unusableSchedulesChangeNothing_data()
-    {
-        QTest::addColumn<QByteArray>("stored");
-        QTest::newRow("undecodable") << QByteArray("[{}]");
-        QTest::newRow("all disabled") << QByteArray::fromStdString(
-            encodeSchedule(std::vector{ScheduleEntry{.time = {0}, .temperature = 2000, .isEnabled = false}}));
-    }
-    void unusableSchedulesChangeNothing()
-    {
-        QFETCH(QByteArray, stored);
-        Bench bench;
-        bench.userDefaults.setData(defaults::scheduleEntries, stored.toStdString());
-        bench.startAt(5000);
-        bench.model->setScheduleEnabled(true);
-        bench.executor->advance(120s);
-        QCOMPARE(bench.model->temperature(), 5000.0);
-        QCOMPARE(bench.stored(), 5000.0);
-    }
-
     void aManualChangeStandsAgainstACheckThatIsUnderWay()
     {
         Bench bench;

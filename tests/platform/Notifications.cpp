@@ -11,19 +11,6 @@ class NotificationsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void observersHearTheirNameInOrderUntilTheyLetGo()
-    {
-        NotificationCenter center;
-        std::string heard;
-        auto first = center.observe("a", [&](const Notification &) { heard += '1'; });
-        auto second = center.observe("a", [&](const Notification &) { heard += '2'; });
-        auto other = center.observe("b", [&](const Notification &) { heard += 'b'; });
-        center.post({.name = "a", .userInfo = {}});
-        first.release();
-        center.post({.name = "a", .userInfo = {}});
-        QCOMPARE(heard, std::string("122"));
-    }
-
     void anObserverMayChangeTheRegistrationsFromWithinAPost()
     {
         NotificationCenter center;
