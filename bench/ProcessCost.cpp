@@ -35,6 +35,9 @@ ProcessCost ProcessCost::of(pid_t process)
     return cost;
 }
 
-std::int64_t memoryOf(pid_t process, const char *line) { return numberAfter(folderOf(process) + "/smaps_rollup", line); }
+std::int64_t memoryOf(pid_t process, const char *line)
+{
+    return numberAfter(folderOf(process) + "/smaps_rollup", line);
+}
 
 } // namespace ambertide

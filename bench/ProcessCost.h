@@ -1,9 +1,9 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <cstdint>
-
-#include <sys/types.h>
 
 namespace ambertide {
 

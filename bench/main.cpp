@@ -1,5 +1,5 @@
-// ambertide_bench [tables] [ramps] [application] [bus]: prints the figures of docs/figures.md, each beside what it has to reach.
-// All of them take some four minutes, half of which the application spends doing nothing under observation.
+// ambertide_bench [tables] [ramps] [application] [bus]: prints the figures of docs/figures.md, each beside what it has
+// to reach. All of them take some four minutes, half of which the application spends doing nothing under observation.
 
 #include "ProcessCost.h"
 #include "display/DisplayManager.h"
@@ -196,7 +196,8 @@ void measureRamps()
     };
     const double cpuOfOne = medianRamp(one, &Ramp::cpuMillisecondsAStep);
     print("ramp, one display: CPU a step", cpuOfOne, 0.06, "ms");
-    print("ramp, sixteen displays: in times of one", medianRamp(sixteen, &Ramp::cpuMillisecondsAStep) / cpuOfOne, 4, "");
+    print("ramp, sixteen displays: in times of one", medianRamp(sixteen, &Ramp::cpuMillisecondsAStep) / cpuOfOne, 4,
+          "");
     print("ramp, one display: length of its 60 steps", medianRamp(one, &Ramp::seconds), 2.1, "s");
     print("ramp, sixteen displays: length of its 60 steps", medianRamp(sixteen, &Ramp::seconds), 2.1, "s");
 }
@@ -276,7 +277,8 @@ void measureIdle(Session &session, const char *state, double wakeUps, double cpu
     const auto before = ProcessCost::of(session.process());
     std::this_thread::sleep_for(60s);
     const auto cost = ProcessCost::of(session.process()) - before;
-    print((std::string("idle, ") + state + ": wake-ups a minute").c_str(), static_cast<double>(cost.wakeUps), wakeUps, "");
+    print((std::string("idle, ") + state + ": wake-ups a minute").c_str(), static_cast<double>(cost.wakeUps), wakeUps,
+          "");
     print((std::string("idle, ") + state + ": CPU a minute").c_str(), Milliseconds(cost.cpuTime).count(),
           cpuMilliseconds, "ms");
 }
@@ -285,16 +287,18 @@ void measureApplication()
 {
     Session session;
 
-    print("start to the first table, beyond the pauses of 550 ms", medianOf(9, [&] {
-              session.store("3400");
-              const auto before = session.shown();
-              const auto start = Clock::now();
-              session.start();
-              waitFor("no table after start", [&] { return session.shown() != before; });
-              const double time = Milliseconds(Clock::now() - start).count();
-              session.stop();
-              return time - 550;
-          }),
+    print("start to the first table, beyond the pauses of 550 ms",
+          medianOf(9,
+                   [&] {
+                       session.store("3400");
+                       const auto before = session.shown();
+                       const auto start = Clock::now();
+                       session.start();
+                       waitFor("no table after start", [&] { return session.shown() != before; });
+                       const double time = Milliseconds(Clock::now() - start).count();
+                       session.stop();
+                       return time - 550;
+                   }),
           150, "ms");
 
     session.store("6500");
@@ -305,30 +309,31 @@ void measureApplication()
           static_cast<double>(memoryOf(session.process(), "Pss:")) / 1024, 22, "MB");
     measureIdle(session, "neutral", 60, 2);
 
-    print("ambertide get, whole process", medianOf(101, [&] {
-              return millisecondsFor([&] { session.tool({QStringLiteral("get")}); });
-          }),
-          10, "ms");
+    print("ambertide get, whole process",
+          medianOf(101, [&] { return millisecondsFor([&] { session.tool({QStringLiteral("get")}); }); }), 10, "ms");
 
     session.tool({QStringLiteral("set"), QStringLiteral("3000")});
     session.settle();
     int next = 0;
-    print("ambertide set to the first new table", medianOf(11, [&] {
-              const auto before = session.shown();
-              const auto start = Clock::now();
-              session.tool({QStringLiteral("set"), QString::number(next++ % 2 == 0 ? 4000 : 3000)});
-              waitFor("no table after set", [&] { return session.shown() != before; });
-              const double time = Milliseconds(Clock::now() - start).count();
-              session.settle();
-              return time;
-          }),
+    print("ambertide set to the first new table",
+          medianOf(11,
+                   [&] {
+                       const auto before = session.shown();
+                       const auto start = Clock::now();
+                       session.tool({QStringLiteral("set"), QString::number(next++ % 2 == 0 ? 4000 : 3000)});
+                       waitFor("no table after set", [&] { return session.shown() != before; });
+                       const double time = Milliseconds(Clock::now() - start).count();
+                       session.settle();
+                       return time;
+                   }),
           120, "ms");
 
     const auto guardian = childOf(session.process(), "AmbertideGuardian");
     const auto guardianBefore = ProcessCost::of(guardian);
     measureIdle(session, "tinted", 120, 4);
     print("guardian, tinted: private memory",
-          static_cast<double>(memoryOf(guardian, "Private_Clean:") + memoryOf(guardian, "Private_Dirty:")) / 1024, 1, "MB");
+          static_cast<double>(memoryOf(guardian, "Private_Clean:") + memoryOf(guardian, "Private_Dirty:")) / 1024, 1,
+          "MB");
     print("guardian, tinted: wake-ups a minute",
           static_cast<double>((ProcessCost::of(guardian) - guardianBefore).wakeUps), 0, "");
     print("memory, tinted, no window opened: proportional set size",

@@ -15,6 +15,9 @@ if(AMBERTIDE_SANITIZE)
   target_link_options(ambertide_options INTERFACE -fsanitize=${AMBERTIDE_SANITIZE})
 endif()
 
+# Told which standard the compiler follows, moc 6.4 fails to parse libstdc++'s <concepts> and <coroutine>.
+set(CMAKE_AUTOMOC_COMPILER_PREDEFINES OFF)
+
 # ambertide_folder(<name> [MOC] [SOURCES files...] [LINK targets...] [TESTS names...] [TEST_LINK targets...] [LABEL label])
 #
 # Declares the library ambertide_<name> of the folder that calls it and one Qt Test program for each of TESTS,

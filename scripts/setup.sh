@@ -2,9 +2,9 @@
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-randr0-dev libsystemd-dev)
+build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-randr0-dev libsystemd-dev libsodium-dev)
 run_packages=(dbus-daemon libqt6gui6 xvfb)
-test_packages=("${run_packages[@]}" systemd xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils)
+test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils systemd)
 check_packages=(clang-format clang-tidy-16)
 
 # install_packages <package>...: installs those that are missing.

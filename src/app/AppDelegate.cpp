@@ -59,9 +59,9 @@ bool AppDelegate::ensureSingleInstance()
         return application.processIdentifier == own;
     });
     if (others.empty()) {
-        m_instanceObservation = m_ports.distributedNotifications.observe(
-            notifications::instance, Delivery::standard,
-            [this](const Notification &) { m_ports.bringSettingsForward(); });
+        m_instanceObservation =
+            m_ports.distributedNotifications.observe(notifications::instance, Delivery::standard,
+                                                     [this](const Notification &) { m_ports.bringSettingsForward(); });
         return true;
     }
     const auto &other = others.front();
@@ -83,19 +83,17 @@ void AppDelegate::handleCLITemperatureChange(const Notification &notification)
     }
     console::print("Setting temperature to " + std::to_string(*temperature) + "K");
     // Not range-checked: the model does that for what it applies, and again when it reads the store.
-    Task::startOnMain(m_ports.executor, [&userDefaults = m_ports.userDefaults, &center = m_ports.notifications,
-                                         kelvin = *temperature](TaskContext) -> Async {
-        userDefaults.setInteger(defaults::temperature, kelvin);
-        center.post({.name = notifications::updateTemperature,
-                     .userInfo = UserInfo{{notifications::temperatureKey, kelvin}}});
-        co_return;
-    });
+    Task::startOnMain(m_ports.executor,
+                      [&userDefaults = m_ports.userDefaults, &center = m_ports.notifications,
+                       kelvin = *temperature](TaskContext) -> Async {
+                          userDefaults.setInteger(defaults::temperature, kelvin);
+                          center.post({.name = notifications::updateTemperature,
+                                       .userInfo = UserInfo{{notifications::temperatureKey, kelvin}}});
+                          co_return;
+                      });
 }
 
-void AppDelegate::handleWakeNotification()
-{
-    postCheckScheduleNow();
-}
+void AppDelegate::handleWakeNotification() { postCheckScheduleNow(); }
 
 void AppDelegate::postCheckScheduleNow()
 {

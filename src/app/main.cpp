@@ -18,22 +18,22 @@
 #include <QApplication>
 #include <QLoggingCategory>
 
+#include <pthread.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <thread>
 
-#include <pthread.h>
-#include <unistd.h>
-
 namespace {
 
 using namespace ambertide;
 using namespace std::chrono_literals;
 
-/// Confines SIGTERM and SIGINT to a thread that does nothing but wait for them: their handler then never interrupts code
-/// that holds a lock or the allocator. Before any other thread is started.
+/// Confines SIGTERM and SIGINT to a thread that does nothing but wait for them: their handler then never interrupts
+/// code that holds a lock or the allocator. Before any other thread is started.
 void confineEndingSignals()
 {
     sigset_t ending;
@@ -53,9 +53,10 @@ void chooseToolkitPlatform()
 {
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return;
-    qputenv("QT_QPA_PLATFORM", qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb;offscreen" : "wayland;xcb;offscreen");
+    qputenv("QT_QPA_PLATFORM",
+            qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb;offscreen" : "wayland;xcb;offscreen");
     // The display adapter has said in one line what these would say in several.
-    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin.warning=false\nqt.qpa.xcb.warning=false"));
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
 }
 
 } // namespace
@@ -94,8 +95,7 @@ int main(int argc, char *argv[])
         // The displays are the other copy's: this one must go without giving them back.
         std::_Exit(EXIT_SUCCESS);
     }
-    QApplication::setQuitOnLastWindowClosed(
-        ambertide->delegate().applicationShouldTerminateAfterLastWindowClosed());
+    QApplication::setQuitOnLastWindowClosed(ambertide->delegate().applicationShouldTerminateAfterLastWindowClosed());
     DBusApplicationObject busObject(sessionBus, [](const std::string &) {});
     busObject.setAction("quit", [](const std::string &) { QCoreApplication::quit(); });
     const auto perform = [&](ColorTemperature preset) {

@@ -39,7 +39,8 @@ public:
     double temperature() const { return m_temperature; }
 
     /// Starts a ramp from what is shown now to `temperature`, held to 2000 to 6500, in place of the running one. Blocks
-    /// the caller for 50 ms. While a ramp runs, a request less than 100 K away from the committed temperature is dropped.
+    /// the caller for 50 ms. While a ramp runs, a request less than 100 K away from the committed temperature is
+    /// dropped.
     void setTemperature(double temperature);
 
     /// Writes the committed temperature to all displays before it returns; does nothing at neutral.

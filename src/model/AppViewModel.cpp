@@ -56,9 +56,9 @@ AppViewModel::AppViewModel(const Ports &ports)
     m_updateObservation = m_ports.distributedNotifications.observe(
         notifications::updateTemperature, Delivery::standard,
         [this](const Notification &notification) { handleTemperatureUpdate(notification); });
-    m_requestObservation = m_ports.distributedNotifications.observe(
-        notifications::getTemperature, Delivery::standard,
-        [this](const Notification &) { handleTemperatureRequest(); });
+    m_requestObservation =
+        m_ports.distributedNotifications.observe(notifications::getTemperature, Delivery::standard,
+                                                 [this](const Notification &) { handleTemperatureRequest(); });
 }
 
 AppViewModel::~AppViewModel()
@@ -169,17 +169,18 @@ void AppViewModel::setupScheduleTimer()
 
 void AppViewModel::checkSchedule()
 {
-    Task::start(m_ports.executor, [weak = std::weak_ptr(m_self), &userDefaults = m_ports.userDefaults,
-                                   &calendar = m_ports.calendar](TaskContext context) -> Async {
-        if (weak.expired())
-            co_return;
-        const auto target = scheduledTemperature(userDefaults, calendar);
-        if (!target)
-            co_return;
-        co_await context.onMain();
-        if (const auto self = weak.lock())
-            self->applyScheduledTemperature(*target);
-    });
+    Task::start(m_ports.executor,
+                [weak = std::weak_ptr(m_self), &userDefaults = m_ports.userDefaults,
+                 &calendar = m_ports.calendar](TaskContext context) -> Async {
+                    if (weak.expired())
+                        co_return;
+                    const auto target = scheduledTemperature(userDefaults, calendar);
+                    if (!target)
+                        co_return;
+                    co_await context.onMain();
+                    if (const auto self = weak.lock())
+                        self->applyScheduledTemperature(*target);
+                });
 }
 
 void AppViewModel::applyScheduledTemperature(double target)

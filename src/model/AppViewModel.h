@@ -16,8 +16,8 @@ namespace ambertide {
 /// The state of the running application: the temperature, whether the schedule is in force, and what follows from a
 /// change of either. Everything that changes the temperature ends here.
 ///
-/// Main thread, one instance. Temperatures are in kelvin, whole multiples of 100; the range from 1000 to 6500 is checked
-/// where a value comes from outside, not on assignment.
+/// Main thread, one instance. Temperatures are in kelvin, whole multiples of 100; the range from 1000 to 6500 is
+/// checked where a value comes from outside, not on assignment.
 class AppViewModel final : public QObject
 {
     Q_OBJECT

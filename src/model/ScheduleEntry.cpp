@@ -91,8 +91,7 @@ DecodedSchedule decodeSchedule(std::string_view bytes)
     const auto array = document.array();
     for (const auto &element : array) {
         if (const auto member = decodeEntry(element.toObject(), entries.emplace_back()); !member.isEmpty()) {
-            return {{},
-                    QStringLiteral("entry %1 has no valid \"%2\"").arg(QString::number(entries.size()), member)};
+            return {{}, QStringLiteral("entry %1 has no valid \"%2\"").arg(QString::number(entries.size()), member)};
         }
     }
     return {std::move(entries), {}};

@@ -47,8 +47,8 @@ DecodedSchedule decodeSchedule(std::string_view bytes);
 /// Orders by local time of day; entries of the same time keep their order.
 void sortByTimeOfDay(std::vector<ScheduleEntry> &entries, const Calendar &calendar);
 
-/// The enabled entry whose time was reached last, the day's order being that of sortByTimeOfDay; before the first of the
-/// day it is the last of the day before. Nothing when no entry is enabled.
+/// The enabled entry whose time was reached last, the day's order being that of sortByTimeOfDay; before the first of
+/// the day it is the last of the day before. Nothing when no entry is enabled.
 std::optional<ScheduleEntry> entryInForce(std::vector<ScheduleEntry> entries, const DateComponents &now,
                                           const Calendar &calendar);
 

@@ -23,7 +23,8 @@ struct GammaTables
 
 /// Port: what the colour engine asks of the display server. Safe from any thread.
 ///
-/// Nothing here fails: displays that vanish, refuse or cannot be reached are left out, since the engine writes again soon.
+/// Nothing here fails: displays that vanish, refuse or cannot be reached are left out, since the engine writes again
+/// soon.
 class DisplayServices
 {
 public:

@@ -8,8 +8,8 @@
 
 namespace ambertide {
 
-/// Notifications by name inside this process. Main thread; a post calls every observer of the name before it returns, in
-/// the order of their registration. Observers may register, unregister and post from within a call.
+/// Notifications by name inside this process. Main thread; a post calls every observer of the name before it returns,
+/// in the order of their registration. Observers may register, unregister and post from within a call.
 class NotificationCenter
 {
 public:

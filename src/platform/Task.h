@@ -60,8 +60,8 @@ private:
     std::shared_ptr<TaskState> m_task;
 };
 
-/// Handle of an asynchronous task. Copyable; letting go of it neither cancels nor joins. Safe from any thread as long as
-/// one handle object is not written and read at once (TaskSlot is for that).
+/// Handle of an asynchronous task. Copyable; letting go of it neither cancels nor joins. Safe from any thread as long
+/// as one handle object is not written and read at once (TaskSlot is for that).
 class Task
 {
 public:

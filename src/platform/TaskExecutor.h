@@ -17,7 +17,7 @@ struct TaskState
     TaskExecutor &executor;
     std::atomic<bool> isCancelled = false;
     std::atomic<bool> hasEnded = false; ///< the executor may be gone from then on
-    std::coroutine_handle<> frame; ///< outermost coroutine of the body; written once, before the task is queued
+    std::coroutine_handle<> frame;      ///< outermost coroutine of the body; written once, before the task is queued
 };
 
 /// A suspended task, waiting in some queue to go on.

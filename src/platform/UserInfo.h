@@ -22,8 +22,8 @@ using UserInfoValue = std::variant<bool, std::int64_t, double, std::string, Opaq
 /// What a notification carries beside its name.
 using UserInfo = std::map<std::string, UserInfoValue, std::less<>>;
 
-/// The value under `key` as an integer: a whole number of either number kind that fits; nothing otherwise. A truth value
-/// is no number.
+/// The value under `key` as an integer: a whole number of either number kind that fits; nothing otherwise. A truth
+/// value is no number.
 std::optional<std::int64_t> integerValue(const UserInfo &userInfo, std::string_view key);
 
 /// The value under `key` as a double: any number, finite or not; nothing otherwise.

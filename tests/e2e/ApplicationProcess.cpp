@@ -30,28 +30,16 @@ PrivateSession::PrivateSession(PrivateXServer::Kind kind) : server(kind), m_clie
     qunsetenv("QT_QPA_PLATFORM");
 }
 
-std::vector<int> PrivateSession::whitePoint()
-{
-    std::vector<int> common;
-    for (const auto crtc : m_client.activeCrtcs()) {
-        const auto ramp = m_client.ramp(crtc);
-        const std::vector<int> shown = {ramp[0].back(), ramp[1].back(), ramp[2].back()};
-        if (!common.empty() && shown != common)
-            return {};
-        common = shown;
-    }
-    return common;
-}
-
-bool PrivateSession::isRestored() { return m_client.showsIdentityEverywhere(); }
-
 bool PrivateSession::shows(double temperature)
 {
     const auto tables = DisplayManager::createGammaTables(temperature);
-    const auto shown = whitePoint();
-    const auto isLevel = [](int level, float expected) { return std::abs(level - 65535 * double(expected)) <= 1; };
-    return shown.size() == 3 && isLevel(shown[0], tables.red[255]) && isLevel(shown[1], tables.green[255]) &&
-           isLevel(shown[2], tables.blue[255]);
+    const auto active = m_client.activeCrtcs();
+    return std::ranges::all_of(active, [&](auto crtc) {
+        const auto ramp = m_client.ramp(crtc);
+        const auto isLevel = [](int level, float expected) { return std::abs(level - 65535 * double(expected)) <= 1; };
+        return isLevel(ramp[0].back(), tables.red[255]) && isLevel(ramp[1].back(), tables.green[255]) &&
+               isLevel(ramp[2].back(), tables.blue[255]);
+    });
 }
 
 void PrivateSession::writeSettings(const QByteArray &content)
@@ -62,10 +50,11 @@ void PrivateSession::writeSettings(const QByteArray &content)
         throw std::runtime_error("cannot write the settings");
 }
 
-ApplicationProcess::ApplicationProcess(const QProcessEnvironment &environment)
+ApplicationProcess::ApplicationProcess(Output output)
 {
-    m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::MergedChannels);
+    if (output == Output::discarded)
+        m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.start(programs + QStringLiteral("Ambertide"), {});
     m_process.waitForStarted();
 }
@@ -79,19 +68,16 @@ ApplicationProcess::~ApplicationProcess()
 bool ApplicationProcess::waitForLine(const QByteArray &beginning)
 {
     const QDeadlineTimer deadline(patience);
-    while (!(('\n' + printed()).contains('\n' + beginning))) {
-        if (deadline.hasExpired() || !isRunning())
+    while (!('\n' + m_printed).contains('\n' + beginning)) {
+        if (deadline.hasExpired() || (!isRunning() && m_process.atEnd()))
             return false;
         m_process.waitForReadyRead(100);
+        m_printed += m_process.readAll();
     }
     return true;
 }
 
-QByteArray ApplicationProcess::printed()
-{
-    m_printed += m_process.readAll();
-    return m_printed;
-}
+void ApplicationProcess::sendSignal(int signal) const { ::kill(processIdentifier(), signal); }
 
 int ApplicationProcess::waitForEnd()
 {
@@ -99,8 +85,6 @@ int ApplicationProcess::waitForEnd()
         return -1000;
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -m_process.exitCode();
 }
-
-int ApplicationProcess::kill(pid_t process, int signal) { return ::kill(process, signal); }
 
 bool activateAction(const char *action)
 {
@@ -116,12 +100,12 @@ bool activateAction(const char *action)
     return callUntil(bus.get(), call, deadline) != nullptr;
 }
 
-ToolResult runTool(const QStringList &arguments)
+QByteArray runTool(const QStringList &arguments)
 {
     QProcess process;
     process.start(programs + QStringLiteral("AmbertideCLI"), arguments);
     process.waitForFinished(patience);
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return process.exitCode() == 0 ? process.readAllStandardOutput() : QByteArray("failed");
 }
 
 } // namespace ambertide

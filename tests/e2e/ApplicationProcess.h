@@ -5,12 +5,8 @@
 #include "support/RandrClient.h"
 
 #include <QProcess>
-#include <QString>
-#include <QStringList>
 #include <QTemporaryDir>
 
-#include <memory>
-#include <string>
 #include <vector>
 
 namespace ambertide {
@@ -23,18 +19,17 @@ public:
     explicit PrivateSession(PrivateXServer::Kind kind = PrivateXServer::Kind::framebuffer);
 
     PrivateXServer server;
-    PrivateBus bus;
-    PrivateBus systemBus{"DBUS_SYSTEM_BUS_ADDRESS"};
 
-    /// The white point that every display shows, red, green, blue; empty when they differ.
-    std::vector<int> whitePoint();
-    bool isRestored();
+    /// Whether every active display has the white point of this temperature.
     bool shows(double temperature);
+    bool isRestored() { return m_client.showsIdentityEverywhere(); }
 
     QString settingsPath() const { return m_home.filePath(QStringLiteral("ambertide/defaults.ini")); }
     void writeSettings(const QByteArray &content);
 
 private:
+    PrivateBus m_bus;
+    PrivateBus m_systemBus{"DBUS_SYSTEM_BUS_ADDRESS"};
     QTemporaryDir m_home;
     RandrClient m_client;
 };
@@ -43,22 +38,24 @@ private:
 class ApplicationProcess
 {
 public:
-    explicit ApplicationProcess(const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
+    /// Kept output must be read, else the application waits for that before it prints more.
+    enum class Output { kept, discarded };
+
+    explicit ApplicationProcess(Output output = Output::kept);
     ~ApplicationProcess();
 
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     pid_t processIdentifier() const { return static_cast<pid_t>(m_process.processId()); }
     /// Waits for a line that begins like this. False when the process ends without it.
     bool waitForLine(const QByteArray &beginning);
-    /// Everything printed until now.
-    QByteArray printed();
-    void sendSignal(int signal) { kill(processIdentifier(), signal); }
+    /// Waits until it takes requests.
+    bool waitUntilRegistered() { return waitForLine("Registering for CLI temperature notifications..."); }
+    QByteArray printed() const { return m_printed; }
+    void sendSignal(int signal) const;
     /// The exit status, or minus the signal that ended it; -1000 when it does not end.
     int waitForEnd();
 
 private:
-    static int kill(pid_t process, int signal);
-
     QProcess m_process;
     QByteArray m_printed;
 };
@@ -66,14 +63,7 @@ private:
 /// Calls org.freedesktop.Application.ActivateAction of the running application. False when it refuses or is not there.
 bool activateAction(const char *action);
 
-struct ToolResult
-{
-    int status;
-    QByteArray output;
-    QByteArray error;
-};
-
-/// Runs the command-line tool of the bundle.
-ToolResult runTool(const QStringList &arguments);
+/// Runs the command-line tool of the bundle. What it printed, or "failed" when its status is not 0.
+QByteArray runTool(const QStringList &arguments);
 
 } // namespace ambertide

@@ -1,5 +1,6 @@
-#include "platform/Console.h"
 #include "platform/qt/SettingsUserDefaults.h"
+
+#include "platform/Console.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -8,11 +9,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <sys/stat.h>
 
 using namespace ambertide;
 
@@ -87,11 +88,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<double>("kept");
-        QTest::newRow("cut off inside a key") << QByteArray("[General]\nAmbertide.Temperature=2700\nAmbertide.Sched")
-                                              << 2700.0;
+        QTest::newRow("cut off inside a key")
+            << QByteArray("[General]\nAmbertide.Temperature=2700\nAmbertide.Sched") << 2700.0;
         QTest::newRow("binary") << QByteArray("\x7f\x45LF\0\0=\n\xff\xfe", 10) << 0.0;
         QTest::newRow("not UTF-8") << QByteArray("[General]\nAmbertide.Temperature=27\xff\n") << 0.0;
-        QTest::newRow("huge") << QByteArray("[General]\nAmbertide.Temperature=2700\na=") + QByteArray(2'000'000, 'x') << 0.0;
+        QTest::newRow("huge") << QByteArray("[General]\nAmbertide.Temperature=2700\na=") + QByteArray(2'000'000, 'x')
+                              << 0.0;
     }
     void aBrokenFileIsSetAsideAndReported()
     {

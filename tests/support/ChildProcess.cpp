@@ -9,7 +9,8 @@ namespace ambertide {
 pid_t childOf(pid_t process, const char *name)
 {
     std::error_code error;
-    for (const auto &thread : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", error)) {
+    for (const auto &thread :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", error)) {
         std::ifstream children(thread.path() / "children");
         for (pid_t child = 0; children >> child;) {
             std::string comm;

@@ -29,7 +29,8 @@ void FakeTaskExecutor::wakeCancelled(const TaskState &task)
 void FakeTaskExecutor::runReady()
 {
     for (;;) {
-        const auto due = std::ranges::stable_partition(m_sleepers, [this](const auto &each) { return each.due > m_now; });
+        const auto due =
+            std::ranges::stable_partition(m_sleepers, [this](const auto &each) { return each.due > m_now; });
         std::ranges::stable_sort(due, {}, &Sleeper::due);
         for (auto &sleeper : due)
             m_ready.push_back(std::move(sleeper.continuation));

@@ -38,7 +38,10 @@ public:
     void setDouble(std::string_view key, double value) override { values[std::string(key)] = value; }
     void setInteger(std::string_view key, long long value) override { values[std::string(key)] = value; }
     void setBool(std::string_view key, bool value) override { values[std::string(key)] = value; }
-    void setData(std::string_view key, std::string_view bytes) override { values[std::string(key)] = std::string(bytes); }
+    void setData(std::string_view key, std::string_view bytes) override
+    {
+        values[std::string(key)] = std::string(bytes);
+    }
 };
 
 } // namespace ambertide

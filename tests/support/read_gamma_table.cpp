@@ -1,5 +1,5 @@
-// read-gamma-table: prints the white point (red green blue, of 65535) that every active display of $DISPLAY shows, a line
-// each. A client of its own, for looking at what Ambertide has done.
+// read-gamma-table: prints the white point (red green blue, of 65535) that every active display of $DISPLAY shows, a
+// line each. A client of its own, for looking at what Ambertide has done.
 
 #include "support/RandrClient.h"
 

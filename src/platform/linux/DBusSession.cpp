@@ -14,7 +14,8 @@ namespace ambertide {
 namespace {
 
 /// Messages handled before the event loop gets its turn, so that a flood of them holds nothing else up.
-constexpr int messagesPerTurn = 64;
+/// How long a flood of messages may keep the rest of the main thread waiting at a stretch.
+constexpr std::chrono::milliseconds longestTurn{10};
 
 const char *absenceOf(SdBusKind kind)
 {
@@ -90,7 +91,8 @@ sd_bus *DBusSession::readyBus(SdBusDeadline deadline)
 
 void DBusSession::processMessages()
 {
-    for (int handled = 0; m_bus && handled < messagesPerTurn; ++handled) {
+    const auto end = std::chrono::steady_clock::now() + longestTurn;
+    while (m_bus && std::chrono::steady_clock::now() < end) {
         const int result = sd_bus_process(m_bus.get(), nullptr);
         if (result < 0)
             noteLoss();

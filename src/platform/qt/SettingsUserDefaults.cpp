@@ -16,12 +16,9 @@ namespace ambertide {
 
 namespace {
 
-constexpr qint64 largestFile = 1024 * 1024;
+constexpr qint64 largestFile = 1'048'576; // bytes
 
-QString settingsKey(std::string_view key)
-{
-    return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
-}
+QString settingsKey(std::string_view key) { return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())); }
 
 std::map<QString, QVariant> readAll(const QString &path)
 {
@@ -154,7 +151,8 @@ void SettingsUserDefaults::setAside()
         report("is broken and cannot be moved aside; nothing is saved");
         return;
     }
-    console::print("The settings file " + m_path.toStdString() + " is broken; it was kept as " + keptName.toStdString());
+    console::print("The settings file " + m_path.toStdString() + " is broken; it was kept as " +
+                   keptName.toStdString());
     m_stored.clear();
     if (m_health == Health::damaged) {
         // What can still be read was set by the user: it goes into the new file.

@@ -16,8 +16,8 @@ namespace ambertide {
 /// The user defaults in an INI file that QSettings reads and atomically writes, at the next turn of the main thread's
 /// event loop after a change.
 ///
-/// A file that this class cannot have written (binary, not UTF-8, over 1 MiB, broken syntax, no regular file) is moved to
-/// a free name beside it and reported, never overwritten; what could be read of it is kept. A file that cannot be
+/// A file that this class cannot have written (binary, not UTF-8, over 1 MiB, broken syntax, no regular file) is moved
+/// to a free name beside it and reported, never overwritten; what could be read of it is kept. A file that cannot be
 /// written is reported once and tried again at every read. Create and destroy on the main thread.
 class SettingsUserDefaults final : public UserDefaults
 {

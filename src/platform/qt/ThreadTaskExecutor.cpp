@@ -5,10 +5,7 @@
 
 namespace ambertide {
 
-ThreadTaskExecutor::ThreadTaskExecutor(MainActor &mainActor)
-    : m_mainActor(mainActor), m_thread([this] { run(); })
-{
-}
+ThreadTaskExecutor::ThreadTaskExecutor(MainActor &mainActor) : m_mainActor(mainActor), m_thread([this] { run(); }) {}
 
 ThreadTaskExecutor::~ThreadTaskExecutor()
 {

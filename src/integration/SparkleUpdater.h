@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/Observation.h"
+#include "platform/UpdaterController.h"
+#include "platform/UserDefaults.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+
+namespace ambertide {
+
+/// Checks for updates as the user chose: a switch for automatic checks, once a day, and a check on demand. Main thread.
+/// Several may exist; each reads the choice when it is created.
+class SparkleUpdater
+{
+public:
+    /// `defaults` must outlive it.
+    SparkleUpdater(const UpdaterControllerFactory &createController, UserDefaults &defaults);
+
+    /// True as soon as the object exists, whatever the controller can do: a manual check explains what is wrong.
+    bool canCheckForUpdates() const { return m_canCheckForUpdates; }
+    bool automaticallyChecksForUpdates() const { return m_automaticallyChecksForUpdates; }
+    void setAutomaticallyChecksForUpdates(bool isOn);
+
+    void checkForUpdates() { m_updaterController->checkForUpdates(); }
+
+    /// `willChange` is called before a property changes.
+    Observation observe(std::function<void()> willChange);
+
+private:
+    void announceChange();
+
+    const std::unique_ptr<UpdaterController> m_updaterController;
+    UserDefaults &m_defaults;
+    bool m_canCheckForUpdates = false;
+    bool m_automaticallyChecksForUpdates = false;
+    std::uint64_t m_nextObserver = 0;
+    std::map<std::uint64_t, std::function<void()>> m_observers;
+};
+
+} // namespace ambertide

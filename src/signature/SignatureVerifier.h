@@ -1,0 +1,27 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace ambertide {
+
+/// Tells whether bytes are signed with the one key that updates are signed with: Ed25519 (RFC 8032) over all of them.
+/// Any thread.
+class SignatureVerifier
+{
+public:
+    /// Nothing unless the text is the base64 of exactly 32 bytes.
+    static std::optional<SignatureVerifier> withPublicKey(std::string_view base64);
+
+    /// `signature` is base64 of exactly 64 bytes; any other text is a wrong signature.
+    bool accepts(std::span<const unsigned char> bytes, std::string_view signature) const;
+
+private:
+    SignatureVerifier() = default;
+
+    std::array<unsigned char, 32> m_publicKey{};
+};
+
+} // namespace ambertide

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/MainBundle.h"
+#include "signature/SignatureVerifier.h"
+#include "update/HttpsDownloader.h"
+#include "update/UpdateChoice.h"
+
+#include <QUrl>
+
+#include <optional>
+
+namespace ambertide {
+
+/// Where updates are announced, whom to believe, and what runs now.
+struct UpdateConfiguration
+{
+    static constexpr qint64 mostPackageBytes = 128 * 1024 * 1024;
+
+    QUrl feed;
+    std::optional<SignatureVerifier> verifier; ///< nothing when the key is absent or a placeholder
+    RunningVersion running;
+    TransportSecurity security = TransportSecurity::HttpsOnly;
+
+    /// From "SUFeedURL", "SUPublicEDKey" and the version values of the bundle's information. The kernel's version
+    /// counts as the system's.
+    static UpdateConfiguration fromBundle(const MainBundle &bundle);
+
+    /// What a check cannot do without, in one line; nothing when all is there.
+    std::optional<QString> problem() const;
+};
+
+} // namespace ambertide

@@ -1,0 +1,201 @@
+#include "update/UpdateSession.h"
+
+#include "update/ReleaseNotes.h"
+
+#include <QDir>
+#include <QPointer>
+
+#include <span>
+#include <utility>
+
+namespace ambertide {
+
+namespace {
+
+constexpr qsizetype longestVersion = 40;
+
+/// A foreign text that fits into a sentence.
+QString shortText(const QString &text) { return displayableText(text.simplified()).left(longestVersion); }
+
+QString notesFrom(const QString &text, bool isPlainText)
+{
+    return displayableText(isPlainText ? text : plainTextOfHtml(text));
+}
+
+bool isPlainTextFile(const QUrl &location)
+{
+    return location.path().endsWith(QLatin1String(".txt")) || location.path().endsWith(QLatin1String(".md"));
+}
+
+} // namespace
+
+UpdateSession::UpdateSession(const UpdateConfiguration &configuration, UpdateRecord &record, UpdateInstaller &installer,
+                             Origin origin)
+    : m_configuration(configuration), m_record(record), m_installer(installer), m_origin(origin),
+      m_feedDownloader(configuration.security), m_notesDownloader(configuration.security),
+      m_packageDownloader(configuration.security)
+{
+    connect(&m_feedDownloader, &HttpsDownloader::finished, this, &UpdateSession::readFeed);
+    connect(&m_feedDownloader, &HttpsDownloader::failed, this, &UpdateSession::fail);
+    connect(&m_notesDownloader, &HttpsDownloader::finished, this, [this] {
+        m_releaseNotes = notesFrom(QString::fromUtf8(m_notes.data()), isPlainTextFile(m_item.releaseNotesLink));
+        Q_EMIT releaseNotesChanged();
+    });
+    connect(&m_packageDownloader, &HttpsDownloader::finished, this, &UpdateSession::verify);
+    connect(&m_packageDownloader, &HttpsDownloader::failed, this, &UpdateSession::fail);
+    connect(&m_packageDownloader, &HttpsDownloader::progressed, this, [this](qint64 received, qint64 expected) {
+        m_received = received;
+        m_expected = expected;
+        Q_EMIT progressed();
+    });
+}
+
+void UpdateSession::start()
+{
+    if (m_state != State::Checking && m_state != State::Failed)
+        return;
+    if (m_state == State::Failed)
+        m_origin = Origin::Manual; // a person tries again
+    if (m_origin == Origin::Manual)
+        m_record.setSkippedVersion({});
+    m_feed.close();
+    m_feed.setData({});
+    m_feed.open(QIODevice::WriteOnly);
+    setState(State::Checking);
+    if (const auto problem = m_configuration.problem())
+        return fail({UpdateFailure::Kind::NotConfigured, *problem});
+    m_feedDownloader.start(m_configuration.feed, m_feed, {.mostBytes = Appcast::mostBytes});
+}
+
+void UpdateSession::makeManual()
+{
+    m_record.setSkippedVersion({});
+    if (std::exchange(m_origin, Origin::Manual) != Origin::Manual)
+        Q_EMIT stateChanged(); // it has become worth showing
+}
+
+bool UpdateSession::isWorthShowing() const
+{
+    return m_state != State::Ended && (m_origin == Origin::Manual || m_state >= State::Found);
+}
+
+void UpdateSession::setState(State state)
+{
+    m_state = state;
+    Q_EMIT stateChanged();
+}
+
+void UpdateSession::readFeed()
+{
+    QString problem;
+    const auto appcast = Appcast::read(m_feed.data(), problem);
+    if (!appcast)
+        return fail({UpdateFailure::Kind::FeedUnreadable, displayableText(problem.simplified())});
+    const auto item = chooseUpdate(*appcast, m_configuration.running);
+    const bool isAutomatic = m_origin == Origin::Automatic;
+    if (!item)
+        return isAutomatic ? end() : setState(State::UpToDate);
+    if (isAutomatic && isSkipped(*item, m_record.skippedVersion(), m_configuration.running))
+        return end();
+    m_item = *item;
+    m_item.displayVersion = shortText(m_item.displayVersion);
+    m_releaseNotes = notesFrom(m_item.description, m_item.isDescriptionPlainText);
+    setState(State::Found);
+    loadReleaseNotes();
+}
+
+void UpdateSession::loadReleaseNotes()
+{
+    if (m_state != State::Found || m_item.releaseNotesLink.isEmpty())
+        return;
+    m_notes.close();
+    m_notes.setData({});
+    m_notes.open(QIODevice::WriteOnly);
+    m_notesDownloader.start(m_item.releaseNotesLink, m_notes, {.mostBytes = longestReleaseNotes});
+}
+
+void UpdateSession::download()
+{
+    if (m_state != State::Found || m_item.packageLink.isEmpty())
+        return;
+    m_received = 0;
+    m_expected = m_item.packageLength.value_or(0);
+    m_package = std::make_unique<QTemporaryFile>(QDir::tempPath() + QStringLiteral("/ambertide-update-XXXXXX.deb"));
+    setState(State::Downloading);
+    if (!m_package->open())
+        return fail({UpdateFailure::Kind::CannotStore, m_package->errorString()});
+    m_packageDownloader.start(m_item.packageLink, *m_package,
+                              {.mostBytes = UpdateConfiguration::mostPackageBytes,
+                               .exactBytes = m_item.packageLength,
+                               .total = std::chrono::hours(1)});
+}
+
+void UpdateSession::verify()
+{
+    if (!m_package->flush())
+        return fail({UpdateFailure::Kind::CannotStore, m_package->errorString()});
+    const qint64 size = m_package->size();
+    const auto *bytes = m_package->map(0, size);
+    if (bytes == nullptr ||
+        !m_configuration.verifier->accepts({bytes, static_cast<std::size_t>(size)}, m_item.signature.toStdString()))
+        return fail({UpdateFailure::Kind::BadSignature, {}});
+    m_package->close();
+    setState(State::ReadyToInstall);
+}
+
+void UpdateSession::install()
+{
+    if (m_state != State::ReadyToInstall)
+        return;
+    setState(State::Installing);
+    m_installer.install(m_package->fileName().toStdString(), m_item.signature.toStdString(),
+                        [session = QPointer(this)](const UpdateInstaller::Result &result) {
+                            if (session)
+                                session->finishInstallation(result);
+                        });
+}
+
+void UpdateSession::finishInstallation(const UpdateInstaller::Result &result)
+{
+    const QString message = displayableText(QString::fromStdString(result.message).simplified());
+    switch (result.outcome) {
+    case UpdateInstaller::Outcome::Installed:
+        return setState(State::Installed);
+    case UpdateInstaller::Outcome::Dismissed:
+        return setState(State::ReadyToInstall);
+    case UpdateInstaller::Outcome::NotAuthorised:
+        return fail({UpdateFailure::Kind::NotAuthorised, message});
+    case UpdateInstaller::Outcome::Failed:
+        return fail({UpdateFailure::Kind::CannotInstall, message});
+    }
+}
+
+void UpdateSession::skip()
+{
+    if (m_state != State::Found || isCritical())
+        return;
+    m_record.setSkippedVersion(m_item.version);
+    end();
+}
+
+void UpdateSession::end()
+{
+    if (m_state == State::Installing || m_state == State::Ended)
+        return;
+    m_feedDownloader.cancel();
+    m_notesDownloader.cancel();
+    m_packageDownloader.cancel();
+    m_package.reset();
+    setState(State::Ended);
+}
+
+void UpdateSession::fail(const UpdateFailure &failure)
+{
+    if (m_origin == Origin::Automatic && m_state == State::Checking)
+        return end();
+    m_package.reset();
+    m_failure = failure;
+    setState(State::Failed);
+}
+
+} // namespace ambertide

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "platform/UpdateInstaller.h"
+#include "update/Appcast.h"
+#include "update/HttpsDownloader.h"
+#include "update/UpdateConfiguration.h"
+#include "update/UpdateRecord.h"
+
+#include <QBuffer>
+#include <QObject>
+#include <QTemporaryFile>
+
+#include <memory>
+
+namespace ambertide {
+
+/// One check for an update and what follows from it, from the question to the installed package. Windows show its state
+/// and pass on what the person decides; a decision that does not fit the state is ignored. Main thread.
+class UpdateSession final : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class Origin {
+        Manual,   ///< a person asked: every state is worth showing
+        Automatic ///< only an update that was found is worth showing; failures and skipped versions end it silently
+    };
+    enum class State {
+        Checking,
+        UpToDate,
+        Found,
+        Downloading,
+        ReadyToInstall, ///< downloaded and verified
+        Installing,
+        Installed, ///< the running program is still the old one
+        Failed,
+        Ended
+    };
+
+    /// All that is passed by reference must outlive the session.
+    UpdateSession(const UpdateConfiguration &configuration, UpdateRecord &record, UpdateInstaller &installer,
+                  Origin origin);
+
+    /// Also begins anew after a failure.
+    void start();
+    /// A person asked while an automatic check is under way.
+    void makeManual();
+
+    State state() const { return m_state; }
+    bool isWorthShowing() const;
+    const RunningVersion &running() const { return m_configuration.running; }
+    const AppcastItem &item() const { return m_item; } ///< from Found on
+    bool isCritical() const { return isCriticalFor(m_item, running()); }
+    bool isInformational() const { return isInformationalFor(m_item, running()); }
+    QString releaseNotes() const { return m_releaseNotes; }    ///< plain text, fit to be shown
+    const UpdateFailure &failure() const { return m_failure; } ///< in Failed
+    qint64 receivedBytes() const { return m_received; }        ///< in Downloading
+    qint64 expectedBytes() const { return m_expected; }        ///< in Downloading; 0 when unknown
+
+    void download();
+    void install();
+    /// Ends the session and keeps automatic checks silent about this version.
+    void skip();
+    /// Ends the session: cancelled, put off, or read. Not while an installation is under way.
+    void end();
+
+Q_SIGNALS:
+    void stateChanged();
+    void progressed();
+    void releaseNotesChanged();
+
+private:
+    void setState(State state);
+    void readFeed();
+    void loadReleaseNotes();
+    void verify();
+    void finishInstallation(const UpdateInstaller::Result &result);
+    void fail(const UpdateFailure &failure);
+
+    const UpdateConfiguration &m_configuration;
+    UpdateRecord &m_record;
+    UpdateInstaller &m_installer;
+    Origin m_origin;
+    State m_state = State::Checking;
+
+    QBuffer m_feed;
+    AppcastItem m_item;
+    QBuffer m_notes;
+    QString m_releaseNotes;
+    UpdateFailure m_failure{};
+    std::unique_ptr<QTemporaryFile> m_package;
+    qint64 m_received = 0;
+    qint64 m_expected = 0;
+    // Last, so that they fall silent before what they write to is gone.
+    HttpsDownloader m_feedDownloader;
+    HttpsDownloader m_notesDownloader;
+    HttpsDownloader m_packageDownloader;
+};
+
+} // namespace ambertide

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "update/UpdateService.h"
+
+#include <QDialog>
+
+#include <functional>
+
+class QProgressBar;
+
+namespace ambertide {
+
+class UpdatePage;
+
+/// The window of one session, from the check to the installed update. Closing it cancels or puts off what can be.
+class UpdateWindow final : public QDialog, public UpdateView
+{
+    Q_OBJECT
+
+public:
+    /// Shows itself. `session` must outlive it. `relaunch` starts the new version in the place of this one; without it
+    /// a person is told to do so.
+    explicit UpdateWindow(UpdateSession &session, std::function<void()> relaunch = {});
+
+    void bringForward() override;
+    void reject() override;
+
+private:
+    void showState();
+    UpdatePage *pageForState();
+    UpdatePage *checkingPage();
+    UpdatePage *upToDatePage();
+    UpdatePage *foundPage();
+    UpdatePage *downloadingPage();
+    UpdatePage *readyPage();
+    UpdatePage *installingPage();
+    UpdatePage *installedPage();
+    UpdatePage *failedPage();
+    QProgressBar *busyBar();
+    void showProgress(QProgressBar &bar) const;
+    void learnMore();
+
+    UpdateSession &m_session;
+    std::function<void()> m_relaunch;
+    UpdatePage *m_page = nullptr;
+};
+
+} // namespace ambertide
