@@ -19,6 +19,7 @@ public:
     explicit PrivateSession(PrivateXServer::Kind kind = PrivateXServer::Kind::framebuffer);
 
     PrivateXServer server;
+    PrivateBus bus;
 
     /// Whether every active display has the white point of this temperature.
     bool shows(double temperature);
@@ -28,7 +29,6 @@ public:
     void writeSettings(const QByteArray &content);
 
 private:
-    PrivateBus m_bus;
     PrivateBus m_systemBus{"DBUS_SYSTEM_BUS_ADDRESS"};
     QTemporaryDir m_home;
     RandrClient m_client;

@@ -41,7 +41,7 @@ private Q_SLOTS:
                                  "Temperature ScheduleEnabled";
         QTRY_COMPARE_WITH_TIMEOUT(run(read), state, 20'000);
         QTRY_VERIFY_WITH_TIMEOUT(session.shows(shown), 20'000);
-        QCOMPARE(runTool({QStringLiteral("get")}).output.toDouble(), shown);
+        QCOMPARE(runTool({QStringLiteral("get")}).toDouble(), shown);
         QVERIFY(activateAction("quit"));
         QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), 20'000);
     }
