@@ -1,13 +1,14 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "integration/SparkleUpdater.h"
 #include "model/AppViewModel.h"
 
 #include <memory>
 
 namespace ambertide {
 
-/// The composition root: makes the one model and the delegate, in this order, over the ports of the system it runs on.
+/// The composition root: makes the one model, the updater and the delegate, in this order, over the ports of the system it runs on.
 /// Main thread. Destroying it gives the displays back, in the background.
 class AmbertideApp
 {
@@ -22,17 +23,20 @@ public:
         RunningApplications &runningApplications;
         const Calendar &calendar;
         const MainBundle &mainBundle;
+        UpdaterControllerFactory createUpdaterController;
         std::function<void()> terminate;
     };
 
     explicit AmbertideApp(Ports ports);
 
     AppViewModel &viewModel() { return m_viewModel; }
+    SparkleUpdater &updater() { return m_updater; }
     AppDelegate &delegate() { return m_delegate; }
 
 private:
     NotificationCenter m_notifications;
     AppViewModel m_viewModel;
+    SparkleUpdater m_updater;
     AppDelegate m_delegate;
 };
 

@@ -9,11 +9,15 @@
 #include "platform/linux/DBusTemperatureObject.h"
 #include "platform/linux/LogindSystemWake.h"
 #include "platform/linux/SessionDisplayServices.h"
+#include "platform/linux/update/PkexecUpdateInstaller.h"
 #include "platform/qt/PlistMainBundle.h"
 #include "platform/qt/QtMainActor.h"
 #include "platform/qt/SettingsUserDefaults.h"
 #include "platform/qt/SystemCalendar.h"
 #include "platform/qt/ThreadTaskExecutor.h"
+#include "update/AppcastUpdaterController.h"
+#include "update/UpdateService.h"
+#include "update/ui/UpdateWindow.h"
 
 #include <QApplication>
 #include <QLoggingCategory>
@@ -86,10 +90,16 @@ int main(int argc, char *argv[])
     QtMainActor mainActor;
     ThreadTaskExecutor executor(mainActor);
 
+    PkexecUpdateInstaller updateInstaller(program.parent_path() / "AmbertideInstallHelper");
+    UpdateService updates(UpdateConfiguration::fromBundle(mainBundle), userDefaults, calendar, updateInstaller,
+                          [](UpdateSession &session) { return std::make_unique<UpdateWindow>(session); });
+    const auto createUpdaterController = [&] { return std::make_unique<AppcastUpdaterController>(updates, executor); };
+
     bool isSuperfluous = false;
     std::optional<AmbertideApp> ambertide(
         std::in_place, AmbertideApp::Ports{*displays, executor, wake, userDefaults, distributedNotifications,
-                                           runningApplications, calendar, mainBundle, [&] { isSuperfluous = true; }});
+                                           runningApplications, calendar, mainBundle, createUpdaterController,
+                                           [&] { isSuperfluous = true; }});
     ambertide->delegate().applicationDidFinishLaunching();
     if (isSuperfluous) {
         // The displays are the other copy's: this one must go without giving them back.
