@@ -23,6 +23,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -104,7 +105,7 @@ class NoMainActor final : public MainActor
     void resume(Continuation continuation) override { const auto dropped = std::move(continuation); }
 };
 
-/// Passes everything on and measures a ramp. The periodic pass keeps still meanwhile: it has just been restarted.
+/// Passes everything on and measures a ramp, with the periodic pass or two that fall into it.
 class TimedDisplays final : public DisplayServices
 {
 public:
@@ -112,13 +113,14 @@ public:
     std::vector<DisplayIdentifier> activeDisplays() override { return m_displays.activeDisplays(); }
     void setTransferTables(std::span<const DisplayIdentifier> displays, const GammaTables &tables) override
     {
+        const std::scoped_lock lock(m_lock);
         if (std::exchange(isRampExpected, false)) {
             costAtStart = ProcessCost::of(getpid());
             startedAt = Clock::now();
         }
         m_displays.setTransferTables(displays, tables);
-        if (tables.green == awaited) {
-            awaited = {};
+        // The last step shows the target already; the ramp ends with the second write of it, one interval later.
+        if (tables.green == awaited && ++writesOfTarget == 2) {
             cost = ProcessCost::of(getpid()) - costAtStart;
             duration = Clock::now() - startedAt;
         }
@@ -128,7 +130,9 @@ public:
     /// The next write begins a ramp to this temperature.
     void expectRamp(double temperature)
     {
+        const std::scoped_lock lock(m_lock);
         awaited = DisplayManager::createGammaTables(temperature).green;
+        writesOfTarget = 0;
         isRampExpected = true;
     }
 
@@ -137,7 +141,9 @@ public:
 
 private:
     DisplayServices &m_displays;
+    std::mutex m_lock; ///< guards all below and what is measured
     GammaTables::Table awaited = {};
+    int writesOfTarget = 0;
     bool isRampExpected = false;
     ProcessCost costAtStart;
     Clock::time_point startedAt;
@@ -161,8 +167,8 @@ Ramp measureRamp(const PrivateXServer &server, std::size_t displayCount)
     ThreadTaskExecutor executor(mainActor);
     const auto manager = DisplayManager::create(displays, executor, wake);
     const auto rampTo = [&](double temperature) {
-        manager->setTemperature(temperature);
         displays.expectRamp(temperature);
+        manager->setTemperature(temperature);
         do {
             std::this_thread::sleep_for(1s); // seldom: this thread's own cost is counted, too
         } while (manager->temperature() != temperature);

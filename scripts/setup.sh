@@ -5,7 +5,7 @@ repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev libxcb1-dev libxcb-randr0-dev libsystemd-dev libsodium-dev)
 run_packages=(dbus-daemon libqt6gui6 xvfb)
 test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils systemd)
-check_packages=(clang-format clang-tidy-16)
+check_packages=(clang-format)
 
 # install_packages <package>...: installs those that are missing.
 install_packages() {

@@ -15,6 +15,8 @@ void bringSettingsForward()
     for (auto *window : windows) {
         if (!window->isVisible() || !window->windowTitle().contains(QLatin1String("Settings")))
             continue;
+        if (window->isMinimized())
+            window->showNormal();
         window->raise();
         window->activateWindow();
         return;

@@ -22,6 +22,7 @@
 #include <QApplication>
 #include <QLoggingCategory>
 
+#include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -52,6 +53,17 @@ void confineEndingSignals()
     }).detach();
 }
 
+/// Descriptors 0 to 2 that were closed at the start would be given to sockets, and lines printed into those.
+void openStandardDescriptors()
+{
+    int opened = 0;
+    do
+        opened = open("/dev/null", O_RDWR);
+    while (opened >= 0 && opened <= STDERR_FILENO);
+    if (opened > STDERR_FILENO)
+        close(opened);
+}
+
 /// The toolkit may come to nothing without ending the application: it then runs without windows.
 void chooseToolkitPlatform()
 {
@@ -67,6 +79,7 @@ void chooseToolkitPlatform()
 
 int main(int argc, char *argv[])
 {
+    openStandardDescriptors();
     confineEndingSignals();
     std::signal(SIGPIPE, SIG_IGN);
     std::error_code error;

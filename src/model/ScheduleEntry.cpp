@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <ranges>
 #include <utility>
 
 namespace ambertide {
@@ -99,8 +101,13 @@ DecodedSchedule decodeSchedule(std::string_view bytes)
 
 void sortByTimeOfDay(std::vector<ScheduleEntry> &entries, const Calendar &calendar)
 {
-    std::ranges::stable_sort(entries, ScheduleEntry::timeIsBefore,
-                             [&calendar](const ScheduleEntry &entry) { return calendar.timeOfDay(entry.time); });
+    // The calendar is asked once for each entry: a look at the time zone is the dear part.
+    std::vector<std::pair<DateComponents, ScheduleEntry>> timed;
+    timed.reserve(entries.size());
+    for (auto &entry : entries)
+        timed.emplace_back(calendar.timeOfDay(entry.time), std::move(entry));
+    std::ranges::stable_sort(timed, ScheduleEntry::timeIsBefore, &decltype(timed)::value_type::first);
+    std::ranges::move(timed | std::views::values, entries.begin());
 }
 
 std::optional<ScheduleEntry> entryInForce(std::vector<ScheduleEntry> entries, const DateComponents &now,
@@ -110,10 +117,10 @@ std::optional<ScheduleEntry> entryInForce(std::vector<ScheduleEntry> entries, co
     if (entries.empty())
         return std::nullopt;
     sortByTimeOfDay(entries, calendar);
-    const auto reached = std::ranges::find_if(entries.rbegin(), entries.rend(), [&](const ScheduleEntry &entry) {
+    const auto firstLater = std::ranges::partition_point(entries, [&](const ScheduleEntry &entry) {
         return !ScheduleEntry::timeIsBefore(now, calendar.timeOfDay(entry.time));
     });
-    return reached == entries.rend() ? entries.back() : *reached;
+    return firstLater == entries.begin() ? entries.back() : *std::prev(firstLater);
 }
 
 } // namespace ambertide

@@ -130,8 +130,11 @@ void TaskSlot::cancel()
 
 void TaskSlot::store(Task task)
 {
-    const std::scoped_lock lock(m_lock);
-    m_task = std::move(task);
+    {
+        const std::scoped_lock lock(m_lock);
+        std::swap(m_task, task);
+    }
+    task.cancel();
 }
 
 } // namespace ambertide

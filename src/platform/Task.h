@@ -88,7 +88,8 @@ private:
     std::shared_ptr<TaskState> m_task;
 };
 
-/// A place for one task, used from several threads: the newest one stored is the one that the next cancel() reaches.
+/// A place for one task, used from several threads. A task that is replaced is cancelled: no other than the one stored
+/// here runs on.
 class TaskSlot
 {
 public:

@@ -1,5 +1,7 @@
 #include "platform/UserInfo.h"
 
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <type_traits>
 
@@ -33,7 +35,8 @@ std::string describeValue(const UserInfoValue &value)
             } else if constexpr (std::is_same_v<Held, OpaqueValue>) {
                 return '<' + printable(held.typeName) + '>';
             } else {
-                return std::to_string(held);
+                std::array<char, 32> digits = {};
+                return {digits.data(), std::to_chars(digits.begin(), digits.end(), held).ptr};
             }
         },
         value);

@@ -126,7 +126,7 @@ private Q_SLOTS:
         bench.console.lines.clear();
         bench.receive(notifications::updateTemperature, UserInfo{{"temperature", number}});
 
-        const auto userInfo = "{temperature = " + std::to_string(number) + "}";
+        const auto userInfo = "{temperature = " + QByteArray::number(number).toStdString() + "}";
         QCOMPARE(
             bench.console.lines,
             (Lines{"Received CLI temperature change notification: {name = Ambertide.UpdateTemperature, userInfo = " +

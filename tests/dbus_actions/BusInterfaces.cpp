@@ -139,7 +139,7 @@ private Q_SLOTS:
         const auto row = [](const char *write, const char *reply, const char *state) {
             QTest::newRow(write) << QString::fromLatin1(reply) << QString::fromLatin1(state);
         };
-        row("Temperature d 3400", "", "d 3400 b false {ScheduleEnabled = false}{Temperature = 3400.000000}");
+        row("Temperature d 3400", "", "d 3400 b false {ScheduleEnabled = false}{Temperature = 3400}");
         row("Temperature d 6500", "", "d 6500 b false {ScheduleEnabled = false}");
         row("ScheduleEnabled b false", "", "d 6500 b false {ScheduleEnabled = false}");
         row("ScheduleEnabled b true", "", "d 6500 b true ");

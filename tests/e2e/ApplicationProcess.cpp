@@ -42,6 +42,14 @@ bool PrivateSession::shows(double temperature)
     });
 }
 
+bool PrivateSession::isTinted()
+{
+    return std::ranges::all_of(m_client.activeCrtcs(), [this](auto crtc) {
+        const auto ramp = m_client.ramp(crtc);
+        return ramp[0].back() == 65535 && ramp[2].back() < 65000;
+    });
+}
+
 void PrivateSession::writeSettings(const QByteArray &content)
 {
     QDir().mkpath(QFileInfo(settingsPath()).path());

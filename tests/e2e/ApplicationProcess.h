@@ -23,6 +23,8 @@ public:
 
     /// Whether every active display has the white point of this temperature.
     bool shows(double temperature);
+    /// Whether every active display is tinted, with whatever temperature.
+    bool isTinted();
     bool isRestored() { return m_client.showsIdentityEverywhere(); }
 
     QString settingsPath() const { return m_home.filePath(QStringLiteral("ambertide/defaults.ini")); }

@@ -75,10 +75,15 @@ private Q_SLOTS:
         SettingsUserDefaults defaults(path);
         defaults.setDouble("Ambertide.Temperature", 3400);
         turnEventLoop();
-        writeFile("[General]\nAmbertide.Temperature=2700\nOther=1\n");
+        writeFile("[General]\nAmbertide.Temperature=2700\nOther=1\nNoFlag=maybe\n");
         QCOMPARE(defaults.doubleValue("Ambertide.Temperature"), 2700.0);
+        QVERIFY(!defaults.boolValue("NoFlag"));
+        writeFile(readFile(path) + "B=1\n");
+        QFile leftOver(path + QStringLiteral(".lock")); // of a program that was killed while it wrote
+        QVERIFY(leftOver.open(QIODevice::WriteOnly));
         defaults.setBool("Ambertide.ScheduleEnabled", true);
         turnEventLoop();
+        QVERIFY(readFile(path).contains("B=1"));
         QVERIFY(readFile(path).contains("Ambertide.Temperature=2700"));
         QVERIFY(readFile(path).contains("Other=1"));
         QVERIFY(readFile(path).contains("Ambertide.ScheduleEnabled=true"));

@@ -13,7 +13,6 @@ namespace ambertide {
 
 namespace {
 
-/// Messages handled before the event loop gets its turn, so that a flood of them holds nothing else up.
 /// How long a flood of messages may keep the rest of the main thread waiting at a stretch.
 constexpr std::chrono::milliseconds longestTurn{10};
 
@@ -40,8 +39,11 @@ DBusSession::DBusSession(SdBusKind kind, std::chrono::milliseconds retryInterval
         if (!connect())
             m_retry.start();
     });
-    if (!connect())
+    if (!connect()) {
         console::print(absenceOf(kind));
+        m_isLost = true;
+        m_retry.start();
+    }
 }
 
 bool DBusSession::connect()

@@ -16,9 +16,9 @@ namespace ambertide {
 
 /// The application's connection to one bus, served by Qt's event loop: it wakes up for messages and for nothing else.
 ///
-/// Main thread. Connecting does not wait for the bus. Where there is no such bus at the start, one line says so and
-/// everything here does nothing from then on. A connection that is lost later is made again, with one line each time it
-/// goes and comes back, and what was installed is installed again.
+/// Main thread. Connecting does not wait for the bus. A bus that is not there, at the start or later, is
+/// tried again every `retryInterval`, with one line each time it goes and comes back; what was installed is installed
+/// again.
 class DBusSession
 {
 public:

@@ -84,9 +84,12 @@ bool GuardianProcess::isRunning()
 {
     if (m_process == 0)
         return false;
-    if (waitpid(m_process, nullptr, WNOHANG) == 0)
+    int status = 0;
+    if (waitpid(m_process, &status, WNOHANG) == 0)
         return true;
     forget();
+    if (WIFEXITED(status) && WEXITSTATUS(status) != 0)
+        sayUnguarded("it cannot use the X server");
     return false;
 }
 
@@ -107,12 +110,17 @@ bool GuardianProcess::start()
         else
             close(ends[0]);
     }
-    if (failure != 0 && !m_failureSaid) {
-        console::print("Cannot start " + m_program.string() + " (" + std::strerror(failure) +
+    if (failure != 0)
+        sayUnguarded(std::strerror(failure));
+    return failure == 0;
+}
+
+void GuardianProcess::sayUnguarded(const char *reason)
+{
+    if (!std::exchange(m_failureSaid, true)) {
+        console::print("Cannot start " + m_program.string() + " (" + reason +
                        "): the displays will stay tinted if Ambertide is killed.");
     }
-    m_failureSaid = failure != 0;
-    return failure == 0;
 }
 
 int GuardianProcess::spawn(int channel)

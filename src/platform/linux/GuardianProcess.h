@@ -37,6 +37,7 @@ private:
     int spawn(int channel);
     void tell(GuardianMessage message);
     void forget();
+    void sayUnguarded(const char *reason);
 
     const std::filesystem::path m_program;
     const std::string m_display;

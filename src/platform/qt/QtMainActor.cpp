@@ -28,7 +28,7 @@ void QtMainActor::resume(Continuation continuation)
     QCoreApplication::postEvent(this, new QEvent(wakeUpType()));
 }
 
-void QtMainActor::runPending()
+void QtMainActor::runWaiting()
 {
     std::deque<Continuation> due;
     {
@@ -44,7 +44,7 @@ bool QtMainActor::event(QEvent *event)
 {
     if (event->type() != wakeUpType())
         return QObject::event(event);
-    runPending();
+    runWaiting();
     return true;
 }
 

@@ -16,13 +16,12 @@ class QtMainActor final : public QObject, public MainActor
 public:
     void resume(Continuation continuation) override;
 
-    /// Runs what is waiting now, for the moments in which no event loop runs.
-    void runPending();
-
 protected:
     bool event(QEvent *event) override;
 
 private:
+    void runWaiting();
+
     std::mutex m_lock;
     std::deque<Continuation> m_waiting;
     bool m_isEventPosted = false;

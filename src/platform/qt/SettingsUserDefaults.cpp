@@ -50,7 +50,12 @@ bool SettingsUserDefaults::hasObject(std::string_view key) { return value(key).i
 
 double SettingsUserDefaults::doubleValue(std::string_view key) { return value(key).toDouble(); }
 
-bool SettingsUserDefaults::boolValue(std::string_view key) { return value(key).toBool(); }
+bool SettingsUserDefaults::boolValue(std::string_view key)
+{
+    // QVariant would take any other text for true.
+    const auto text = value(key).toString();
+    return text == QLatin1String("true") || text == QLatin1String("1");
+}
 
 std::optional<std::string> SettingsUserDefaults::data(std::string_view key)
 {
@@ -169,22 +174,42 @@ void SettingsUserDefaults::write()
     m_isWriteScheduled = false;
     m_hasWriteFailed = false;
     refresh();
-    if (m_health != Health::good || m_unwritten.empty())
+    if (m_unwritten.empty())
         return;
-    QDir().mkpath(QFileInfo(m_path).path());
-    QSettings file(m_path, QSettings::IniFormat);
-    for (const auto &[key, value] : m_unwritten)
-        file.setValue(key, value);
-    file.sync();
-    if (file.status() != QSettings::NoError) {
+    auto values = m_unwritten;
+    values.insert(m_stored.begin(), m_stored.end());
+    if (m_health != Health::good || !replaceFile(values)) {
         m_hasWriteFailed = true;
         report("cannot be written; changes are kept until it can");
         return;
     }
     m_isTroubleReported = false;
-    m_unwritten.merge(m_stored);
-    m_stored = std::exchange(m_unwritten, {});
+    m_unwritten.clear();
+    m_stored = std::move(values);
     m_readStamp = {}; // another program's changes may have come in between
+}
+
+bool SettingsUserDefaults::replaceFile(const Values &values) const
+{
+    // QSettings waits for a lock file beside what it writes, and a program that was killed may have left one: it gets a
+    // file that nobody else writes, which then takes the place of the other. A link to the settings stays a link.
+    const QFileInfo old(m_path);
+    const auto path = old.exists() ? old.canonicalFilePath() : m_path;
+    const auto freshPath = path + QStringLiteral(".new");
+    QFile::remove(freshPath);
+    QFile::remove(freshPath + QStringLiteral(".lock"));
+    QDir().mkpath(QFileInfo(path).path());
+    {
+        QSettings fresh(freshPath, QSettings::IniFormat);
+        for (const auto &[key, value] : values)
+            fresh.setValue(key, value);
+        fresh.sync();
+        if (fresh.status() != QSettings::NoError)
+            return false;
+    }
+    std::error_code error;
+    std::filesystem::rename(freshPath.toStdString(), path.toStdString(), error);
+    return !error;
 }
 
 void SettingsUserDefaults::report(std::string_view trouble)

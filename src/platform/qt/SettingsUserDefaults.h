@@ -60,6 +60,7 @@ private:
     void setAside();
     void scheduleWrite();
     void write();
+    bool replaceFile(const Values &values) const;
     void report(std::string_view trouble);
 
     const QString m_path;
