@@ -88,7 +88,9 @@ bool GuardianProcess::isRunning()
     if (waitpid(m_process, &status, WNOHANG) == 0)
         return true;
     forget();
-    if (WIFEXITED(status) && WEXITSTATUS(status) != 0)
+    // Once or twice may be the X server's own coming and going.
+    m_failures = WIFEXITED(status) && WEXITSTATUS(status) != 0 ? m_failures + 1 : 0;
+    if (m_failures == 3)
         sayUnguarded("it cannot use the X server");
     return false;
 }

@@ -45,6 +45,7 @@ private:
     int m_channel = -1;
     GuardianMessage m_told = 0;
     Clock::time_point m_earliestStart{};
+    int m_failures = 0; ///< of guardians in a row that gave up by themselves
     bool m_failureSaid = false;
 };
 
