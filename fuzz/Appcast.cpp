@@ -1,21 +1,8 @@
 #include "update/Appcast.h"
 
+#include "Require.h"
 #include "update/ReleaseNotes.h"
 #include "update/UpdateChoice.h"
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-
-namespace {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

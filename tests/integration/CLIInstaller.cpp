@@ -1,7 +1,7 @@
 #include "integration/CLIInstaller.h"
 
+#include "platform/PrivilegedRunner.h"
 #include "support/FakeMainBundle.h"
-#include "support/FakePrivilegedRunner.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -13,103 +13,84 @@ using namespace ambertide;
 namespace fs = std::filesystem;
 using enum PrivilegedResult::Status;
 
-/// A bundle with a tool, and a place for its link, in a folder of the test's own.
 class TestCLIInstaller : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
+    void linksTheToolRemovesTheLinkAndSaysWhatWentWrong()
     {
-        m_folder.emplace();
-        m_link = fs::path(m_folder->path().toStdString()) / "ambertide";
-        m_bundle.bundlePath = m_link.parent_path() / "Amber tide.app";
-        m_tool = m_bundle.bundlePath / "Contents/MacOS/AmbertideCLI";
-        fs::create_directories(m_tool.parent_path());
-        std::ofstream(m_tool) << "tool";
-        m_runner = {};
-    }
-
-    void linksTheToolAndRemovesTheLink()
-    {
-        QCOMPARE(failureOf(&CLIInstaller::install), "");
-        fs::create_symlink(m_tool, m_link);
-        QCOMPARE(failureOf(&CLIInstaller::uninstall), "");
-        const auto link = m_link.string();
-        const std::vector<std::string> expected = {
-            "mkdir -p /usr/local/bin && ln -sf '" + m_tool.string() + "' '" + link + "'", "rm -f '" + link + "'"};
-        QCOMPARE(m_runner.commands, expected);
-    }
-
-    void asksForNothingWhenThereIsNothingToDo()
-    {
-        fs::create_symlink(m_link.parent_path() / "gone", m_link);
-        QCOMPARE(failureOf(&CLIInstaller::uninstall), "");
-        fs::remove(m_tool);
-        QCOMPARE(failureOf(&CLIInstaller::install), "Could not find CLI executable in app bundle");
-        QVERIFY(m_runner.commands.empty());
-    }
-
-    void saysWhatWentWrong()
-    {
-        fs::create_symlink(m_tool, m_link);
-        const auto fails = [this](PrivilegedResult result, const std::string &installing, const std::string &removing) {
-            m_runner.result = result;
-            QCOMPARE(failureOf(&CLIInstaller::install), installing);
-            QCOMPARE(failureOf(&CLIInstaller::uninstall), removing);
+        const fs::path link = m_folder / "ambertide";
+        const FakeMainBundle bundle(m_folder / "Amber tide.app");
+        const fs::path tool = bundle.bundlePath / "Contents/MacOS/AmbertideCLI";
+        struct FakePrivilegedRunner final : PrivilegedRunner
+        {
+            PrivilegedResult run(const std::string &command) override
+            {
+                commands += command + '\n';
+                return result;
+            }
+            void cancel() override {}
+            PrivilegedResult result;
+            std::string commands;
+        } runner;
+        CLIInstaller installer(bundle, runner, link);
+        const auto both = [&] {
+            std::string failures;
+            for (const auto operation : {&CLIInstaller::install, &CLIInstaller::uninstall}) {
+                try {
+                    (installer.*operation)();
+                } catch (const CLIInstaller::CLIError &error) {
+                    failures += error.errorDescription() + '|';
+                }
+            }
+            return failures;
         };
-        fails({Failed, "no"}, "Failed to install the CLI tool: no", "Failed to uninstall the CLI tool: no");
-        fails({Failed, {}}, "Failed to install the CLI tool: Unknown error",
-              "Failed to uninstall the CLI tool: Unknown error");
-        fails({Rejected, {}}, "Failed to create installation script", "Failed to create installation script");
+        // With neither tool nor link there is nothing to ask for.
+        QCOMPARE(both(), "Could not find CLI executable in app bundle|");
+        QCOMPARE(runner.commands, "");
+
+        fs::create_directories(tool.parent_path());
+        std::ofstream(tool) << "tool";
+        fs::create_symlink(tool, link);
+        QCOMPARE(both(), "");
+        QCOMPARE(runner.commands, "mkdir -p /usr/local/bin && ln -sf '" + tool.string() + "' '" + link.string() +
+                                      "'\nrm -f '" + link.string() + "'\n");
+        runner.result = {Failed, "no"};
+        QCOMPARE(both(), "Failed to install the CLI tool: no|Failed to uninstall the CLI tool: no|");
     }
 
     void theAdministratorShellRunsNothingElse()
     {
-        for (const auto name : {"mkdir", "ln", "rm"}) {
-            const auto standIn = m_link.parent_path() / name;
-            std::ofstream(standIn) << "#!/bin/sh\nprintf '%s|' \"${0##*/}\" \"$@\"\n";
-            fs::permissions(standIn, fs::perms::owner_all);
+        for (const auto *name : {"mkdir", "ln", "rm"}) {
+            std::ofstream(m_folder / name) << "#!/bin/sh\nprintf '%s|' \"${0##*/}\" \"$@\"\n";
+            fs::permissions(m_folder / name, fs::perms::owner_all);
         }
-        const auto runs = [this](const char *command, const char *ran) {
+        const auto runs = [this](const std::string &command, const char *ran) {
             QProcess shell;
-            shell.setEnvironment({QStringLiteral("PATH=") + m_folder->path()});
+            shell.setEnvironment({QStringLiteral("PATH=") + m_temporary.path()});
             shell.start(QFINDTESTDATA("../../packaging/polkit/administrator-shell"),
-                        {QStringLiteral("-c"), QString::fromUtf8(command)});
+                        {QStringLiteral("-c"), QString::fromStdString(command)});
             QVERIFY(shell.waitForFinished());
             QCOMPARE(shell.readAllStandardOutput(), ran);
             QCOMPARE(shell.exitCode(), *ran ? 0 : 64);
         };
-#define LINK(TARGET) "mkdir -p /usr/local/bin && ln -sf '" TARGET "' '/usr/local/bin/ambertide'"
-        runs(LINK("/a $(b) `c`\n\"/Contents/MacOS/AmbertideCLI"),
+        const auto link = [](const std::string &target) {
+            return "mkdir -p /usr/local/bin && ln -sf '" + target + "' '/usr/local/bin/ambertide'";
+        };
+        runs(link("/a $(b) `c`\n\"/Contents/MacOS/AmbertideCLI"),
              "mkdir|-p|/usr/local/bin|ln|-sf|/a $(b) `c`\n\"/Contents/MacOS/AmbertideCLI|/usr/local/bin/ambertide|");
         runs("rm -f '/usr/local/bin/ambertide'", "rm|-f|/usr/local/bin/ambertide|");
         runs("rm -f '/usr/local/bin/other'", "");
         runs("rm -f '/usr/local/bin/ambertide'; rm x", "");
-        runs(LINK("/a'; rm x; '/Contents/MacOS/AmbertideCLI"), "");
-        runs(LINK("/bin/sh"), "");
-        runs(LINK("a/Contents/MacOS/AmbertideCLI"), "");
-#undef LINK
+        runs(link("/a'; rm x; '/Contents/MacOS/AmbertideCLI"), "");
+        runs(link("/bin/sh"), "");
+        runs(link("a/Contents/MacOS/AmbertideCLI"), "");
     }
 
 private:
-    /// Empty for none.
-    std::string failureOf(void (CLIInstaller::*operation)())
-    {
-        CLIInstaller installer(m_bundle, m_runner, m_link);
-        try {
-            (installer.*operation)();
-            return {};
-        } catch (const CLIInstaller::CLIError &error) {
-            return error.errorDescription();
-        }
-    }
-
-    std::optional<QTemporaryDir> m_folder;
-    fs::path m_link;
-    fs::path m_tool;
-    FakeMainBundle m_bundle{fs::path()};
-    FakePrivilegedRunner m_runner;
+    QTemporaryDir m_temporary;
+    fs::path m_folder{m_temporary.path().toStdString()};
 };
 
 QTEST_GUILESS_MAIN(TestCLIInstaller)

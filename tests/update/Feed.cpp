@@ -3,6 +3,7 @@
 #include "update/UpdateChoice.h"
 #include "update/VersionComparator.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
 
@@ -10,16 +11,20 @@ using namespace ambertide;
 
 namespace {
 
-QByteArray feedWith(const QByteArray &items)
+std::optional<Appcast> corpus(const char *name)
 {
-    return "<?xml version='1.0'?><rss xmlns:up='http://www.andymatuschak.org/xml-namespaces/sparkle'><channel>" +
-           items + "</channel></rss>";
+    QFile feed(QFINDTESTDATA(QStringLiteral("../corpus/appcast/") + QLatin1String(name)));
+    if (!feed.open(QIODevice::ReadOnly))
+        qFatal("the corpus lacks %s", name);
+    QString problem;
+    const auto appcast = Appcast::read(feed.readAll(), problem);
+    return appcast || !problem.isEmpty() ? appcast : Appcast();
 }
 
-/// A release for Linux with more in its enclosure or beside it.
-QByteArray release(const QByteArray &version, const QByteArray &children = {})
+/// A release for Linux with more beside its enclosure.
+QByteArray release(const QByteArray &version, const QByteArray &more = {})
 {
-    return "<item><up:version>" + version + "</up:version>" + children +
+    return "<item><up:version>" + version + "</up:version>" + more +
            "<enclosure url='https://example.org/a.deb' up:os='linux'/></item>";
 }
 
@@ -30,119 +35,84 @@ class Feed : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void versionsAreOrdered_data()
-    {
-        QTest::addColumn<QString>("older");
-        QTest::addColumn<QString>("newer");
-        QTest::addColumn<bool>("areEqual");
-        const auto row = [](const char *older, const char *newer, bool areEqual) {
-            QTest::addRow("%s %s", older, newer)
-                << QString::fromLatin1(older) << QString::fromLatin1(newer) << areEqual;
-        };
-        row("1.9", "1.10", false);
-        row("1.0b1", "1.0", false);
-        row("1.0b1", "1.0b2", false);
-        row("1.0b9", "1.0b10", false);
-        row("1.0a2", "1.0b1", false);
-        row("1.0rc1", "1.0.1", false);
-        row("1.2", "1.2.0.1", false);
-        row("2.0b1", "2.0.1b1", false);
-        row("99999999999999999999", "100000000000000000000", false);
-        row("", "1", false);
-        row("garbage", "0", false);
-        row("1.0", "1.0.0", true);
-        row("1b1", "1.0b1", true);
-        row("1.01", "1.1", true);
-        row("1.0-beta", "1.0", true);
-        row("1.0-2", "1.0-9", true);
-        row("1..2", "1.2", true);
-    }
     void versionsAreOrdered()
     {
-        QFETCH(QString, older);
-        QFETCH(QString, newer);
-        QFETCH(bool, areEqual);
-        const auto forwards = compareVersions(older.toStdString(), newer.toStdString());
-        const auto backwards = compareVersions(newer.toStdString(), older.toStdString());
-        QCOMPARE(forwards == 0, areEqual);
-        QCOMPARE(forwards < 0, !areEqual);
-        QCOMPARE(backwards > 0, !areEqual);
+        const auto ascending =
+            QStringLiteral("garbage<=0<1.0a2<1b1=1.0b1<1.0b9<1.0b10<1.0rc1<1=1.0.0=1.0-beta=1.0-2<1.0.1b1<"
+                           "1.0.1=1..0.01<1.9<1.10<99999999999999999999<100000000000000000000")
+                .split(u'<');
+        for (qsizetype i = 0; i < ascending.size() * ascending.size(); ++i) {
+            const auto left = i / ascending.size();
+            const auto right = i % ascending.size();
+            for (const auto &one : ascending[left].split(u'=')) {
+                for (const auto &other : ascending[right].split(u'='))
+                    QVERIFY2(compareVersions(one.toStdString(), other.toStdString()) == (left <=> right),
+                             qPrintable(one + u' ' + other));
+            }
+        }
     }
 
     void everyFieldOfAnItemIsRead()
     {
-        QFile feed(QFINDTESTDATA("../corpus/appcast/full.xml"));
-        QVERIFY(feed.open(QIODevice::ReadOnly));
-        QString problem;
-        const auto appcast = Appcast::read(feed.readAll(), problem);
-        QVERIFY2(appcast, qPrintable(problem));
-        QCOMPARE(appcast->items.size(), std::size_t{2});
+        const auto appcast = corpus("full.xml");
+        QVERIFY(appcast && appcast->items.size() == 2);
         const auto &item = appcast->items.front();
         const auto texts = QStringList() << item.title << item.link.toString() << item.version << item.channel
                                          << item.displayVersion << item.minimumSystemVersion << item.description
                                          << item.releaseNotesLink.toString() << item.criticalBelowVersion
                                          << item.signature << item.packageLink.toString() << item.operatingSystem
-                                         << item.informationalBelowVersion;
+                                         << item.informationalBelowVersion << item.informationalVersions.at(0);
         QCOMPARE(texts.join(u'|'),
                  QStringLiteral("Big|https://example.org/about|12|beta|1.2|6.1|Bold & <plain>|"
-                                "https://example.org/notes|11|QUJD|https://example.org/a.deb|linux|7"));
+                                "https://example.org/notes|11|QUJD|https://example.org/a.deb|linux|7|9"));
         QVERIFY(item.isDescriptionPlainText && item.isCritical && item.packageLength == 77);
-        QCOMPARE(item.informationalVersions, std::vector{QStringLiteral("9")});
         QCOMPARE(appcast->items.back().displayVersion, QStringLiteral("0.5"));
         QVERIFY(!appcast->items.back().packageLength);
     }
 
-    void aFeedThatIsNoneIsRefused_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("web page") << QByteArray("<html><body>Log in to this network</body></html>");
-        QTest::newRow("no XML") << QByteArray("{\"version\": 2}");
-        QTest::newRow("cut off") << feedWith(release("2")).chopped(9);
-        QTest::newRow("document type") << QByteArray("<!DOCTYPE rss><rss/>");
-        QTest::newRow("undeclared entity") << feedWith("<item>&nbsp;</item>");
-        QTest::newRow("foreign entity") << QByteArray("<!DOCTYPE rss SYSTEM \"file:///etc/passwd\"><rss/>");
-        QTest::newRow("long tag") << feedWith(release("2", "<b a='" + QByteArray(20000, '>') + "'/>"));
-        QTest::newRow("other encoding") << QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?><rss>\xe4</rss>");
-        QTest::newRow("over the cap") << feedWith(release("2") + QByteArray(1024 * 1024, ' '));
-        QTest::newRow("zero bytes") << QByteArray(1000, '\0');
-    }
     void aFeedThatIsNoneIsRefused()
     {
-        QFETCH(QByteArray, bytes);
-        QString problem;
-        QVERIFY(!Appcast::read(bytes, problem));
-        QVERIFY(!problem.isEmpty() && !problem.contains(u'\n'));
+        for (const auto *name : {"cut.xml", "external.xml", "page.html", "utf16.xml", "zero"})
+            QVERIFY2(!corpus(name), name);
     }
 
-    void theNewestReleaseForThisSystemIsChosen_data()
+    void aHostileFeedIsRefusedSoon()
     {
-        QTest::addColumn<QByteArray>("items");
-        QTest::addColumn<QString>("chosen");
-        QTest::newRow("none") << QByteArray() << QString();
-        QTest::newRow("in any order") << release("9") + release("10") + release("9.5") << QStringLiteral("10");
-        QTest::newRow("equal") << release("5.0") << QString();
-        QTest::newRow("older") << release("4.9") << QString();
-        QTest::newRow("other system") << release("10").replace("linux", "windows") << QString();
-        QTest::newRow("no system") << release("10").replace("up:os='linux'", "") << QString();
-        QTest::newRow("other channel") << release("6") + release("7", "<up:channel>beta</up:channel>")
-                                       << QStringLiteral("6");
-        QTest::newRow("system too old") << release("7", "<up:minimumSystemVersion>6.2</up:minimumSystemVersion>")
-                                        << QString();
-        QTest::newRow("system new enough")
-            << release("7", "<up:minimumSystemVersion>6.1</up:minimumSystemVersion>") << QStringLiteral("7");
-        QTest::newRow("nothing to download") << release("7").replace("url=", "href=") << QString();
-        QTest::newRow("to be read about")
-            << release("7", "<up:informationalUpdate/>").replace("url=", "href=") << QStringLiteral("7");
+        // Well-formed, each of them, so that no accident of the parser refuses it.
+        const QByteArray start = "<rss xmlns:up='http://www.andymatuschak.org/xml-namespaces/sparkle'><channel>";
+        const QByteArray end = "</channel></rss>";
+        for (const auto &feed :
+             {"<!DOCTYPE rss [" + QByteArray("<!ENTITY b 'aaaaaaaaaaaaaa'>").repeated(20000) + "]>" + start + end,
+              start + QByteArray("<title>").repeated(60000) + QByteArray("</title>").repeated(60000) + end,
+              start + "<b a='" + QByteArray(900000, '>') + "'/>" + end, start + release("1").repeated(9000) + end}) {
+            QElapsedTimer watch;
+            watch.start();
+            QString problem;
+            QVERIFY(!Appcast::read(feed, problem) && !problem.startsWith(QStringLiteral("it is larger")));
+            QVERIFY2(watch.elapsed() < 2000, qPrintable(problem));
+        }
     }
+
     void theNewestReleaseForThisSystemIsChosen()
     {
-        QFETCH(QByteArray, items);
-        QString problem;
-        const auto appcast = Appcast::read(feedWith(items), problem);
-        QVERIFY2(appcast, qPrintable(problem));
-        const auto item = chooseUpdate(*appcast, {QStringLiteral("5"), {}, QStringLiteral("6.1.0-13-amd64")});
-        QTEST(item ? item->version : QString(), "chosen");
+        const auto chosen = [](const QByteArray &items) {
+            QString problem;
+            const auto appcast =
+                Appcast::read("<rss xmlns:up='http://www.andymatuschak.org/xml-namespaces/sparkle'><channel>" + items +
+                                  "</channel></rss>",
+                              problem);
+            const auto item =
+                chooseUpdate(appcast.value(), {QStringLiteral("5"), {}, QStringLiteral("6.1.0-13-amd64")});
+            return item ? item->version.toStdString() : std::string();
+        };
+        QCOMPARE(chosen(release("9") + release("10") + release("9.5")), "10");
+        QCOMPARE(chosen(release("5.0")), "");
+        QCOMPARE(chosen(release("7").replace("up:os='linux'", "")), "");
+        QCOMPARE(chosen(release("6") + release("7", "<up:channel>beta</up:channel>")), "6");
+        QCOMPARE(chosen(release("7", "<up:minimumSystemVersion>6.2</up:minimumSystemVersion>")), "");
+        QCOMPARE(chosen(release("7", "<up:minimumSystemVersion>6.1</up:minimumSystemVersion>")), "7");
+        QCOMPARE(chosen(release("7").replace("url=", "href=")), ""); // nothing to download
+        QCOMPARE(chosen(release("7", "<up:informationalUpdate/>").replace("url=", "href=")), "7");
     }
 
     void aSkipSilencesUpToItsVersionUnlessCritical()
@@ -150,7 +120,6 @@ private Q_SLOTS:
         const RunningVersion running{QStringLiteral("5"), {}, {}};
         AppcastItem item;
         item.version = QStringLiteral("6.1");
-        QVERIFY(!isSkipped(item, QString(), running));
         QVERIFY(!isSkipped(item, QStringLiteral("6.0"), running));
         QVERIFY(isSkipped(item, QStringLiteral("6.1.0"), running));
         item.isCritical = true;
@@ -159,31 +128,15 @@ private Q_SLOTS:
         QVERIFY(isSkipped(item, QStringLiteral("6.1"), running));
     }
 
-    void releaseNotesBecomePlainText_data()
-    {
-        QTest::addColumn<QString>("html");
-        QTest::addColumn<QString>("text");
-        const auto row = [](const char *name, const char *html, const char *text) {
-            QTest::newRow(name) << QString::fromUtf8(html) << QString::fromUtf8(text);
-        };
-        row("paragraphs", "<h1>New</h1>\n<p>One\n two</p><p>Three<br>four</p>", "New\n\nOne two\n\nThree\nfour");
-        row("list", "<ul>\n <li>one</li>\n <li><b>two</b></li></ul>", "\u2022 one\n\u2022 two");
-        row("entities", "a &amp;&lt;b&gt; &#8212;&#x41; &unknown; &#xD800; &", "a &<b> \u2014A &unknown; &#xD800; &");
-        row("not run", "a<script>alert('<p>')</script>b<style>p{}</style><img src=x onerror=y>c", "abc");
-        row("comment", "a<!-- <p> -->b", "ab");
-        row("broken", "1 < 2 <p", "1 < 2");
-        row("open script", "a<script>b", "a");
-    }
     void releaseNotesBecomePlainText()
     {
-        QFETCH(QString, html);
-        QTEST(plainTextOfHtml(html), "text");
-    }
-
-    void textThatDeceivesIsTakenOut()
-    {
+        const auto text = [](const char *html) { return plainTextOfHtml(QString::fromUtf8(html)).toStdString(); };
+        QCOMPARE(text("<h1>New</h1>\n<p>One\n two</p><p>Three<br>four</p>"), "New\n\nOne two\n\nThree\nfour");
+        QCOMPARE(text("<ul>\n <li>one</li>\n <li><b>two</b></li></ul>"), "• one\n• two");
+        QCOMPARE(text("a &amp;&lt;b&gt; &#x41; &unknown; &#xD800; &"), "a &<b> A &unknown; &#xD800; &");
+        QCOMPARE(text("a<script>alert('<p>')</script>b<!-- <p> --><img src=x onerror=y>c"), "abc");
+        QCOMPARE(text("1 < 2 <script>b"), "1 < 2");
         QCOMPARE(displayableText(QStringLiteral("a\u202eb\u0007\tc\nd")), QStringLiteral("ab\tc\nd"));
-        QCOMPARE(displayableText(QString(longestReleaseNotes + 1, u'x')).size(), longestReleaseNotes);
     }
 };
 

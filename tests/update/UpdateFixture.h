@@ -2,33 +2,25 @@
 
 #include "support/FakeCalendar.h"
 #include "support/FakeMainBundle.h"
-#include "support/FakeUpdateInstaller.h"
 #include "support/FakeUserDefaults.h"
 #include "support/LoopbackServer.h"
 #include "support/SigningKey.h"
 #include "update/UpdateService.h"
 
+#include <QPointer>
 #include <QTest>
-
-#include <vector>
 
 namespace ambertide {
 
-/// A feed server, a key, and all that a running application of version 5 brings to update checking.
-struct UpdateFixture
+/// A feed server, a key, and all that a running application of version 5 brings to update checking. The installer waits
+/// for the test to say what came of the installation.
+struct UpdateFixture final : UpdateInstaller
 {
-    class RecordingView final : public UpdateView
+    struct View final : UpdateView
     {
-    public:
-        RecordingView(UpdateFixture &fixture, UpdateSession &session) : m_fixture(fixture)
-        {
-            m_fixture.session = &session;
-        }
-        ~RecordingView() override { m_fixture.session = nullptr; }
-        void bringForward() override { ++m_fixture.forwardCount; }
-
-    private:
-        UpdateFixture &m_fixture;
+        explicit View(int &counter) : count(counter) {}
+        void bringForward() override { ++count; }
+        int &count;
     };
 
     UpdateFixture()
@@ -39,14 +31,19 @@ struct UpdateFixture
                          {"CFBundleShortVersionString", "0.5"}};
     }
 
-    /// Announces `version` with the package's signature, or with the claimed one where there is one.
-    void announce(const QByteArray &version, const QByteArray &package = "package", const QByteArray &more = {})
+    void install(const std::filesystem::path &path, std::string_view claim, std::function<void(Result)> done) override
     {
-        const QByteArray signature = QByteArray::fromStdString(claimedSignature.value_or(key.sign(package)));
+        installedPackage = path;
+        installedSignature = claim;
+        installed = std::move(done);
+    }
+
+    /// Announces version 6.
+    void announce(const QByteArray &package, const std::string &signature, const QByteArray &more = {})
+    {
         server.serve("/package", package);
-        serveFeed("<item><up:version>" + version + "</up:version>" + more + "<enclosure url='" +
-                  server.url("/package").toEncoded() + "' length='" + QByteArray::number(package.size()) +
-                  "' up:edSignature='" + signature + "' up:os='linux'/></item>");
+        serveFeed("<item><up:version>6</up:version>" + more + "<enclosure url='" + server.url("/package").toEncoded() +
+                  "' up:edSignature='" + QByteArray::fromStdString(signature) + "' up:os='linux'/></item>");
     }
     void serveFeed(const QByteArray &items)
     {
@@ -58,11 +55,14 @@ struct UpdateFixture
     {
         auto configuration = UpdateConfiguration::fromBundle(bundle);
         configuration.security = TransportSecurity::HttpsOrLoopback;
-        return std::make_unique<UpdateService>(configuration, defaults, calendar, installer, std::move(createView));
+        return std::make_unique<UpdateService>(configuration, defaults, calendar, *this, std::move(createView));
     }
     std::unique_ptr<UpdateService> service()
     {
-        return service([this](UpdateSession &shown) { return std::make_unique<RecordingView>(*this, shown); });
+        return service([this](UpdateSession &shown) {
+            session = &shown;
+            return std::make_unique<View>(forwardCount);
+        });
     }
 
     LoopbackServer server;
@@ -70,10 +70,11 @@ struct UpdateFixture
     FakeMainBundle bundle{"/nowhere/Ambertide.app"};
     FakeUserDefaults defaults;
     FakeCalendar calendar;
-    FakeUpdateInstaller installer;
-    UpdateSession *session = nullptr; ///< the one that is shown
+    QPointer<UpdateSession> session; ///< the one that is shown
     int forwardCount = 0;
-    std::optional<std::string> claimedSignature;
+    std::filesystem::path installedPackage;
+    std::string installedSignature;
+    std::function<void(Result)> installed;
 };
 
 } // namespace ambertide

@@ -37,37 +37,23 @@ private:
     }
 
 private Q_SLOTS:
-    void everyEndIsToldApart_data()
-    {
-        QTest::addColumn<QByteArray>("script");
-        QTest::addColumn<Outcome>("outcome");
-        QTest::addColumn<QString>("message");
-        const auto row = [](const char *name, const QByteArray &script, Outcome outcome, const char *message) {
-            QTest::newRow(name) << script << outcome << QString::fromLatin1(message);
-        };
-        row("gets bytes, signature and nothing else",
-            "[ \"$*\" = '--disable-internal-agent /usr/lib/helper QUJD' ] && [ \"$(cat)\" = bytes ] && ! env | grep -q "
-            "QT_",
-            Outcome::Installed, "");
-        row("dismissed", "exit 126", Outcome::Dismissed, "");
-        row("not authorised", "echo 'Not authorized\n\nreported' >&2; exit 127", Outcome::NotAuthorised,
-            "Not authorized");
-        row("refused", "echo 'not newer' >&2; exit 1", Outcome::Failed, "not newer");
-        row("silent", "exit 3", Outcome::Failed, "the installer ended with status 3");
-        row("killed", "kill -9 $$", Outcome::Failed, "the installation was broken off");
-        row("talkative", "yes | tr -d '\\n' | head -c 1000000 >&2; exit 1", Outcome::Failed,
-            QByteArray(4096, 'y').constData());
-        row("no pkexec", "", Outcome::NotAuthorised,
-            "pkexec, which asks for administrator rights, could not be started");
-    }
     void everyEndIsToldApart()
     {
-        QFETCH(QByteArray, script);
-        QFETCH(Outcome, outcome);
-        const auto installer = install(script);
-        QTRY_VERIFY(m_result);
-        QVERIFY(m_result->outcome == outcome);
-        QTEST(QString::fromStdString(m_result->message), "message");
+        const auto ends = [this](const QByteArray &script, Outcome outcome, const std::string &message) {
+            const auto installer = install(script);
+            QTRY_VERIFY(m_result);
+            QVERIFY2(m_result->outcome == outcome, script);
+            QCOMPARE(m_result->message, message);
+        };
+        ends("[ \"$*\" = '--disable-internal-agent /usr/lib/helper QUJD' ] && [ \"$(cat)\" = bytes ] && ! env | grep "
+             "QT_",
+             Outcome::Installed, "");
+        ends("exit 126", Outcome::Dismissed, "");
+        ends("echo 'Not authorized\n\nreported' >&2; exit 127", Outcome::NotAuthorised, "Not authorized");
+        ends("exit 3", Outcome::Failed, "the installer ended with status 3");
+        ends("kill -9 $$", Outcome::Failed, "the installation was broken off");
+        ends("yes | tr -d '\\n' | head -c 1000000 >&2; exit 1", Outcome::Failed, std::string(4096, 'y'));
+        ends({}, Outcome::NotAuthorised, "pkexec, which asks for administrator rights, could not be started");
     }
 
     void anInstallationOutlivesTheInstaller()
