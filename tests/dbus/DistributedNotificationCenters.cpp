@@ -19,19 +19,6 @@ class DistributedNotificationCentersTest : public QObject
     void post(const char *name, std::optional<UserInfo> userInfo = {}) { m_center.post({name, userInfo}, standard); }
 
 private Q_SLOTS:
-    void anObserverMayRunAnEventLoop()
-    {
-        bool isInnerSeen = false;
-        bool isSeenInside = false;
-        const auto inner = m_center.observe("Inner", standard, [&](const auto &) { isInnerSeen = true; });
-        const auto outer = m_center.observe("Outer", standard, [&](const auto &) {
-            post("Inner");
-            isSeenInside = QTest::qWaitFor([&] { return isInnerSeen; });
-        });
-        post("Outer");
-        QTRY_VERIFY(isSeenInside);
-    }
-
     void aFloodArrivesInOrderAndLeavesTheLoopItsTurns()
     {
         constexpr std::int64_t count = 10'000;

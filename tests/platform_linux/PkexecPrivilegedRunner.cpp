@@ -28,7 +28,7 @@ class TestPkexecPrivilegedRunner : public QObject
         std::ofstream(m_pkexec) << "#!/bin/sh\n" << script << '\n';
         std::filesystem::permissions(m_pkexec, std::filesystem::perms::owner_all);
         const auto result = m_runner.run("ln -sf 'a b' \"$c\" é");
-        return result.message.value_or(result.status == Succeeded ? "" : "no message");
+        return result.status == (result.message ? Failed : Succeeded) ? result.message.value_or("") : "another status";
     }
 
 private Q_SLOTS:

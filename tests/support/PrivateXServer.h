@@ -33,7 +33,6 @@ public:
 private:
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     void tryToStart();
-    void throwUnlessRunning();
 
     const Kind m_kind;
     QTemporaryDir m_folder;
