@@ -82,10 +82,11 @@ private Q_SLOTS:
         const auto tintOnThreads = [&services] {
             std::vector<std::jthread> threads;
             for (int i = 0; i < 4; ++i) {
-                threads.emplace_back([&services] {
-                    for (int step = 0; step < 20; ++step) {
+                threads.emplace_back([&services, i] {
+                    for (int step = 0; step < 50; ++step) {
                         tint(services);
-                        services.restoreSystemColours();
+                        if (i == 0)
+                            services.restoreSystemColours();
                     }
                 });
             }
