@@ -14,11 +14,9 @@ class FakeDistributedNotificationCenter final : public DistributedNotificationCe
 {
 public:
     std::vector<std::pair<Notification, Delivery>> posts;
-    std::vector<std::pair<std::string, Delivery>> observed; ///< every name ever observed, in order
 
-    Observation observe(std::string name, Delivery delivery, NotificationHandler handler) override
+    Observation observe(std::string name, Delivery, NotificationHandler handler) override
     {
-        observed.emplace_back(name, delivery);
         return m_observers.observe(std::move(name), std::move(handler));
     }
     void post(const Notification &notification, Delivery delivery) override
@@ -26,8 +24,6 @@ public:
         posts.emplace_back(notification, delivery);
         m_observers.post(notification);
     }
-    /// A post of some other process.
-    void receive(const Notification &notification) { m_observers.post(notification); }
 
 private:
     NotificationCenter m_observers;

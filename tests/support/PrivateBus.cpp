@@ -6,6 +6,7 @@
 #include <sys/prctl.h>
 
 #include <csignal>
+#include <fstream>
 
 namespace ambertide {
 
@@ -22,17 +23,15 @@ constexpr char configuration[] = R"(<busconfig>
 } // namespace
 
 PrivateBus::PrivateBus(const char *addressVariable)
-
 {
-    QFile file(m_folder.filePath(QStringLiteral("bus.conf")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(QString::fromLatin1(configuration).arg(m_folder.path()).toUtf8()) < 0)
-        qFatal("The private bus cannot be configured");
-    file.close();
+    const auto folder = m_folder.path();
+    std::ofstream((folder + QStringLiteral("/bus.conf")).toStdString())
+        << QString::fromLatin1(configuration).arg(folder).toStdString();
     m_daemon.setProgram(QStringLiteral("dbus-daemon"));
-    m_daemon.setArguments({QStringLiteral("--config-file=") + file.fileName(), QStringLiteral("--nofork"),
+    m_daemon.setArguments({QStringLiteral("--config-file=%1/bus.conf").arg(folder), QStringLiteral("--nofork"),
                            QStringLiteral("--print-address=1")});
     m_daemon.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    qputenv(addressVariable, "unix:path=" + m_folder.path().toUtf8() + "/bus");
+    qputenv(addressVariable, "unix:path=" + folder.toUtf8() + "/bus");
     start();
 }
 
@@ -41,7 +40,7 @@ PrivateBus::~PrivateBus() { stop(); }
 void PrivateBus::start()
 {
     m_daemon.start();
-    if (!m_daemon.waitForReadyRead()) // the address, written once it listens
+    if (!m_daemon.waitForReadyRead()) // the written once it listens
         qFatal("The private bus does not start: %s", m_daemon.readAllStandardError().constData());
 }
 

@@ -1,11 +1,11 @@
 #include "support/PrivateXServer.h"
 
-#include <QFile>
 #include <QRandomGenerator>
 
 #include <sys/prctl.h>
 
 #include <csignal>
+#include <fstream>
 #include <stdexcept>
 
 namespace ambertide {
@@ -22,28 +22,23 @@ Section "Device"
     Driver "dummy"
     VideoRam 256000
 EndSection
-Section "Screen"
-    Identifier "screen"
-    Device "dummy"
-EndSection
 )";
+
+QStringList words(const QString &line) { return line.split(QLatin1Char(' ')); }
 
 } // namespace
 
 PrivateXServer::PrivateXServer(Kind kind) : m_kind(kind)
 {
-    {
-        QFile configuration(m_folder.filePath(QStringLiteral("xorg.conf")));
-        if (!configuration.open(QIODevice::WriteOnly) || configuration.write(dummyConfiguration) < 0)
-            throw std::runtime_error("cannot write the configuration of the X server");
-    }
+    std::ofstream(m_folder.filePath(QStringLiteral("xorg.conf")).toStdString()) << dummyConfiguration;
     m_process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
     // Far apart at random rather than the first that is free: another test would take that while this one restarts.
-    for (int attempt = 0; attempt < 5 && !isRunning(); ++attempt) {
+    for (int attempt = 1; attempt < 5 && !isRunning(); ++attempt) {
         m_display = QStringLiteral(":%1").arg(QRandomGenerator::global()->bounded(1000, 59000));
         tryToStart();
     }
-    throwUnlessRunning();
+    if (!isRunning())
+        start();
 }
 
 PrivateXServer::~PrivateXServer() { stop(); }
@@ -51,29 +46,21 @@ PrivateXServer::~PrivateXServer() { stop(); }
 void PrivateXServer::start()
 {
     tryToStart();
-    throwUnlessRunning();
+    if (!isRunning())
+        throw std::runtime_error("the X server has not started: " + m_process.readAllStandardError().toStdString());
 }
 
 void PrivateXServer::tryToStart()
 {
-    QStringList arguments = QStringLiteral("-displayfd 1 -noreset -nolisten tcp").split(QLatin1Char(' '));
-    QString program = QStringLiteral("Xvfb");
-    if (m_kind == Kind::dummy) {
-        program = QStringLiteral("/usr/lib/xorg/Xorg"); // the one in PATH may be a wrapper that wants a console
-        arguments += QStringLiteral("-novtswitch -sharevts -keeptty -config").split(QLatin1Char(' '));
-        arguments += {m_folder.filePath(QStringLiteral("xorg.conf")), QStringLiteral("-logfile"),
-                      m_folder.filePath(QStringLiteral("xorg.log"))};
-    }
-    m_process.start(program, arguments + QStringList{m_display});
+    auto arguments = words(QStringLiteral("%1 -displayfd 1 -noreset -nolisten tcp").arg(m_display));
+    if (m_kind == Kind::dummy)
+        arguments += words(QStringLiteral("-novtswitch -sharevts -keeptty -config %1/xorg.conf -logfile %1/xorg.log")
+                               .arg(m_folder.path()));
+    // The Xorg in PATH may be a wrapper that wants a console.
+    m_process.start(QLatin1String(m_kind == Kind::dummy ? "/usr/lib/xorg/Xorg" : "Xvfb"), arguments);
     // It writes its number when it listens.
     while (m_process.state() != QProcess::NotRunning && !m_process.canReadLine())
         m_process.waitForReadyRead(30'000);
-}
-
-void PrivateXServer::throwUnlessRunning()
-{
-    if (!isRunning())
-        throw std::runtime_error("the X server has not started: " + m_process.readAllStandardError().toStdString());
 }
 
 void PrivateXServer::stop()
@@ -85,18 +72,17 @@ void PrivateXServer::stop()
     }
 }
 
-void PrivateXServer::xrandr(const QStringList &arguments) const
+void PrivateXServer::xrandr(const QString &arguments) const
 {
-    if (QProcess::execute(QStringLiteral("xrandr"), QStringList{QStringLiteral("--display"), m_display} + arguments) !=
-        0)
-        throw std::runtime_error("xrandr failed: " + arguments.join(QLatin1Char(' ')).toStdString());
+    const auto all = words(QStringLiteral("--display %1 %2").arg(m_display, arguments));
+    if (QProcess::execute(QStringLiteral("xrandr"), all) != 0)
+        throw std::runtime_error("xrandr failed: " + arguments.toStdString());
 }
 
 void PrivateXServer::switchOn(const QString &output) const
 {
-    const auto mode = QStringLiteral("640x480");
-    xrandr({QStringLiteral("--addmode"), output, mode});
-    xrandr({QStringLiteral("--output"), output, QStringLiteral("--mode"), mode});
+    xrandr(QStringLiteral("--addmode %1 640x480").arg(output));
+    xrandr(QStringLiteral("--output %1 --mode 640x480").arg(output));
 }
 
 } // namespace ambertide

@@ -26,17 +26,13 @@ public:
     void start();
 
     /// Runs the `xrandr` program with these arguments.
-    void xrandr(const QStringList &arguments) const;
+    void xrandr(const QString &arguments) const;
     void switchOn(const QString &output) const;
-    void switchOff(const QString &output) const
-    {
-        xrandr({QStringLiteral("--output"), output, QStringLiteral("--off")});
-    }
+    void switchOff(const QString &output) const { xrandr(QStringLiteral("--output %1 --off").arg(output)); }
 
 private:
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     void tryToStart();
-    void throwUnlessRunning();
 
     const Kind m_kind;
     QTemporaryDir m_folder;

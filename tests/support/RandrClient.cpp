@@ -67,14 +67,6 @@ RandrClient::Ramp RandrClient::ramp(xcb_randr_crtc_t crtc)
             table(xcb_randr_get_crtc_gamma_blue(reply.get()))};
 }
 
-void RandrClient::setRamp(xcb_randr_crtc_t crtc, const Ramp &ramp)
-{
-    const auto cookie = xcb_randr_set_crtc_gamma_checked(m_xcb, crtc, static_cast<std::uint16_t>(ramp[0].size()),
-                                                         ramp[0].data(), ramp[1].data(), ramp[2].data());
-    if (xcb_request_check(m_xcb, cookie))
-        throw std::runtime_error("the X server refused the ramp");
-}
-
 bool RandrClient::showsIdentityEverywhere()
 {
     return std::ranges::all_of(crtcs(), [this](auto crtc) { return std::ranges::all_of(ramp(crtc), isIdentity); });

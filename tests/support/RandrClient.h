@@ -26,7 +26,6 @@ public:
     /// Those that show a picture.
     std::vector<xcb_randr_crtc_t> activeCrtcs();
     Ramp ramp(xcb_randr_crtc_t crtc);
-    void setRamp(xcb_randr_crtc_t crtc, const Ramp &ramp);
     /// Whether each CRTC shows levels as they are, to within a rounding.
     bool showsIdentityEverywhere();
 

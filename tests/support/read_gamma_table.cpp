@@ -5,20 +5,13 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 
 int main()
 {
     const char *display = std::getenv("DISPLAY");
-    try {
-        ambertide::RandrClient client(display != nullptr ? display : "");
-        for (const auto crtc : client.activeCrtcs()) {
-            const auto ramp = client.ramp(crtc);
-            std::printf("%d %d %d\n", ramp[0].back(), ramp[1].back(), ramp[2].back());
-        }
-    } catch (const std::exception &failure) {
-        std::fprintf(stderr, "read-gamma-table: %s\n", failure.what());
-        return 1;
+    ambertide::RandrClient client(display != nullptr ? display : "");
+    for (const auto crtc : client.activeCrtcs()) {
+        const auto ramp = client.ramp(crtc);
+        std::printf("%d %d %d\n", ramp[0].back(), ramp[1].back(), ramp[2].back());
     }
-    return 0;
 }
