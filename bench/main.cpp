@@ -278,6 +278,16 @@ private:
     QProcess m_application;
 };
 
+/// What this machine takes for a thread to wake up and go back to sleep, and nothing else.
+std::chrono::nanoseconds bareWakeUp()
+{
+    constexpr int wakeUps = 12;
+    const auto before = ProcessCost::of(getpid());
+    for (int i = 0; i < wakeUps; ++i)
+        std::this_thread::sleep_for(700ms);
+    return (ProcessCost::of(getpid()) - before).cpuTime / wakeUps;
+}
+
 void measureIdle(Session &session, const char *state, double wakeUps, double cpuMilliseconds)
 {
     const auto before = ProcessCost::of(session.process());
@@ -287,6 +297,9 @@ void measureIdle(Session &session, const char *state, double wakeUps, double cpu
           "");
     print((std::string("idle, ") + state + ": CPU a minute").c_str(), Milliseconds(cost.cpuTime).count(),
           cpuMilliseconds, "ms");
+    const auto bare = bareWakeUp() * cost.wakeUps;
+    std::printf("%-66s %9.2f\n", "  in times of as many wake-ups of a thread that does nothing",
+                Milliseconds(cost.cpuTime) / Milliseconds(bare));
 }
 
 void measureApplication()
@@ -377,32 +390,39 @@ void measureBusInterfaces()
     session.start();
     session.waitUntilReached();
     Caller caller;
-    print("KRunner's Match, whole call", medianOf(201, [&] {
-              return millisecondsFor([&] {
-                  caller.call(bus_names::runnerPath, "org.kde.krunner1", "Match", "s",
-                              "set display temperature to 3400K in Ambertide");
-              });
-          }),
+    print("KRunner's Match, whole call",
+          medianOf(201,
+                   [&] {
+                       return millisecondsFor([&] {
+                           caller.call(bus_names::runnerPath, "org.kde.krunner1", "Match", "s",
+                                       "set display temperature to 3400K in Ambertide");
+                       });
+                   }),
           2, "ms");
-    print("GNOME Shell's GetResultMetas for five, whole call", medianOf(201, [&] {
-              return millisecondsFor([&] {
-                  caller.call(bus_names::searchProviderPath, "org.gnome.Shell.SearchProvider2", "GetResultMetas", "as", 5,
-                              "k1000", "k1900", "k2700", "k3400", "k4200");
-              });
-          }),
+    print("GNOME Shell's GetResultMetas for five, whole call",
+          medianOf(201,
+                   [&] {
+                       return millisecondsFor([&] {
+                           caller.call(bus_names::searchProviderPath, "org.gnome.Shell.SearchProvider2",
+                                       "GetResultMetas", "as", 5, "k1000", "k1900", "k2700", "k3400", "k4200");
+                       });
+                   }),
           2, "ms");
     session.settle();
     int next = 0;
-    print("a write of the property Temperature to the first new table", medianOf(11, [&] {
-              const auto before = session.shown();
-              const auto start = Clock::now();
-              caller.call(bus_names::applicationPath, "org.freedesktop.DBus.Properties", "Set", "ssv",
-                          bus_names::temperatureInterface, "Temperature", "d", next++ % 2 == 0 ? 4000.0 : 3000.0);
-              waitFor("no table after the write", [&] { return session.shown() != before; });
-              const double time = Milliseconds(Clock::now() - start).count();
-              session.settle();
-              return time;
-          }),
+    print("a write of the property Temperature to the first new table",
+          medianOf(11,
+                   [&] {
+                       const auto before = session.shown();
+                       const auto start = Clock::now();
+                       caller.call(bus_names::applicationPath, "org.freedesktop.DBus.Properties", "Set", "ssv",
+                                   bus_names::temperatureInterface, "Temperature", "d",
+                                   next++ % 2 == 0 ? 4000.0 : 3000.0);
+                       waitFor("no table after the write", [&] { return session.shown() != before; });
+                       const double time = Milliseconds(Clock::now() - start).count();
+                       session.settle();
+                       return time;
+                   }),
           120, "ms");
     session.stop();
 }

@@ -8,8 +8,8 @@
 
 namespace ambertide {
 
-/// The composition root: makes the one model, the updater and the delegate, in this order, over the ports of the system it runs on.
-/// Main thread. Destroying it gives the displays back, in the background.
+/// The composition root: makes the one model, the updater and the delegate, in this order, over the ports of the system
+/// it runs on. Main thread. Destroying it gives the displays back, in the background.
 class AmbertideApp
 {
 public:

@@ -110,9 +110,9 @@ int main(int argc, char *argv[])
 
     bool isSuperfluous = false;
     std::optional<AmbertideApp> ambertide(
-        std::in_place, AmbertideApp::Ports{*displays, executor, wake, userDefaults, distributedNotifications,
-                                           runningApplications, calendar, mainBundle, createUpdaterController,
-                                           [&] { isSuperfluous = true; }});
+        std::in_place,
+        AmbertideApp::Ports{*displays, executor, wake, userDefaults, distributedNotifications, runningApplications,
+                            calendar, mainBundle, createUpdaterController, [&] { isSuperfluous = true; }});
     ambertide->delegate().applicationDidFinishLaunching();
     if (isSuperfluous) {
         // The displays are the other copy's: this one must go without giving them back.

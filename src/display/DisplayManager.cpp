@@ -30,9 +30,9 @@ SignalTarget &globalDisplayManagerForSignals()
     return *target;
 }
 
-/// The process blocks both signals everywhere but in one thread that holds no lock, so this may take locks itself, once it
-/// cannot be interrupted by the other signal. The process ends without waiting for the reset; what it leaves undone is
-/// made good from outside.
+/// The process blocks both signals everywhere but in one thread that holds no lock, so this may take locks itself, once
+/// it cannot be interrupted by the other signal. The process ends without waiting for the reset; what it leaves undone
+/// is made good from outside.
 void termSignalHandler(int /*signal*/)
 {
     std::signal(SIGTERM, SIG_IGN);

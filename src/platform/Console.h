@@ -5,8 +5,8 @@
 
 namespace ambertide::console {
 
-/// Writes one diagnostic line, cut to 4 KB, to standard output at once. Any thread. It never waits: a line for which the
-/// output has no room (full, closed, or a reader that does not read) is dropped.
+/// Writes one diagnostic line, cut to 4 KB, to standard output at once. Any thread. It never waits: a line for which
+/// the output has no room (full, closed, or a reader that does not read) is dropped.
 void print(std::string_view line);
 
 /// Hands lines to `sink` in place of standard output until called with an empty one. For tests; not while other threads

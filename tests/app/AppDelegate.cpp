@@ -50,7 +50,7 @@ class AppDelegateTest : public QObject
         }
         void receive(std::string name, std::optional<UserInfo> userInfo = {})
         {
-            distributed.receive({std::move(name), std::move(userInfo)});
+            distributed.post({std::move(name), std::move(userInfo)}, Delivery::standard);
             executor.runReady();
         }
     };
