@@ -83,10 +83,10 @@ private Q_SLOTS:
         QVERIFY(leftOver.open(QIODevice::WriteOnly));
         defaults.setBool("Ambertide.ScheduleEnabled", true);
         turnEventLoop();
+        QTRY_VERIFY(defaults.hasObject("B") && readFile(path).contains("Ambertide.ScheduleEnabled=true"));
         QVERIFY(readFile(path).contains("B=1"));
         QVERIFY(readFile(path).contains("Ambertide.Temperature=2700"));
         QVERIFY(readFile(path).contains("Other=1"));
-        QVERIFY(readFile(path).contains("Ambertide.ScheduleEnabled=true"));
     }
 
     void aBrokenFileIsSetAsideAndReported_data()

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QMetaObject>
 #include <QSettings>
 #include <QStandardPaths>
@@ -17,6 +18,8 @@ namespace ambertide {
 namespace {
 
 constexpr qint64 largestFile = 1'048'576; // bytes
+constexpr int longestWait = 300;          // ms, for another program that writes
+constexpr int millisecondsToStale = 500;
 
 QString settingsKey(std::string_view key) { return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())); }
 
@@ -173,9 +176,20 @@ void SettingsUserDefaults::write()
 {
     m_isWriteScheduled = false;
     m_hasWriteFailed = false;
-    refresh();
     if (m_unwritten.empty())
         return;
+    QDir().mkpath(QFileInfo(m_path).path());
+    // Keeps two writers from losing each other's changes. A program that was killed may have left the lock: it is
+    // waited for a moment, no more, and does not count once it is old.
+    QLockFile lock(m_path + QStringLiteral(".lock"));
+    lock.setStaleLockTime(millisecondsToStale);
+    if (!lock.tryLock(longestWait)) {
+        m_hasWriteFailed = true;
+        if (lock.error() != QLockFile::LockFailedError)
+            report("cannot be written; changes are kept until it can");
+        return;
+    }
+    refresh();
     auto values = m_unwritten;
     values.insert(m_stored.begin(), m_stored.end());
     if (m_health != Health::good || !replaceFile(values)) {
@@ -191,14 +205,13 @@ void SettingsUserDefaults::write()
 
 bool SettingsUserDefaults::replaceFile(const Values &values) const
 {
-    // QSettings waits for a lock file beside what it writes, and a program that was killed may have left one: it gets a
-    // file that nobody else writes, which then takes the place of the other. A link to the settings stays a link.
+    // QSettings would wait for a lock of its own without limit, so it gets a file that nobody else writes, which then
+    // takes the place of the other. A link to the settings stays a link.
     const QFileInfo old(m_path);
     const auto path = old.exists() ? old.canonicalFilePath() : m_path;
     const auto freshPath = path + QStringLiteral(".new");
     QFile::remove(freshPath);
     QFile::remove(freshPath + QStringLiteral(".lock"));
-    QDir().mkpath(QFileInfo(path).path());
     {
         QSettings fresh(freshPath, QSettings::IniFormat);
         for (const auto &[key, value] : values)
