@@ -18,7 +18,8 @@ namespace ambertide {
 ///
 /// A file that this class cannot have written (binary, not UTF-8, over 1 MiB, broken syntax, no regular file) is moved
 /// to a free name beside it and reported, never overwritten; what could be read of it is kept. A file that cannot be
-/// written is reported once and tried again at every read. Create and destroy on the main thread.
+/// written is reported once and tried again at every read. A write waits for another program's for 300 ms at most.
+/// Create and destroy on the main thread.
 class SettingsUserDefaults final : public UserDefaults
 {
 public:
