@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace ambertide {
+
+/// One line of the tray icon's context menu.
+struct TrayMenuItem
+{
+    std::string text; ///< UTF-8, in the user's language, without mnemonics; empty for a separating line
+    bool isEnabled = true;
+    std::function<void()> activate;
+};
+
+/// Port: the application's icon among the status icons of the desktop's panel. Main thread, callbacks as well. The icon
+/// goes with the object.
+class TrayIcon
+{
+public:
+    enum class Presence {
+        Pending, ///< the desktop may still be starting
+        Shown,
+        Nowhere ///< the desktop has no place for it; one that comes up later is taken, and the presence changes
+    };
+
+    struct Callbacks
+    {
+        std::function<void()> activated; ///< a click, or Return on the icon
+        std::function<void()> presenceChanged;
+    };
+
+    virtual ~TrayIcon() = default;
+
+    virtual Presence presence() const = 0;
+    /// Replaces the context menu, also while it is open. Left out where a menu would swallow the click on the icon.
+    virtual void setMenu(std::vector<TrayMenuItem> items) = 0;
+    /// One line, UTF-8, beside the application's name.
+    virtual void setToolTip(std::string text) = 0;
+};
+
+} // namespace ambertide
