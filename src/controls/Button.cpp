@@ -1,0 +1,159 @@
+#include "controls/Button.h"
+
+#include "controls/Drawing.h"
+#include "controls/Symbol.h"
+
+#include <QEvent>
+#include <QPainter>
+#include <QStyle>
+
+namespace ambertide {
+
+namespace {
+
+constexpr int buttonPaddingX = 12;
+constexpr int buttonPaddingY = 5;
+constexpr int ringGap = 2; // around a button, for its focus ring
+constexpr double cornerRadius = 6;
+constexpr double hoveredRowOpacity = 0.9;
+constexpr double disabledOpacity = 0.45;
+constexpr int rowSymbolSize = 14;
+constexpr int rowSymbolGap = 6;
+
+void prepare(QPushButton &button)
+{
+    button.setAutoDefault(true);
+    button.setAttribute(Qt::WA_Hover);
+    button.setFont(textFont(TextStyle::Body));
+}
+
+/// To be called with every event.
+void followFont(QPushButton &button, const QEvent &event)
+{
+    if (event.type() == QEvent::ApplicationFontChange) {
+        button.setFont(textFont(TextStyle::Body));
+        button.updateGeometry();
+    }
+}
+
+} // namespace
+
+Button::Button(const QString &text, Kind kind) : QPushButton(text), m_kind(kind)
+{
+    prepare(*this);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize Button::sizeHint() const
+{
+    const QFontMetrics metrics(font());
+    return {metrics.horizontalAdvance(text()) + 2 * (buttonPaddingX + ringGap),
+            metrics.height() + 2 * (buttonPaddingY + ringGap)};
+}
+
+bool Button::event(QEvent *event)
+{
+    followFont(*this, *event);
+    return QPushButton::event(event);
+}
+
+void Button::paintEvent(QPaintEvent *)
+{
+    const auto theme = Theme::of(palette());
+    const bool isProminent = m_kind == Kind::Prominent;
+    QPainter painter(this);
+    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
+    const QRectF shape = QRectF(rect()).adjusted(ringGap, ringGap, -ringGap, -ringGap);
+    fillRounded(painter, shape, cornerRadius, isProminent ? theme.accent : theme.button);
+    if (!isProminent || theme.isHighContrast)
+        strokeRounded(painter, shape, cornerRadius, theme.buttonOutline);
+    if (isDown())
+        fillRounded(painter, shape, cornerRadius, QColor(0, 0, 0, 40));
+    else if (underMouse() && isEnabled())
+        fillRounded(painter, shape, cornerRadius, isProminent ? QColor(0, 0, 0, 20) : theme.hover);
+    painter.setPen(isProminent ? theme.onAccent : theme.text);
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextShowMnemonic, text());
+    if (showsFocusRing(*this))
+        drawFocusRing(painter, rect(), cornerRadius + ringGap, theme.accent);
+}
+
+IconButton::IconButton(const Look &look, const QString &name) : m_look(look)
+{
+    prepare(*this);
+    setAccessibleName(name);
+    setToolTip(name);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize IconButton::sizeHint() const
+{
+    const int side = qRound(m_look.symbolSize * textScale()) + 2 * m_look.padding;
+    return {side, side};
+}
+
+bool IconButton::event(QEvent *event)
+{
+    followFont(*this, *event);
+    return QPushButton::event(event);
+}
+
+void IconButton::paintEvent(QPaintEvent *)
+{
+    const auto theme = Theme::of(palette());
+    QPainter painter(this);
+    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
+    const bool isHovered = underMouse() && isEnabled();
+    if (isHovered)
+        fillRounded(painter, rect(), cornerRadius, theme.hover);
+    const double size = width() - 2.0 * m_look.padding;
+    const QRectF square(m_look.padding, (height() - size) / 2, size, size);
+    drawSymbol(painter, square, m_look.symbol, theme.*(isHovered && m_look.hoverInk ? *m_look.hoverInk : m_look.ink));
+    if (showsFocusRing(*this))
+        drawFocusRing(painter, rect(), cornerRadius, theme.accent);
+}
+
+RowButton::RowButton(const QString &text, const Look &look) : QPushButton(text), m_look(look)
+{
+    prepare(*this);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+QSize RowButton::sizeHint() const
+{
+    const QFontMetrics metrics(font());
+    const int symbol = m_look.symbol ? qRound(rowSymbolSize * textScale()) + rowSymbolGap : 0;
+    return {metrics.horizontalAdvance(text()) + symbol + 2 * m_look.horizontalPadding,
+            metrics.height() + 2 * m_look.verticalPadding};
+}
+
+bool RowButton::event(QEvent *event)
+{
+    followFont(*this, *event);
+    return QPushButton::event(event);
+}
+
+void RowButton::paintEvent(QPaintEvent *)
+{
+    const auto theme = Theme::of(palette());
+    QPainter painter(this);
+    const bool isHovered = underMouse() && isEnabled();
+    painter.setOpacity(!isEnabled() ? disabledOpacity : isHovered ? hoveredRowOpacity : 1);
+    if (isHovered)
+        fillRounded(painter, rect(), cornerRadius, theme.hover);
+    const QColor ink = theme.*(isHovered ? m_look.hoverInk : m_look.ink);
+    QRect line = rect().adjusted(m_look.horizontalPadding, 0, -m_look.horizontalPadding, 0);
+    if (m_look.symbol) {
+        const int size = qRound(rowSymbolSize * textScale());
+        const QRect square(line.left(), (height() - size) / 2, size, size);
+        drawSymbol(painter, style()->visualRect(layoutDirection(), rect(), square), *m_look.symbol, ink);
+        line.setLeft(line.left() + size + rowSymbolGap);
+    }
+    painter.setPen(ink);
+    painter.drawText(style()->visualRect(layoutDirection(), rect(), line),
+                     static_cast<int>(style()->visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter)),
+                     text());
+    if (showsFocusRing(*this))
+        drawFocusRing(painter, rect(), cornerRadius, theme.accent);
+}
+
+} // namespace ambertide
