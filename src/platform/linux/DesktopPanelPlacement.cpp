@@ -1,0 +1,49 @@
+#include "platform/linux/DesktopPanelPlacement.h"
+
+#include <QGuiApplication>
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+namespace ambertide {
+
+namespace {
+
+struct Freeing
+{
+    void operator()(void *reply) const { std::free(reply); }
+};
+
+bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
+
+/// EWMH: a compositing manager owns this selection.
+bool hasCompositor(xcb_connection_t *connection)
+{
+    const std::string name = "_NET_WM_CM_S0";
+    const std::unique_ptr<xcb_intern_atom_reply_t, Freeing> atom(xcb_intern_atom_reply(
+        connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()), nullptr));
+    if (!atom)
+        return false;
+    const std::unique_ptr<xcb_get_selection_owner_reply_t, Freeing> owner(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
+    return owner && owner->owner != XCB_WINDOW_NONE;
+}
+
+} // namespace
+
+PanelPlacement::Manner DesktopPanelPlacement::manner() const { return isWayland() ? Manner::Window : Manner::Popup; }
+
+bool DesktopPanelPlacement::hasTransparency() const
+{
+    if (isWayland())
+        return true;
+    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 != nullptr && hasCompositor(x11->connection());
+}
+
+void DesktopPanelPlacement::anchor(QWindow &) {}
+
+} // namespace ambertide
