@@ -66,12 +66,17 @@ MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     layout->setContentsMargins(0, 0, 0, bottomPadding);
     layout->addWidget(header());
     auto *body = new QVBoxLayout;
-    body->setSpacing(bodySpacing);
+    body->setSpacing(0);
     body->addLayout(padded(m_temperatureLabel, defaultPadding));
+    body->addSpacing(bodySpacing);
     body->addLayout(padded(block, defaultPadding));
+    body->addSpacing(bodySpacing - TemperatureSlider::shadowRoom);
     body->addLayout(padded(new Divider, 0, dividerPadding));
+    body->addSpacing(bodySpacing);
     body->addLayout(padded(m_schedule, rowMargin));
+    body->addSpacing(bodySpacing);
     body->addLayout(padded(new Divider, 0, dividerPadding));
+    body->addSpacing(bodySpacing);
     body->addLayout(padded(quit, rowMargin));
     layout->addLayout(body);
     setFocusProxy(m_slider);

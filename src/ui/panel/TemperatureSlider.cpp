@@ -17,7 +17,7 @@ namespace ambertide {
 
 namespace {
 
-constexpr int thumbSize = 20; // the slider's height, too
+constexpr int thumbSize = 20;
 constexpr double trackHeight = 8;
 constexpr double trackRadius = 8;
 constexpr int preferredWidth = 268;
@@ -31,12 +31,12 @@ TemperatureSlider::TemperatureSlider(double value, const Range &range)
     : m_range(range), m_value(value), m_localValue(value)
 {
     AccessibleTemperatureSlider::install();
-    setFixedHeight(thumbSize);
+    setFixedHeight(thumbSize + shadowRoom);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setFocusPolicy(Qt::StrongFocus);
 }
 
-QSize TemperatureSlider::sizeHint() const { return {preferredWidth, thumbSize}; }
+QSize TemperatureSlider::sizeHint() const { return {preferredWidth, thumbSize + shadowRoom}; }
 
 QString TemperatureSlider::spokenValue() const
 {

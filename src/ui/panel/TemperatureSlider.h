@@ -21,6 +21,9 @@ public:
         double step;
     };
 
+    /// Logical pixels below the slider's 20 that its thumb's shadow falls on.
+    static constexpr int shadowRoom = 3;
+
     TemperatureSlider(double value, const Range &range);
 
     /// The value that the slider edits, which its owner holds.
