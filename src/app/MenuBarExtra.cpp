@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 namespace {
 
 /// The press on the icon that closes an open panel reaches the icon as well, on some desktops with its release.
-constexpr qint64 sameClick = 250; // ms
+constexpr auto sameClick = 250ms;
 
 } // namespace
 
@@ -49,7 +49,7 @@ void MenuBarExtra::toggle()
 {
     if (m_panel)
         m_panel->close();
-    else if (!m_sinceClosed.isValid() || m_sinceClosed.elapsed() > sameClick)
+    else if (!m_hasJustClosed)
         open(m_ports.placement.manner());
 }
 
@@ -77,13 +77,15 @@ void MenuBarExtra::open(PanelPlacement::Manner manner)
 
 void MenuBarExtra::panelClosed()
 {
-    m_sinceClosed.start();
     m_panel->deleteLater();
     m_panel.clear();
+    m_hasJustClosed = true;
+    m_justClosed.cancel();
+    m_justClosed = onMainAfter(sameClick, &MenuBarExtra::forgetClosing);
     if (m_ports.viewModel.isNeutralTemperature())
         return;
-    reapplyAfter(500ms);
-    reapplyAfter(2s);
+    onMainAfter(500ms, &MenuBarExtra::reapplyIfTinted);
+    onMainAfter(2s, &MenuBarExtra::reapplyIfTinted);
 }
 
 void MenuBarExtra::reapplyIfTinted()
@@ -92,13 +94,14 @@ void MenuBarExtra::reapplyIfTinted()
         m_ports.viewModel.reapplyCurrentTemperature();
 }
 
-void MenuBarExtra::reapplyAfter(std::chrono::nanoseconds delay)
+Task MenuBarExtra::onMainAfter(std::chrono::nanoseconds delay, void (MenuBarExtra::*action)())
 {
-    Task::start(m_ports.executor, [weak = std::weak_ptr(m_self), delay](TaskContext context) -> Async {
+    return Task::start(m_ports.executor, [weak = std::weak_ptr(m_self), delay, action](TaskContext context) -> Async {
         co_await context.sleep(delay);
         co_await context.onMain();
+        context.throwIfCancelled();
         if (const auto self = weak.lock())
-            self->reapplyIfTinted();
+            (self.get()->*action)();
     });
 }
 

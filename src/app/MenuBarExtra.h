@@ -6,7 +6,6 @@
 #include "platform/PanelPlacement.h"
 #include "platform/TrayIcon.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 
@@ -50,15 +49,17 @@ public:
 private:
     void open(PanelPlacement::Manner manner);
     void panelClosed();
+    void forgetClosing() { m_hasJustClosed = false; }
     void reapplyIfTinted();
-    void reapplyAfter(std::chrono::nanoseconds delay);
+    Task onMainAfter(std::chrono::nanoseconds delay, void (MenuBarExtra::*action)());
     void updateMenu();
     void updateToolTip();
 
     Ports m_ports;
     std::unique_ptr<TrayIcon> m_icon;
     QPointer<PanelWindow> m_panel;
-    QElapsedTimer m_sinceClosed;
+    bool m_hasJustClosed = false;
+    Task m_justClosed;                    ///< ends that
     std::shared_ptr<MenuBarExtra> m_self; ///< owns nothing; tasks hold it weakly and look on the main thread
     Observation m_updaterObservation;
 };

@@ -1,4 +1,5 @@
 #include "app/AmbertideApp.h"
+#include "app/EndingSignals.h"
 #include "app/ModelTemperatureControl.h"
 #include "integration/SetColorTemperatureShortcut.h"
 #include "platform/linux/DBusActions.h"
@@ -23,34 +24,29 @@
 #include <QLoggingCategory>
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <future>
+#include <memory>
 #include <optional>
-#include <thread>
 
 namespace {
 
 using namespace ambertide;
 using namespace std::chrono_literals;
 
-/// Confines SIGTERM and SIGINT to a thread that does nothing but wait for them: their handler then never interrupts
-/// code that holds a lock or the allocator. Before any other thread is started.
-void confineEndingSignals()
+/// Keeps what has been asked for by now, as far as the main thread and the disk do their part in time.
+void keepSettings(SettingsUserDefaults &userDefaults)
 {
-    sigset_t ending;
-    sigemptyset(&ending);
-    sigaddset(&ending, SIGTERM);
-    sigaddset(&ending, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &ending, nullptr);
-    std::thread([ending] {
-        pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
-        for (;;)
-            pause();
-    }).detach();
+    constexpr auto timeForEach = 150ms;
+    const auto turn = std::make_shared<std::promise<void>>(); // may come long after nobody waits for it
+    QMetaObject::invokeMethod(
+        qApp, [turn] { turn->set_value(); }, Qt::QueuedConnection);
+    turn->get_future().wait_for(timeForEach);
+    userDefaults.flush(timeForEach);
 }
 
 /// Descriptors 0 to 2 that were closed at the start would be given to sockets, and lines printed into those.
@@ -95,6 +91,7 @@ int main(int argc, char *argv[])
     const PlistMainBundle mainBundle(program);
     const SystemCalendar calendar;
     SettingsUserDefaults userDefaults;
+    setLastWork([&userDefaults] { keepSettings(userDefaults); });
     DBusSession sessionBus(SdBusKind::session);
     DBusSession systemBus(SdBusKind::system);
     DBusNotificationCenter distributedNotifications(sessionBus);
@@ -135,8 +132,10 @@ int main(int argc, char *argv[])
     // Ending already; the handler must not meet what is being taken down.
     std::signal(SIGTERM, SIG_IGN);
     std::signal(SIGINT, SIG_IGN);
+    setLastWork({});
     if (!executor.waitUntilIdle(1s)) {
         // The display server does not answer. Waiting for it is the guardian's job.
+        userDefaults.flush(300ms);
         std::_Exit(status);
     }
     return status;
