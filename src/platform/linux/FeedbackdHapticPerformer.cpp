@@ -8,6 +8,8 @@ namespace {
 
 /// Event Naming Specification of feedbackd.
 constexpr char event[] = "button-pressed";
+/// Felt, not heard.
+constexpr char profile[] = "quiet";
 /// Feedback that goes on by itself is played once.
 constexpr int onlyOnce = -1;
 
@@ -23,7 +25,8 @@ void FeedbackdHapticPerformer::performLevelChange()
     const SdBusMessage owner(message);
     sd_bus_message_set_expect_reply(message, 0);
     sd_bus_message_set_auto_start(message, 0);
-    if (sd_bus_message_append(message, "ssa{sv}i", bus_names::application, event, 0, onlyOnce) >= 0)
+    if (sd_bus_message_append(message, "ssa{sv}i", bus_names::application, event, 1, "profile", "s", profile,
+                              onlyOnce) >= 0)
         m_session.send(owner);
 }
 
