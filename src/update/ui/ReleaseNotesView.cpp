@@ -1,6 +1,7 @@
 #include "update/ui/ReleaseNotesView.h"
 
 #include "controls/Drawing.h"
+#include "controls/ScrollBar.h"
 #include "controls/TextStyle.h"
 #include "controls/Theme.h"
 
@@ -13,7 +14,7 @@ namespace ambertide {
 
 namespace {
 
-constexpr int leastHeight = 200; // logical pixels
+constexpr int leastHeight = 200; // logical pixels, with the usual font
 constexpr double padding = 8;
 constexpr double focusRingRadius = 6;
 
@@ -25,9 +26,9 @@ ReleaseNotesView::ReleaseNotesView()
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setTabChangesFocus(true);
     setFrameShape(QFrame::NoFrame);
+    setVerticalScrollBar(new ScrollBar);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(padding);
-    setMinimumHeight(leastHeight);
     setAccessibleName(tr("Release Notes"));
     setPlaceholderText(tr("There are no release notes."));
     follow();
@@ -43,6 +44,7 @@ bool ReleaseNotesView::event(QEvent *event)
 void ReleaseNotesView::follow()
 {
     setFont(textFont(TextStyle::Body));
+    setMinimumHeight(qRound(leastHeight * textScale()));
     const auto theme = Theme::of(QApplication::palette());
     QPalette inks;
     inks.setColor(QPalette::Text, theme.text);

@@ -10,10 +10,13 @@ namespace ambertide {
 
 namespace {
 
-constexpr int margin = 20; // logical pixels, as all below
+// Logical pixels. What is seen of the icon and of a button begins somewhat inside of its edges.
+constexpr int margin = 20;
+constexpr int iconInset = 4;
+constexpr int buttonInset = 2;
 constexpr int gap = 12;
 constexpr int smallGap = 8;
-constexpr int iconGap = 16;
+constexpr int iconGap = 12;
 constexpr int iconSize = 64;
 
 TextLabel *wrappedLabel(const QString &text, TextStyle style)
@@ -39,6 +42,7 @@ UpdatePage::UpdatePage(const QString &heading, const QString &sentence, QWidget 
         m_texts->addWidget(wrappedLabel(sentence, TextStyle::Body));
 
     auto *top = new QHBoxLayout;
+    top->setContentsMargins(0, 0, iconInset, 0);
     top->setSpacing(iconGap);
     top->addWidget(new ApplicationIcon(iconSize), 0, Qt::AlignTop);
     auto *centred = new QVBoxLayout;
@@ -47,7 +51,10 @@ UpdatePage::UpdatePage(const QString &heading, const QString &sentence, QWidget 
     centred->addStretch();
     top->addLayout(centred, 1);
 
+    m_across->setContentsMargins(iconInset, 0, iconInset, 0);
+
     auto *buttons = new QHBoxLayout;
+    buttons->setContentsMargins(iconInset - buttonInset, 0, iconInset - buttonInset, 0);
     for (auto *part : {m_aside, m_row})
         part->setSpacing(smallGap);
     buttons->addLayout(m_aside);
@@ -55,7 +62,7 @@ UpdatePage::UpdatePage(const QString &heading, const QString &sentence, QWidget 
     buttons->addLayout(m_row);
 
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setContentsMargins(margin - iconInset, margin - iconInset, margin - iconInset, margin - buttonInset);
     layout->setSpacing(gap);
     layout->addLayout(top);
     layout->addLayout(m_across, 1);
