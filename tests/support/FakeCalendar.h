@@ -11,6 +11,7 @@ class FakeCalendar final : public Calendar
 {
 public:
     Date current;
+    bool knowsDates = true;
 
     static Date at(int hour, int minute) { return {hour * 3600.0 + minute * 60.0}; }
 
@@ -20,6 +21,12 @@ public:
         const double ofDay = date.secondsSinceReference - std::floor(date.secondsSinceReference / 86400) * 86400;
         const int minutes = static_cast<int>(ofDay / 60);
         return {.hour = minutes / 60, .minute = minutes % 60};
+    }
+    std::optional<Date> date(const DateComponents &timeOfDay) const override
+    {
+        if (!knowsDates)
+            return std::nullopt;
+        return at(timeOfDay.hour.value_or(0), timeOfDay.minute.value_or(0));
     }
 };
 
