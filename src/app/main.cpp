@@ -1,6 +1,10 @@
 #include "app/AmbertideApp.h"
+#include "app/AppScenes.h"
 #include "app/EndingSignals.h"
 #include "app/ModelTemperatureControl.h"
+#include "app/Translations.h"
+#include "integration/CLIInstaller.h"
+#include "integration/LaunchHelper.h"
 #include "integration/SetColorTemperatureShortcut.h"
 #include "platform/linux/DBusActions.h"
 #include "platform/linux/DBusApplicationObject.h"
@@ -8,8 +12,14 @@
 #include "platform/linux/DBusRunningApplications.h"
 #include "platform/linux/DBusSession.h"
 #include "platform/linux/DBusTemperatureObject.h"
+#include "platform/linux/DesktopPanelPlacement.h"
+#include "platform/linux/FeedbackdHapticPerformer.h"
 #include "platform/linux/LogindSystemWake.h"
+#include "platform/linux/PkexecPrivilegedRunner.h"
+#include "platform/linux/PortalAppearance.h"
 #include "platform/linux/SessionDisplayServices.h"
+#include "platform/linux/XdgLoginItem.h"
+#include "platform/linux/tray/DesktopTrayIcon.h"
 #include "platform/linux/update/PkexecUpdateInstaller.h"
 #include "platform/qt/PlistMainBundle.h"
 #include "platform/qt/QtMainActor.h"
@@ -21,6 +31,7 @@
 #include "update/ui/UpdateWindow.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QLoggingCategory>
 
 #include <fcntl.h>
@@ -88,6 +99,8 @@ int main(int argc, char *argv[])
     QApplication::setApplicationVersion(QStringLiteral(AMBERTIDE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));
 
+    installTranslations(application, QLocale().uiLanguages());
+
     const PlistMainBundle mainBundle(program);
     const SystemCalendar calendar;
     SettingsUserDefaults userDefaults;
@@ -105,19 +118,50 @@ int main(int argc, char *argv[])
                           [](UpdateSession &session) { return std::make_unique<UpdateWindow>(session); });
     const auto createUpdaterController = [&] { return std::make_unique<AppcastUpdaterController>(updates, executor); };
 
+    std::optional<AppScenes> scenes;
     bool isSuperfluous = false;
     std::optional<AmbertideApp> ambertide(
         std::in_place,
         AmbertideApp::Ports{*displays, executor, wake, userDefaults, distributedNotifications, runningApplications,
-                            calendar, mainBundle, createUpdaterController, [&] { isSuperfluous = true; }});
+                            calendar, mainBundle, createUpdaterController, [&] { isSuperfluous = true; },
+                            [&] {
+                                if (scenes)
+                                    scenes->bringSettingsForward();
+                            }});
     ambertide->delegate().applicationDidFinishLaunching();
     if (isSuperfluous) {
         // The displays are the other copy's: this one must go without giving them back.
         std::_Exit(EXIT_SUCCESS);
     }
     QApplication::setQuitOnLastWindowClosed(ambertide->delegate().applicationShouldTerminateAfterLastWindowClosed());
-    DBusApplicationObject busObject(sessionBus, [](const std::string &) {});
+
+    PkexecPrivilegedRunner privilegedRunner;
+    CLIInstaller::makeShared(mainBundle, privilegedRunner);
+    XdgLoginItem loginItem(mainBundle);
+    LaunchHelper::makeShared(loginItem);
+    PortalAppearance appearance(sessionBus);
+    FeedbackdHapticPerformer haptics(sessionBus);
+    DesktopPanelPlacement placement;
+    ThreadTaskExecutor installerExecutor(mainActor);
+    const auto createTrayIcon = [&](TrayIcon::Callbacks callbacks) {
+        return std::make_unique<DesktopTrayIcon>(sessionBus, mainBundle.path() / "Contents/Resources/icons",
+                                                 std::move(callbacks));
+    };
+    scenes.emplace(AppScenes::Ports{
+        ambertide->viewModel(), ambertide->updater(), executor, appearance, haptics, placement, createTrayIcon,
+        SettingsView::Ports{CLIInstaller::shared(), LaunchHelper::shared(), mainBundle, createUpdaterController,
+                            userDefaults, ambertide->notifications(), calendar, loginItem, installerExecutor},
+        [] { QCoreApplication::quit(); }});
+
+    DBusApplicationObject busObject(sessionBus, [&](const std::string &activationToken) {
+        // The toolkit takes the token from there when a window asks to be active.
+        if (!activationToken.empty())
+            qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+        scenes->activate();
+    });
     busObject.setAction("quit", [](const std::string &) { QCoreApplication::quit(); });
+    busObject.setAction("settings", [&](const std::string &) { scenes->showSettings(); });
+    busObject.setAction("check-for-updates", [&](const std::string &) { ambertide->updater().checkForUpdates(); });
     const auto perform = [&](ColorTemperature preset) {
         SetColorTemperatureShortcut{preset}.perform(userDefaults, distributedNotifications);
     };
@@ -127,6 +171,8 @@ int main(int argc, char *argv[])
 
     const int status = QApplication::exec();
 
+    scenes.reset();
+    privilegedRunner.cancel();
     ambertide->delegate().applicationWillTerminate();
     ambertide.reset();
     // Ending already; the handler must not meet what is being taken down.
