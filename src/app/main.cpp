@@ -76,8 +76,11 @@ void chooseToolkitPlatform()
 {
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return;
-    qputenv("QT_QPA_PLATFORM",
-            qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb;offscreen" : "wayland;xcb;offscreen");
+    // A compositor that is not there is left out, since the toolkit would complain of it at length.
+    const auto socket =
+        std::filesystem::path(qgetenv("XDG_RUNTIME_DIR").toStdString()) / qgetenv("WAYLAND_DISPLAY").toStdString();
+    std::error_code ignored;
+    qputenv("QT_QPA_PLATFORM", std::filesystem::is_socket(socket, ignored) ? "wayland;xcb;offscreen" : "xcb;offscreen");
     // The display adapter has said in one line what these would say in several.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
 }

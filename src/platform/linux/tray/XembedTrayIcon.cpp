@@ -1,5 +1,6 @@
 #include "platform/linux/tray/XembedTrayIcon.h"
 
+#include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/randr/XcbReply.h"
 
 #include <QGuiApplication>
@@ -39,10 +40,9 @@ XembedTrayIcon::XembedTrayIcon(const TrayArtwork &artwork, std::string name, Cal
 {
     for (const auto &image : artwork.images())
         m_drawing.addPixmap(QPixmap::fromImage(image));
-    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (x11 == nullptr)
+    m_connection = toolkitConnection();
+    if (m_connection == nullptr)
         return;
-    m_connection = x11->connection();
     m_traySelection = atom(m_connection, traySelection());
     m_managerMessage = atom(m_connection, "MANAGER");
     qGuiApp->installNativeEventFilter(this);
