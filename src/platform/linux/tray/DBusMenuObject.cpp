@@ -89,9 +89,9 @@ struct DBusMenuObject::Methods
 
     /// Reads one event and performs it once the caller has been answered. False for an unknown item, nothing for a
     /// malformed event.
-    static std::optional<bool> takeEvent(sd_bus_message *call, DBusMenuObject &menu, std::int32_t &identifier)
+    static std::optional<bool> takeEvent(sd_bus_message *call, SdBusReader &reader, DBusMenuObject &menu,
+                                         std::int32_t &identifier)
     {
-        SdBusReader reader(call);
         std::uint32_t time = 0;
         const bool hasIdentifier = sd_bus_message_read_basic(call, 'i', &identifier) > 0;
         const auto event = hasIdentifier ? reader.text() : std::nullopt;
@@ -104,8 +104,9 @@ struct DBusMenuObject::Methods
 
     static int event(sd_bus_message *call, void *context, sd_bus_error *error)
     {
+        SdBusReader reader(call);
         std::int32_t identifier = 0;
-        const auto isKnown = takeEvent(call, self(context), identifier);
+        const auto isKnown = takeEvent(call, reader, self(context), identifier);
         if (!isKnown)
             return -EINVAL;
         return *isKnown ? sd_bus_reply_method_return(call, "") : refuse(error);
@@ -113,6 +114,7 @@ struct DBusMenuObject::Methods
 
     static int eventGroup(sd_bus_message *call, void *context, sd_bus_error *)
     {
+        SdBusReader reader(call);
         std::vector<std::int32_t> unknown;
         if (const int result = sd_bus_message_enter_container(call, 'a', "(isvu)"); result < 0)
             return result;
@@ -120,7 +122,7 @@ struct DBusMenuObject::Methods
             if (sd_bus_message_enter_container(call, 'r', "isvu") <= 0)
                 break;
             std::int32_t identifier = 0;
-            const auto isKnown = takeEvent(call, self(context), identifier);
+            const auto isKnown = takeEvent(call, reader, self(context), identifier);
             if (!isKnown || sd_bus_message_exit_container(call) < 0)
                 return -EINVAL;
             if (!*isKnown)
