@@ -5,7 +5,6 @@
 
 #include <QGuiApplication>
 #include <QPixmap>
-#include <QTimer>
 
 #include <algorithm>
 #include <cstdlib>
@@ -45,6 +44,8 @@ XembedTrayIcon::XembedTrayIcon(const TrayArtwork &artwork, std::string name, Cal
         return;
     m_traySelection = atom(m_connection, traySelection());
     m_managerMessage = atom(m_connection, "MANAGER");
+    m_trayChange.setSingleShot(true);
+    QObject::connect(&m_trayChange, &QTimer::timeout, &m_trayChange, [this] { followTray(); });
     qGuiApp->installNativeEventFilter(this);
     followTray();
 }
@@ -60,7 +61,7 @@ bool XembedTrayIcon::nativeEventFilter(const QByteArray &, void *message, qintpt
                          announced->data.data32[1] == m_traySelection;
     const bool hasGone = kind == XCB_DESTROY_NOTIFY && destroyed->window == m_tray;
     if (hasCome || hasGone) // the toolkit is told first
-        QTimer::singleShot(0, &m_context, [this] { followTray(); });
+        m_trayChange.start();
     return false;
 }
 
