@@ -1,13 +1,13 @@
 #include "update/ui/ReleaseNotesView.h"
 
 #include "controls/Drawing.h"
-#include "controls/ScrollBar.h"
 #include "controls/TextStyle.h"
 #include "controls/Theme.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTextDocument>
 
 namespace ambertide {
@@ -26,7 +26,6 @@ ReleaseNotesView::ReleaseNotesView()
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setTabChangesFocus(true);
     setFrameShape(QFrame::NoFrame);
-    setVerticalScrollBar(new ScrollBar);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(padding);
     setAccessibleName(tr("Release Notes"));
@@ -50,6 +49,9 @@ void ReleaseNotesView::follow()
     inks.setColor(QPalette::Text, theme.text);
     inks.setColor(QPalette::PlaceholderText, theme.secondaryText);
     setPalette(inks);
+    QPalette surface;
+    surface.setColor(QPalette::Window, theme.card);
+    verticalScrollBar()->setPalette(surface);
 }
 
 void ReleaseNotesView::paintEvent(QPaintEvent *event)
