@@ -15,8 +15,8 @@ namespace ambertide {
 namespace {
 
 constexpr int leastHeight = 200; // logical pixels, with the usual font
-constexpr double padding = 8;
-constexpr double focusRingRadius = 6;
+constexpr double padding = 11;
+constexpr double focusRingRadius = 7;
 
 } // namespace
 

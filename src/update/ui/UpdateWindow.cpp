@@ -28,7 +28,7 @@ constexpr int progressSteps = 1000;
 
 Card *releaseNotesCard(const UpdateSession &session)
 {
-    constexpr int inset = 6; // keeps the scroll bar out of the card's corners
+    constexpr int inset = 3; // keeps square corners inside of the round ones
     auto *notes = new ReleaseNotesView;
     notes->setPlainText(session.releaseNotes());
     QObject::connect(&session, &UpdateSession::releaseNotesChanged, notes,
