@@ -13,7 +13,6 @@ namespace {
 
 constexpr int buttonPaddingX = 12;
 constexpr int buttonPaddingY = 5;
-constexpr int ringGap = 2; // around a button, for its focus ring
 constexpr double cornerRadius = 6;
 constexpr double hoveredRowOpacity = 0.9;
 constexpr double disabledOpacity = 0.45;

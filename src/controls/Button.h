@@ -16,6 +16,8 @@ class Button final : public QPushButton
 public:
     enum class Kind { Bordered, Prominent };
 
+    static constexpr int ringGap = 2; ///< logical pixels around what is drawn, for the focus ring
+
     explicit Button(const QString &text, Kind kind = Kind::Bordered);
 
     QSize sizeHint() const override;

@@ -41,6 +41,7 @@ void drawThumb(QPainter &painter, const QRectF &disc, bool isOutlined)
     constexpr double blur = 2; // logical pixels, as is the offset
     constexpr double offset = 1;
     constexpr float shadowOpacity = 0.15F;
+    constexpr float faintOutline = 0.08F;
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     const double radius = disc.width() / 2;
@@ -57,11 +58,10 @@ void drawThumb(QPainter &painter, const QRectF &disc, bool isOutlined)
     painter.drawEllipse(shadowCentre, radius + blur, radius + blur);
     painter.setBrush(Qt::white);
     painter.drawEllipse(disc);
-    if (isOutlined) {
-        painter.setPen(Qt::black);
-        painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(disc.adjusted(0.5, 0.5, -0.5, -0.5));
-    }
+    ink.setAlphaF(isOutlined ? 1 : faintOutline);
+    painter.setPen(QPen(ink, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(isOutlined ? disc.adjusted(0.5, 0.5, -0.5, -0.5) : disc);
 }
 
 bool areAnimationsWanted(const QWidget &control)

@@ -4,7 +4,8 @@
 
 namespace ambertide {
 
-/// The style under the controls: Fusion, with their sizes and the wish for less motion. QApplication takes it over.
+/// The style under the controls: Fusion, with their sizes, slim scroll bars
+/// and the wish for less motion. QApplication takes it over.
 class HouseStyle final : public QProxyStyle
 {
     Q_OBJECT
@@ -18,6 +19,10 @@ public:
 
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *returned) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
+                            const QWidget *widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
+                         const QWidget *widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override;
 
 private:

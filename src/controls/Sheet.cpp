@@ -8,7 +8,9 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QVBoxLayout>
+#include <QStyle>
+
+#include <utility>
 
 namespace ambertide {
 
@@ -27,21 +29,17 @@ QAccessibleInterface *accessibleSheet(const QString &className, QObject *object)
 } // namespace
 
 Sheet::Sheet(QWidget &host, QWidget *content, const QSize &size, const QString &accessibleName)
-    : QWidget(&host), m_surface(content), m_formerFocus(host.window()->focusWidget())
+    : QWidget(&host), m_smallest(size), m_surface(content, this), m_formerFocus(host.window()->focusWidget())
 {
     static const bool isFactoryInstalled = (QAccessible::installFactory(accessibleSheet), true);
     Q_UNUSED(isFactoryInstalled)
     setAccessibleName(accessibleName);
-    m_surface->setParent(this);
-    m_surface->setMinimumSize(size.expandedTo(m_surface->minimumSizeHint()));
-    m_surface->resize(m_surface->minimumSize());
     host.installEventFilter(this);
+    connect(&m_surface, &Page::idealHeightChanged, this, &Sheet::cover);
     cover();
     raise();
     show();
-    m_surface->setFocus(Qt::OtherFocusReason);
-    if (!m_surface->hasFocus())
-        focusNextPrevChild(true);
+    focusNextPrevChild(true);
 }
 
 void Sheet::dismiss()
@@ -49,20 +47,33 @@ void Sheet::dismiss()
     hide();
     if (m_formerFocus)
         m_formerFocus->setFocus(Qt::OtherFocusReason);
+    QCoreApplication::postEvent(parentWidget(), new QEvent(QEvent::LayoutRequest));
     deleteLater();
 }
 
-QSize Sheet::neededSize() const { return m_surface->minimumSize() + QSize(2 * margin, 2 * margin); }
+QSize Sheet::surfaceSize() const
+{
+    const int width = qMax(m_smallest.width(), m_surface.widget()->minimumSizeHint().width());
+    return {width, qMax(m_smallest.height(), m_surface.idealHeight(width))};
+}
+
+QSize Sheet::neededSize() const { return surfaceSize() + QSize(2 * margin, 2 * margin); }
 
 void Sheet::cover()
 {
     setGeometry(parentWidget()->rect());
-    m_surface->move((width() - m_surface->width()) / 2, (height() - m_surface->height()) / 2);
+    const QSize size = surfaceSize().boundedTo(this->size() - QSize(2 * margin, 2 * margin));
+    const QRect former = m_surface.geometry();
+    m_surface.setGeometry(QStyle::alignedRect(layoutDirection(), Qt::AlignCenter, size, rect()));
+    if (m_surface.geometry() != former)
+        update();
+    if (neededSize() != std::exchange(m_askedFor, neededSize()))
+        QCoreApplication::postEvent(parentWidget(), new QEvent(QEvent::LayoutRequest));
 }
 
 bool Sheet::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Resize)
+    if (watched == parentWidget() && event->type() == QEvent::Resize)
         cover();
     return QWidget::eventFilter(watched, event);
 }
@@ -100,7 +111,7 @@ void Sheet::paintEvent(QPaintEvent *)
     const auto theme = Theme::of(palette());
     QPainter painter(this);
     painter.fillRect(rect(), backdrop);
-    const QRectF shape = m_surface->geometry();
+    const QRectF shape = m_surface.geometry();
     fillRounded(painter, shape, cornerRadius, theme.panel);
     strokeRounded(painter, shape, cornerRadius, theme.hairline);
 }

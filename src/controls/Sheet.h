@@ -1,5 +1,7 @@
 #pragma once
 
+#include "controls/Page.h"
+
 #include <QPointer>
 #include <QWidget>
 
@@ -13,6 +15,7 @@ class Sheet final : public QWidget
 
 public:
     /// Shows `content`, which it takes over, in the middle of `host`, at `size` or what the content needs beyond that.
+    /// A host that is too small for it can grow: it is asked to lay itself out anew whenever neededSize() changes.
     Sheet(QWidget &host, QWidget *content, const QSize &size, const QString &accessibleName);
 
     /// Takes the sheet away and gives the focus back. `content` lives until control returns to the event loop.
@@ -35,8 +38,11 @@ protected:
 
 private:
     void cover();
+    QSize surfaceSize() const;
 
-    QWidget *m_surface = nullptr;
+    QSize m_smallest;
+    QSize m_askedFor;
+    Page m_surface;
     QPointer<QWidget> m_formerFocus;
 };
 

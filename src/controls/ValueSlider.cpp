@@ -56,7 +56,7 @@ void ValueSlider::paintEvent(QPaintEvent *)
     fillRounded(painter, track, trackHeight / 2, theme.track);
     fillRounded(painter, reached, trackHeight / 2, theme.accent);
     const QRectF disc(left, (height() - thumb) / 2.0, thumb, thumb);
-    drawThumb(painter, disc, theme.isHighContrast || !theme.isDark);
+    drawThumb(painter, disc, theme.isHighContrast);
     if (showsFocusRing(*this))
         drawFocusRing(painter, disc.adjusted(-ringGap, -ringGap, ringGap, ringGap), disc.width(), theme.accent);
 }

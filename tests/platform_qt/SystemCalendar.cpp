@@ -2,6 +2,7 @@
 
 #include <QTest>
 
+#include <climits>
 #include <cmath>
 #include <limits>
 
@@ -38,6 +39,22 @@ private Q_SLOTS:
         const auto time = SystemCalendar().timeOfDay({date});
         QTEST(time.hour.value_or(-1), "hour");
         QTEST(time.minute.value_or(-1), "minute");
+    }
+
+    void timesOfDayBecomeDatesWhateverTheClocksDoThatDay()
+    {
+        const auto date = [](const QByteArray &zone, const DateComponents &time) {
+            qputenv("TZ", zone);
+            return SystemCalendar().date(time).value_or(Date{-1}).secondsSinceReference;
+        };
+        QCOMPARE(date("IST-5:30", {.hour = 0, .minute = 1}), -19740.0);
+        QCOMPARE(date("UTC0", {}), 0.0);
+        for (const auto &[hour, minute] : {std::pair(24, 0), {1, 60}, {0, INT_MIN}, {INT_MAX, 0}})
+            QCOMPARE(date("UTC0", {.hour = hour, .minute = minute}), -1.0);
+        // Clocks go forward from 12:00 to 13:00 on the first Monday of January.
+        const QByteArray leap = "STD0DST,M1.1.1/12,M10.5.0";
+        QCOMPARE(date(leap, {.hour = 12, .minute = 30}), 86400 + 11.5 * 3600); // the day after
+        QCOMPARE(date(leap, {.hour = 13, .minute = 0}), 12 * 3600.0);
     }
 
     void whatIsNoDateHasNoTimeOfDay()

@@ -21,6 +21,10 @@ public:
         const int minutes = static_cast<int>(ofDay / 60);
         return {.hour = minutes / 60, .minute = minutes % 60};
     }
+    std::optional<Date> date(const DateComponents &timeOfDay) const override
+    {
+        return at(timeOfDay.hour.value_or(0), timeOfDay.minute.value_or(0));
+    }
 };
 
 } // namespace ambertide

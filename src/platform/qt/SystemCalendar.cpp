@@ -34,4 +34,22 @@ DateComponents SystemCalendar::timeOfDay(Date date) const
     return {.hour = local.tm_hour, .minute = local.tm_min};
 }
 
+std::optional<Date> SystemCalendar::date(const DateComponents &timeOfDay) const
+{
+    const DateComponents wanted = {.hour = timeOfDay.hour.value_or(0), .minute = timeOfDay.minute.value_or(0)};
+    // 2001-01-01, or where the clocks leave that time out, the day after.
+    for (const int day : {1, 2}) {
+        std::tm local = {};
+        local.tm_year = 2001 - 1900;
+        local.tm_mday = day;
+        local.tm_hour = *wanted.hour;
+        local.tm_min = *wanted.minute;
+        local.tm_isdst = -1;
+        const Date date = {static_cast<double>(std::mktime(&local)) - referenceDate};
+        if (this->timeOfDay(date) == wanted)
+            return date;
+    }
+    return std::nullopt;
+}
+
 } // namespace ambertide

@@ -10,6 +10,7 @@ class SystemCalendar final : public Calendar
 public:
     Date now() const override;
     DateComponents timeOfDay(Date date) const override;
+    std::optional<Date> date(const DateComponents &timeOfDay) const override;
 };
 
 } // namespace ambertide

@@ -1,0 +1,41 @@
+#include "controls/Alert.h"
+
+#include "controls/Button.h"
+
+#include <QVBoxLayout>
+
+namespace ambertide {
+
+namespace {
+
+constexpr int width = 320;
+constexpr int padding = 16;
+constexpr int gap = 8;
+constexpr int longestMessage = 600; // characters
+
+} // namespace
+
+Sheet *showAlert(QWidget &host, const QString &title, const QString &message, const QString &button)
+{
+    const bool isTooLong = message.size() > longestMessage;
+    auto *text = new TextLabel(isTooLong ? message.left(longestMessage) + QChar(0x2026) : message);
+    text->setWordWrap(true);
+    auto *dismiss = new Button(button, Button::Kind::Prominent);
+    auto *content = new QWidget;
+    auto *column = new QVBoxLayout(content);
+    column->setContentsMargins(padding, padding, padding, padding);
+    column->setSpacing(gap);
+    for (auto *label : {new TextLabel(title, TextStyle::Headline), text}) {
+        label->setAlignment(Qt::AlignHCenter);
+        column->addWidget(label);
+    }
+    column->addSpacing(gap);
+    column->addWidget(dismiss, 0, Qt::AlignHCenter);
+
+    auto *sheet = new Sheet(host, content, {width, 0}, title + QLatin1Char('\n') + message.left(longestMessage));
+    QObject::connect(dismiss, &Button::clicked, sheet, &Sheet::dismiss);
+    QObject::connect(sheet, &Sheet::cancelled, sheet, &Sheet::dismiss);
+    return sheet;
+}
+
+} // namespace ambertide

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QScrollArea>
+
+namespace ambertide {
+
+/// Shows a content that may be taller than there is room, and then scrolls it. Has no surface of its own. What takes
+/// the focus is scrolled into view.
+class Page final : public QScrollArea
+{
+    Q_OBJECT
+
+public:
+    /// Takes the content over.
+    explicit Page(QWidget *content, QWidget *parent = nullptr);
+    ~Page() override;
+
+    /// In logical pixels: how high the page has to be for nothing to be scrolled, at this width.
+    int idealHeight(int width) const;
+
+Q_SIGNALS:
+    void idealHeightChanged();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void revealFocus(QWidget *former, QWidget *focused);
+};
+
+} // namespace ambertide

@@ -1,0 +1,108 @@
+#include "ui/settings/AboutView.h"
+
+#include "controls/Button.h"
+#include "controls/Symbol.h"
+#include "controls/TextLabel.h"
+#include "platform/MainBundle.h"
+
+#include <QDesktopServices>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QSvgRenderer>
+#include <QVBoxLayout>
+
+static void registerIcon() { Q_INIT_RESOURCE(settings); }
+
+namespace ambertide {
+
+namespace {
+
+constexpr int iconSize = 100;
+constexpr int descriptionWidth = 250;
+constexpr int gapInBlock = 20;
+constexpr int gapAboveButton = 8;
+
+class ApplicationIcon final : public QWidget
+{
+public:
+    ApplicationIcon()
+    {
+        registerIcon();
+        m_renderer.load(QStringLiteral(":/settings/Icon.svg"));
+        setFixedSize(iconSize, iconSize);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        m_renderer.render(&painter, rect());
+    }
+
+private:
+    QSvgRenderer m_renderer;
+};
+
+QString appVersion(const MainBundle &bundle)
+{
+    const auto version = bundle.information("CFBundleShortVersionString");
+    const auto build = bundle.information("CFBundleVersion").value_or(std::string());
+    const QString text =
+        AboutView::tr("Version %1").arg(version ? QString::fromStdString(*version) : AboutView::tr("Unknown"));
+    return build.empty() ? text : text + QStringLiteral(" (%1)").arg(QString::fromStdString(build));
+}
+
+/// Invalid unless it is an address that is safe to hand to the desktop.
+QUrl webPage(const MainBundle &bundle)
+{
+    const auto address = bundle.information("AmbertideWebPage").value_or(std::string());
+    const QUrl page(QString::fromStdString(address), QUrl::StrictMode);
+    return page.scheme() == QLatin1String("https") && !page.host().isEmpty() ? page : QUrl();
+}
+
+} // namespace
+
+AboutView::AboutView(const MainBundle &bundle) : m_checkForUpdates(new Button(tr("Check for Updates...")))
+{
+    const QUrl page = webPage(bundle);
+    auto *link = new IconButton({.symbol = symbols::link, .ink = &Theme::accent, .hoverInk = &Theme::accentOnHover},
+                                tr("Web page"));
+    link->setEnabled(page.isValid());
+    connect(link, &IconButton::clicked, this, [page] { QDesktopServices::openUrl(page); });
+    connect(m_checkForUpdates, &Button::clicked, this, &AboutView::checkForUpdatesPressed);
+
+    auto *version = new TextLabel(appVersion(bundle), TextStyle::Body, &Theme::secondaryText);
+    version->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto *description = new TextLabel(tr("A simple solution to controling your display color temperature."),
+                                      TextStyle::Body, &Theme::secondaryText);
+    description->setWordWrap(true);
+    description->setAlignment(Qt::AlignHCenter);
+    description->setFixedWidth(descriptionWidth);
+
+    auto *column = new QVBoxLayout;
+    column->setSpacing(0);
+    column->addWidget(new ApplicationIcon, 0, Qt::AlignHCenter);
+    column->addSpacing(6);
+    column->addWidget(new TextLabel(QStringLiteral("Ambertide"), TextStyle::Title), 0, Qt::AlignHCenter);
+    column->addSpacing(4);
+    column->addWidget(version, 0, Qt::AlignHCenter);
+    column->addSpacing(gapInBlock);
+    auto *line = new QHBoxLayout; // an alignment would ask for the height at the whole width
+    line->addStretch();
+    line->addWidget(description);
+    line->addStretch();
+    column->addLayout(line);
+    column->addSpacing(gapInBlock + gapAboveButton);
+    column->addWidget(m_checkForUpdates, 0, Qt::AlignHCenter);
+
+    auto *grid = new QGridLayout(this);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->addWidget(link, 0, 0, Qt::AlignTop | Qt::AlignRight);
+    grid->addLayout(column, 0, 0);
+    setTabOrder(link, m_checkForUpdates);
+}
+
+void AboutView::setCanCheckForUpdates(bool canCheck) { m_checkForUpdates->setEnabled(canCheck); }
+
+} // namespace ambertide

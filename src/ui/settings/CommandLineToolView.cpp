@@ -1,0 +1,77 @@
+#include "ui/settings/CommandLineToolView.h"
+
+#include "controls/Button.h"
+#include "controls/Spinner.h"
+#include "controls/TextLabel.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace ambertide {
+
+namespace {
+
+constexpr int paddingX = 14;
+constexpr int paddingY = 10;
+constexpr int lineGap = 2;
+constexpr int usageGap = 4;
+constexpr int spinnerPaddingX = 8;
+
+TextLabel *caption(const QString &text)
+{
+    auto *label = new TextLabel(text, TextStyle::Caption, &Theme::secondaryText);
+    label->setWordWrap(true);
+    return label;
+}
+
+} // namespace
+
+CommandLineToolView::CommandLineToolView()
+    : m_button(new Button({})), m_spinner(new Spinner(tr("Waiting for the system"))), m_usage(new QWidget)
+{
+    auto *usage = new QVBoxLayout(m_usage);
+    usage->setContentsMargins(paddingX, usageGap, paddingX, usageGap);
+    usage->setSpacing(usageGap);
+    usage->addWidget(caption(tr("Usage:")));
+    for (const auto &command : {QStringLiteral("ambertide set <temperature>"), QStringLiteral("ambertide get")}) {
+        auto *line = caption(command);
+        line->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        usage->addWidget(line);
+    }
+
+    auto *title = new QVBoxLayout;
+    title->setSpacing(lineGap);
+    title->addWidget(new TextLabel(tr("Command Line Tool"), TextStyle::Headline));
+    title->addWidget(caption(tr("Control Ambertide from Terminal")));
+    auto *head = new QHBoxLayout;
+    head->setSpacing(0);
+    head->addSpacing(paddingX);
+    head->addLayout(title, 1);
+    head->addWidget(m_button);
+    head->addWidget(m_spinner);
+    head->addSpacing(paddingX - Button::ringGap);
+    m_spinner->setFixedSize(m_spinner->sizeHint().width() + 2 * spinnerPaddingX, m_button->sizeHint().height());
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, paddingY, 0, paddingY);
+    column->setSpacing(usageGap);
+    column->addLayout(head);
+    column->addWidget(m_usage);
+    connect(m_button, &Button::clicked, this, &CommandLineToolView::pressed);
+    setInstalled(false);
+    setProcessing(false);
+}
+
+void CommandLineToolView::setInstalled(bool isInstalled)
+{
+    m_button->setText(isInstalled ? tr("Uninstall") : tr("Install"));
+    m_usage->setVisible(isInstalled);
+}
+
+void CommandLineToolView::setProcessing(bool isProcessing)
+{
+    m_button->setHidden(isProcessing);
+    m_spinner->setVisible(isProcessing);
+}
+
+} // namespace ambertide

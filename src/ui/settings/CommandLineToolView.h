@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QWidget>
+
+namespace ambertide {
+
+class Button;
+class Spinner;
+
+/// The command-line tool: what it is, how it is used once it is there, and the button that installs or removes it.
+class CommandLineToolView final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    CommandLineToolView();
+
+    void setInstalled(bool isInstalled);
+    /// While it is, a spinner stands in for the button.
+    void setProcessing(bool isProcessing);
+
+Q_SIGNALS:
+    void pressed();
+
+private:
+    Button *m_button = nullptr;
+    Spinner *m_spinner = nullptr;
+    QWidget *m_usage = nullptr;
+};
+
+} // namespace ambertide

@@ -1,0 +1,113 @@
+#include "ui/settings/GeneralSettingsView.h"
+
+#include "controls/Alert.h"
+#include "controls/Card.h"
+#include "controls/SwitchRow.h"
+#include "integration/CLIInstaller.h"
+#include "integration/LaunchHelper.h"
+#include "platform/Task.h"
+#include "ui/settings/AboutView.h"
+#include "ui/settings/CommandLineToolView.h"
+
+#include <QVBoxLayout>
+
+namespace ambertide {
+
+namespace {
+
+constexpr int padding = 20;
+constexpr int topPadding = 6;
+constexpr int gap = 14;
+
+/// Why it failed, for a person; nothing on success.
+std::optional<std::string> run(CLIInstaller &installer, void (CLIInstaller::*operation)())
+{
+    try {
+        (installer.*operation)();
+    } catch (const std::exception &error) {
+        return error.what();
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+GeneralSettingsView::GeneralSettingsView(SettingsViewModel &viewModel, const Ports &ports)
+    : m_viewModel(viewModel), m_installer(ports.installer), m_installerExecutor(ports.installerExecutor),
+      m_sparkleUpdater(ports.createUpdaterController, ports.userDefaults),
+      m_updaterObservation(m_sparkleUpdater.observe(
+          [this] { QMetaObject::invokeMethod(this, &GeneralSettingsView::refresh, Qt::QueuedConnection); })),
+      m_cliInstalled(ports.installer.isInstalled()), m_about(new AboutView(ports.mainBundle)),
+      m_launchAtLogin(new SwitchRow(tr("Start at login"), SwitchRow::Kind::Form)),
+      m_automaticallyCheckForUpdates(new SwitchRow(tr("Automatically check for updates"), SwitchRow::Kind::Form)),
+      m_commandLineTool(new CommandLineToolView)
+{
+    auto *start = new Card;
+    start->addRow(m_launchAtLogin);
+    start->addRow(m_automaticallyCheckForUpdates);
+    auto *tool = new Card;
+    tool->addRow(m_commandLineTool);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(padding, topPadding, padding, padding);
+    column->setSpacing(gap);
+    column->addWidget(m_about);
+    column->addWidget(start);
+    column->addWidget(tool);
+    column->addStretch();
+
+    connect(m_about, &AboutView::checkForUpdatesPressed, this, [this] { m_sparkleUpdater.checkForUpdates(); });
+    connect(m_launchAtLogin, &SwitchRow::toggled, this, [this, &helper = ports.launchHelper](bool isOn) {
+        m_viewModel.setLaunchAtLogin(isOn);
+        helper.setLaunchAtLogin(isOn);
+    });
+    connect(m_automaticallyCheckForUpdates, &SwitchRow::toggled, this,
+            [this](bool isOn) { m_sparkleUpdater.setAutomaticallyChecksForUpdates(isOn); });
+    connect(m_commandLineTool, &CommandLineToolView::pressed, this, &GeneralSettingsView::installOrUninstall);
+    connect(&m_viewModel, &SettingsViewModel::changed, this, &GeneralSettingsView::refresh);
+    m_commandLineTool->setInstalled(m_cliInstalled);
+    refresh();
+}
+
+void GeneralSettingsView::refresh()
+{
+    m_about->setCanCheckForUpdates(m_sparkleUpdater.canCheckForUpdates());
+    m_launchAtLogin->show(m_viewModel.launchAtLogin());
+    m_automaticallyCheckForUpdates->show(m_sparkleUpdater.automaticallyChecksForUpdates());
+}
+
+void GeneralSettingsView::installOrUninstall()
+{
+    setProcessing(true);
+    // The window may be closed, and this gone, long before the prompt has been answered.
+    Task::start(
+        m_installerExecutor,
+        [view = QPointer(this), &installer = m_installer, wasInstalled = m_cliInstalled](TaskContext task) -> Async {
+            const auto error = run(installer, wasInstalled ? &CLIInstaller::uninstall : &CLIInstaller::install);
+            co_await task.onMain();
+            if (view)
+                view->finish(wasInstalled, error);
+        });
+}
+
+void GeneralSettingsView::finish(bool wasInstalled, const std::optional<std::string> &error)
+{
+    if (!error) {
+        m_cliInstalled = !wasInstalled;
+        m_commandLineTool->setInstalled(m_cliInstalled);
+    }
+    setProcessing(false);
+    if (error)
+        showAlert(*window(), tr("CLI Installation"), QString::fromStdString(*error), tr("OK"));
+}
+
+void GeneralSettingsView::setProcessing(bool isProcessing)
+{
+    if (isProcessing)
+        m_formerFocus = window()->focusWidget();
+    m_commandLineTool->setProcessing(isProcessing);
+    setDisabled(isProcessing);
+    if (!isProcessing && m_formerFocus)
+        m_formerFocus->setFocus(Qt::OtherFocusReason);
+}
+
+} // namespace ambertide

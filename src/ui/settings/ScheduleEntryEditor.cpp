@@ -1,0 +1,125 @@
+#include "ui/settings/ScheduleEntryEditor.h"
+
+#include "controls/Button.h"
+#include "controls/SwitchRow.h"
+#include "controls/TimeField.h"
+#include "controls/ValueSlider.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace ambertide {
+
+namespace {
+
+constexpr int padding = 16;
+constexpr int gap = 20;
+constexpr int smallGap = 8;
+constexpr int buttonGap = 8; // 12 between what is drawn of them
+
+QHBoxLayout *row(QWidget *first, QWidget *second)
+{
+    auto *line = new QHBoxLayout;
+    line->addWidget(first);
+    line->addStretch();
+    line->addWidget(second);
+    return line;
+}
+
+QTime timeOfDay(const Calendar &calendar, Date date)
+{
+    const auto parts = calendar.timeOfDay(date);
+    return {parts.hour.value_or(0), parts.minute.value_or(0)};
+}
+
+} // namespace
+
+ScheduleEntryEditor::ScheduleEntryEditor(const ScheduleEntry &entry, const TemperatureRange &range,
+                                         const Calendar &calendar)
+    : m_editedEntry(entry), m_calendar(calendar), m_time(new TimeField(tr("Time"))),
+      m_temperatureText(new TextLabel({})),
+      m_temperature(new ValueSlider(qRound(range.min), qRound(range.max), qRound(range.step))),
+      m_isEnabled(new SwitchRow(tr("Enabled"), SwitchRow::Kind::Inline)),
+      m_save(new Button(tr("Save"), Button::Kind::Prominent))
+{
+    m_time->setTime(timeOfDay(calendar, entry.time));
+    m_temperature->setAccessibleName(tr("Temperature"));
+    m_temperature->setValue(qRound(std::clamp(entry.temperature, range.min, range.max)));
+    m_isEnabled->setChecked(entry.isEnabled);
+    showTemperature();
+
+    auto *time = new QHBoxLayout;
+    time->setSpacing(smallGap);
+    time->addStretch();
+    time->addWidget(new TextLabel(tr("Time")));
+    time->addWidget(m_time);
+    time->addStretch();
+    auto *temperature = new QVBoxLayout;
+    temperature->setSpacing(smallGap);
+    temperature->addLayout(row(new TextLabel(tr("Temperature:")), m_temperatureText));
+    temperature->addWidget(m_temperature);
+    temperature->addLayout(row(new TextLabel(tr("Warm"), TextStyle::Caption, &Theme::orange),
+                               new TextLabel(tr("Neutral"), TextStyle::Caption, &Theme::blue)));
+    auto *cancel = new Button(tr("Cancel"));
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(buttonGap);
+    buttons->addStretch();
+    buttons->addWidget(cancel);
+    buttons->addWidget(m_save);
+    buttons->addStretch();
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(padding, padding, padding, padding);
+    column->setSpacing(gap);
+    column->addWidget(new TextLabel(tr("Edit Schedule Entry"), TextStyle::Headline), 0, Qt::AlignHCenter);
+    column->addLayout(time);
+    column->addLayout(temperature);
+    column->addWidget(m_isEnabled, 0, Qt::AlignHCenter);
+    column->addLayout(buttons);
+    column->addStretch();
+
+    connect(m_time, &TimeField::timeChanged, this, [this](const QTime &chosen) {
+        const auto date = m_calendar.date({.hour = chosen.hour(), .minute = chosen.minute()});
+        m_editedEntry.time = date.value_or(m_editedEntry.time);
+    });
+    connect(m_temperature, &ValueSlider::steppedValueChanged, this, [this](int kelvin) {
+        m_editedEntry.temperature = kelvin;
+        showTemperature();
+    });
+    connect(m_isEnabled, &SwitchRow::toggled, this, [this](bool isOn) { m_editedEntry.isEnabled = isOn; });
+    connect(cancel, &Button::clicked, this, &ScheduleEntryEditor::cancelled);
+    connect(m_save, &Button::clicked, this, &ScheduleEntryEditor::save);
+}
+
+void ScheduleEntryEditor::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        save();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void ScheduleEntryEditor::save()
+{
+    m_save->setEnabled(false);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!std::exchange(m_isSaved, true))
+                Q_EMIT saved(m_editedEntry);
+        },
+        Qt::QueuedConnection);
+}
+
+void ScheduleEntryEditor::showTemperature()
+{
+    const QString text = m_editedEntry.temperatureString();
+    m_temperatureText->setText(text);
+    m_temperature->setAccessibleDescription(text);
+}
+
+} // namespace ambertide

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "model/ScheduleEntry.h"
+
+#include <QWidget>
+
+namespace ambertide {
+
+class Button;
+class SwitchRow;
+class TextLabel;
+class TimeField;
+class ValueSlider;
+
+/// Changes a copy of one entry. Nothing comes of it but saved().
+class ScheduleEntryEditor final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    struct TemperatureRange ///< kelvin
+    {
+        double step;
+        double min;
+        double max;
+    };
+
+    /// `calendar` must outlive the editor.
+    ScheduleEntryEditor(const ScheduleEntry &entry, const TemperatureRange &range, const Calendar &calendar);
+
+Q_SIGNALS:
+    /// Comes from the event loop, at most once.
+    void saved(const ScheduleEntry &entry);
+    void cancelled();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void save();
+    void showTemperature();
+
+    ScheduleEntry m_editedEntry;
+    bool m_isSaved = false;
+    const Calendar &m_calendar;
+    TimeField *m_time = nullptr;
+    TextLabel *m_temperatureText = nullptr;
+    ValueSlider *m_temperature = nullptr;
+    SwitchRow *m_isEnabled = nullptr;
+    Button *m_save = nullptr;
+};
+
+} // namespace ambertide

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "model/ScheduleEntry.h"
+
+#include <QPushButton>
+
+namespace ambertide {
+
+class IconButton;
+class TextLabel;
+
+/// One entry of the schedule. Pressing the row edits the entry, by mouse, Return or Space; Delete and Backspace delete
+/// it; and there is a button for either.
+class ScheduleEntryRow final : public QPushButton
+{
+    Q_OBJECT
+
+public:
+    ScheduleEntryRow();
+
+    const ScheduleEntry &entry() const { return m_entry; }
+    /// `time` as it is shown.
+    void setEntry(const ScheduleEntry &entry, const QString &time, bool isActive);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+Q_SIGNALS:
+    void editRequested();
+    void deleteRequested();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    ScheduleEntry m_entry;
+    bool m_isActive = false;
+    TextLabel *m_time = nullptr;
+    TextLabel *m_temperature = nullptr;
+    TextLabel *m_disabled = nullptr;
+    IconButton *m_edit = nullptr;
+    IconButton *m_delete = nullptr;
+};
+
+} // namespace ambertide

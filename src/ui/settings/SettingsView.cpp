@@ -1,0 +1,120 @@
+#include "ui/settings/SettingsView.h"
+
+#include "controls/IconTabBar.h"
+#include "controls/Page.h"
+#include "controls/Sheet.h"
+#include "controls/Symbol.h"
+#include "ui/settings/GeneralSettingsView.h"
+#include "ui/settings/ScheduleSettingsView.h"
+
+#include <QScreen>
+#include <QShortcut>
+#include <QShowEvent>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace ambertide {
+
+namespace {
+
+constexpr int windowWidth = 600; // logical pixels, as are all below
+constexpr int smallestHeight = 300;
+constexpr int gapAboveTabs = 12;
+constexpr int gapBelowTabs = 10;
+
+} // namespace
+
+SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
+    : m_settingsViewModel(appViewModel, {ports.userDefaults, ports.notifications, ports.calendar, ports.loginItem}),
+      m_tabs(new IconTabBar), m_pages(new QStackedWidget)
+{
+    setObjectName(QStringLiteral("Settings"));
+    setWindowTitle(tr("Ambertide Settings"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, gapAboveTabs, 0, 0);
+    column->setSpacing(gapBelowTabs);
+    column->addWidget(m_tabs, 0, Qt::AlignHCenter);
+    column->addWidget(m_pages);
+
+    addTab(symbols::gearshape, tr("General"),
+           new GeneralSettingsView(m_settingsViewModel,
+                                   {ports.installer, ports.launchHelper, ports.mainBundle,
+                                    ports.createUpdaterController, ports.userDefaults, ports.installerExecutor}));
+    addTab(symbols::clock, tr("Schedule"), new ScheduleSettingsView(m_settingsViewModel, ports.calendar));
+    connect(m_tabs, &IconTabBar::currentChanged, &m_settingsViewModel, &SettingsViewModel::setSelectedTab);
+    connect(&m_settingsViewModel, &SettingsViewModel::changed, this, &SettingsView::showSelectedTab);
+
+    connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &SettingsView::close);
+    connect(new QShortcut(QKeySequence::Quit, this), &QShortcut::activated, this, &SettingsView::quitRequested);
+}
+
+SettingsView::~SettingsView()
+{
+    // The views go before the model that they show.
+    qDeleteAll(findChildren<QWidget *>(Qt::FindDirectChildrenOnly));
+}
+
+void SettingsView::addTab(QLatin1String symbol, const QString &title, QWidget *content)
+{
+    auto *page = new Page(content);
+    connect(page, &Page::idealHeightChanged, this, &SettingsView::fit);
+    m_pages->addWidget(page);
+    m_tabs->addTab(symbol, title);
+}
+
+void SettingsView::showSelectedTab()
+{
+    const int tab = m_settingsViewModel.selectedTab();
+    if (m_pages->currentIndex() == tab)
+        return;
+    m_tabs->setCurrentIndex(tab);
+    m_pages->setCurrentIndex(tab);
+    fit();
+}
+
+bool SettingsView::event(QEvent *event)
+{
+    const bool isTaken = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        fit();
+    return isTaken;
+}
+
+void SettingsView::showEvent(QShowEvent *event)
+{
+    if (event->spontaneous())
+        return;
+    m_settingsViewModel.setSelectedTab(0);
+    fit();
+    raise();
+    activateWindow();
+}
+
+// Only once it has been placed is its frame known, and then its screen may be another one.
+void SettingsView::moveEvent(QMoveEvent *) { fit(); }
+
+void SettingsView::fit()
+{
+    const auto margins = layout()->contentsMargins();
+    const auto *page = static_cast<const Page *>(m_pages->currentWidget());
+    int wanted = margins.top() + m_tabs->sizeHint().height() + layout()->spacing() + page->idealHeight(windowWidth);
+    for (const auto *sheet : findChildren<Sheet *>(Qt::FindDirectChildrenOnly)) {
+        if (!sheet->isHidden())
+            wanted = std::max(wanted, sheet->neededSize().height());
+    }
+    const QRect available = screen()->availableGeometry();
+    const int frame = frameGeometry().height() - height();
+    const int fitting = std::min(std::max(wanted, smallestHeight), available.height() - frame);
+    if (fitting == height() && width() == windowWidth)
+        return;
+    setFixedSize(windowWidth, fitting);
+    const int beyond = frameGeometry().bottom() - available.bottom();
+    if (isVisible() && beyond > 0)
+        move(x(), std::max(available.top(), y() - beyond));
+}
+
+} // namespace ambertide

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "integration/SparkleUpdater.h"
+#include "model/SettingsViewModel.h"
+#include "platform/TaskExecutor.h"
+
+#include <QWidget>
+
+#include <vector>
+
+class QStackedWidget;
+
+namespace ambertide {
+
+class CLIInstaller;
+class IconTabBar;
+class LaunchHelper;
+class MainBundle;
+class Page;
+
+/// The Settings window with its two tabs, and the model behind them. Main thread. It opens on General, in front, as
+/// high as its tab needs and the screen allows. Closing deletes it, whatever is under way in it: its owner makes one
+/// each time that the user asks for it, and holds it in a QPointer.
+class SettingsView final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// What the window works on; all of it must outlive the window.
+    struct Ports
+    {
+        CLIInstaller &installer;
+        LaunchHelper &launchHelper;
+        const MainBundle &mainBundle;
+        UpdaterControllerFactory createUpdaterController;
+        UserDefaults &userDefaults;
+        NotificationCenter &notifications;
+        const Calendar &calendar;
+        const LoginItem &loginItem;
+        /// For the installer alone, whose administrator prompt holds up everything else on it. It may outlast the
+        /// window; the end of the process takes the prompt back and then destroys the executor, before the installer.
+        TaskExecutor &installerExecutor;
+    };
+
+    SettingsView(AppViewModel &appViewModel, const Ports &ports);
+    ~SettingsView() override;
+
+Q_SIGNALS:
+    /// The keys that end a program were pressed.
+    void quitRequested();
+
+protected:
+    bool event(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+
+private:
+    void addTab(QLatin1String symbol, const QString &title, QWidget *content);
+    void showSelectedTab();
+    void fit();
+
+    SettingsViewModel m_settingsViewModel;
+    IconTabBar *m_tabs = nullptr;
+    QStackedWidget *m_pages = nullptr;
+};
+
+} // namespace ambertide
