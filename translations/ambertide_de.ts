@@ -152,6 +152,17 @@
     </message>
 </context>
 <context>
+    <name>ambertide::ScheduleEntry</name>
+    <message>
+        <source>Normal (Daylight)</source>
+        <translation>Normal (Tageslicht)</translation>
+    </message>
+    <message>
+        <source>%1K</source>
+        <translation>%1 K</translation>
+    </message>
+</context>
+<context>
     <name>ambertide::ScheduleEntryEditor</name>
     <message>
         <source>Time</source>
