@@ -44,7 +44,7 @@ QString shownTime(const Calendar &calendar, const ScheduleEntry &entry)
 } // namespace
 
 ScheduleSettingsView::ScheduleSettingsView(SettingsViewModel &viewModel, const Calendar &calendar)
-    : m_viewModel(viewModel), m_calendar(calendar), m_currentTime(calendar.now()), m_rowLimit(rowBatch),
+    : m_viewModel(viewModel), m_calendar(calendar), m_currentTime(calendar.now()), m_timer(this), m_rowLimit(rowBatch),
       m_scheduleEnabled(new SwitchRow(tr("Enable Schedule"), SwitchRow::Kind::Form)), m_list(new Card),
       m_emptyText(
           new TextLabel(tr("No schedule entries. Add one to get started."), TextStyle::Body, &Theme::secondaryText)),
@@ -128,6 +128,7 @@ void ScheduleSettingsView::addRow()
     connect(row, &ScheduleEntryRow::deleteRequested, this, [this, row] { remove(row->entry().id); });
     m_list->insertRow(static_cast<int>(m_rows.size()), row);
     m_rows.push_back(row);
+    setTabOrder(row->lastInTabOrder(), m_add);
 }
 
 // The tab is moved under its window when it is scrolled. Rows are made as they come near, so that a schedule of any
