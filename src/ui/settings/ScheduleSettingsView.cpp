@@ -129,6 +129,7 @@ void ScheduleSettingsView::addRow()
     m_list->insertRow(static_cast<int>(m_rows.size()), row);
     m_rows.push_back(row);
     setTabOrder(row->lastInTabOrder(), m_add);
+    m_add->raise(); // the last for screen readers, too
 }
 
 // The tab is moved under its window when it is scrolled. Rows are made as they come near, so that a schedule of any
