@@ -95,8 +95,8 @@ Theme Theme::of(const QPalette &palette)
     theme.onAccent = isDark ? QColor(0x23, 0x12, 0x00) : QColor(Qt::white);
     theme.green = readableHere(QColor(0x2c, 0x9a, 0x46), QColor(0x3f, 0xc0, 0x62));
     theme.orange = readableHere(QColor(0xb8, 0x5c, 0x00), QColor(0xff, 0xa0, 0x4a));
-    theme.red =
-        readable(isDark ? QColor(0xff, 0x6b, 0x60) : QColor(0xd0, 0x34, 0x2c), {hoveredCard, theme.card}, isDark);
+    theme.red = readable(isDark ? QColor(0xff, 0x6b, 0x60) : QColor(0xd0, 0x34, 0x2c),
+                         {theme.window, theme.panel, theme.card, hoveredCard}, isDark);
     theme.blue = readableHere(QColor(0x2f, 0x6f, 0xde), QColor(0x7a, 0xae, 0xff));
     return theme;
 }
