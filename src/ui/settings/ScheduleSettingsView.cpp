@@ -178,7 +178,7 @@ void ScheduleSettingsView::edit(const ScheduleEntry &entry)
     connect(editor, &ScheduleEntryEditor::saved, this, [this](const ScheduleEntry &edited) {
         m_viewModel.updateScheduleEntry(edited);
         endEditing();
-        focusRow(edited.id);
+        followEntry(edited.id);
     });
     connect(editor, &ScheduleEntryEditor::cancelled, this, &ScheduleSettingsView::endEditing);
     connect(m_editor, &Sheet::cancelled, this, &ScheduleSettingsView::endEditing);
@@ -196,20 +196,23 @@ void ScheduleSettingsView::remove(const QUuid &entry)
     const auto found = std::ranges::find(entries, entry, &ScheduleEntry::id);
     if (found == entries.end())
         return;
-    const bool hadFocus = isAncestorOf(window()->focusWidget());
+    const bool wasFocusOnRow = isFocusOnRow();
     m_viewModel.deleteScheduleEntry({static_cast<std::size_t>(found - entries.begin())});
     // A row further down takes the place, and the focus with it; the last one has none further down.
-    if (hadFocus && !m_rows.empty() && m_add->hasFocus())
+    if (wasFocusOnRow && !isFocusOnRow() && !m_rows.empty())
         m_rows.back()->setFocus(Qt::BacktabFocusReason);
 }
 
-/// An edited entry may have moved to another row than the one that was pressed.
-void ScheduleSettingsView::focusRow(const QUuid &entry)
+bool ScheduleSettingsView::isFocusOnRow() const
 {
-    const bool isOnRow = std::ranges::any_of(
-        m_rows, [](const auto *row) { return row->hasFocus() || row->isAncestorOf(QApplication::focusWidget()); });
+    const auto *focused = QApplication::focusWidget();
+    return std::ranges::any_of(m_rows, [&](auto *row) { return row == focused || row->isAncestorOf(focused); });
+}
+
+void ScheduleSettingsView::followEntry(const QUuid &entry)
+{
     const auto row = std::ranges::find(m_rows, entry, [](const auto *candidate) { return candidate->entry().id; });
-    if (isOnRow && row != m_rows.end() && !(*row)->isAncestorOf(QApplication::focusWidget()))
+    if (isFocusOnRow() && row != m_rows.end() && !(*row)->isAncestorOf(QApplication::focusWidget()))
         (*row)->setFocus(Qt::OtherFocusReason);
 }
 
