@@ -31,6 +31,7 @@ constexpr int headerInset = 4;
 constexpr int gapAboveHeader = 10;
 constexpr int rowPaddingX = 14;
 constexpr int rowPaddingY = 10;
+constexpr int highlightInset = 4;
 constexpr double temperatureOfNewEntry = 3800; // K
 constexpr QSize editorSize(400, 300);
 constexpr std::size_t rowBatch = 50;
@@ -50,6 +51,7 @@ ScheduleSettingsView::ScheduleSettingsView(SettingsViewModel &viewModel, const C
           new TextLabel(tr("No schedule entries. Add one to get started."), TextStyle::Body, &Theme::secondaryText)),
       m_add(new RowButton(tr("Add Schedule Entry"), {.horizontalPadding = rowPaddingX,
                                                      .verticalPadding = rowPaddingY,
+                                                     .highlightInset = highlightInset,
                                                      .symbol = symbols::plus,
                                                      .ink = &Theme::accent,
                                                      .hoverInk = &Theme::accentOnHover}))
