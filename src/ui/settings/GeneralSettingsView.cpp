@@ -106,7 +106,9 @@ void GeneralSettingsView::setProcessing(bool isProcessing)
         m_formerFocus = window()->focusWidget();
     m_commandLineTool->setProcessing(isProcessing);
     setDisabled(isProcessing);
-    if (!isProcessing && m_formerFocus)
+    if (isProcessing)
+        m_focusMeanwhile = window()->focusWidget();
+    else if (m_formerFocus && m_focusMeanwhile == window()->focusWidget())
         m_formerFocus->setFocus(Qt::OtherFocusReason);
 }
 

@@ -19,6 +19,7 @@ namespace {
 constexpr int padding = 16;
 constexpr int gap = 20;
 constexpr int smallGap = 8;
+constexpr int widestTemperature = 240;
 constexpr int buttonGap = 8; // 12 between what is drawn of them
 
 QHBoxLayout *row(QWidget *first, QWidget *second)
@@ -118,7 +119,8 @@ void ScheduleEntryEditor::save()
 void ScheduleEntryEditor::showTemperature()
 {
     const QString text = m_editedEntry.temperatureString();
-    m_temperatureText->setText(text);
+    // One that somebody else has stored may have any number of digits.
+    m_temperatureText->setText(m_temperatureText->fontMetrics().elidedText(text, Qt::ElideRight, widestTemperature));
     m_temperature->setAccessibleDescription(text);
 }
 
