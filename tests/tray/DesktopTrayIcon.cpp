@@ -1,7 +1,7 @@
 #include "platform/linux/tray/DesktopTrayIcon.h"
 
-#include "FakeWatcher.h"
 #include "support/CapturedConsole.h"
+#include "support/FakeWatcher.h"
 #include "support/PrivateBus.h"
 
 #include <QTest>

@@ -1,6 +1,6 @@
 #include "platform/linux/tray/StatusNotifierItem.h"
 
-#include "FakeWatcher.h"
+#include "support/FakeWatcher.h"
 #include "support/PrivateBus.h"
 #include "support/busctl.h"
 
