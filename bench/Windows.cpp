@@ -164,8 +164,6 @@ void measureWindows()
     print("memory, panel and Settings window used and closed: proportional set size",
           static_cast<double>(memoryOf(session.process(), "Pss:")) / 1024, 32, "MB");
 
-    session.tool({QStringLiteral("set"), QStringLiteral("6500")});
-    session.settle();
     icon->click();
     waitFor("no panel", [&] { return screen.isPanelPainted(); });
     const auto [longestWait, isQuiet] = drag(session, *icon);
