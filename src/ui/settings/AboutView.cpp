@@ -12,7 +12,8 @@
 #include <QSvgRenderer>
 #include <QVBoxLayout>
 
-static void registerIcon() { Q_INIT_RESOURCE(settings); }
+// The macro has to stand outside of every namespace.
+static void registerIcon() { Q_INIT_RESOURCE(settings); } // NOLINT(misc-use-anonymous-namespace)
 
 namespace ambertide {
 
