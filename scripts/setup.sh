@@ -2,8 +2,9 @@
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev libxcb1-dev libxcb-randr0-dev libsystemd-dev libsodium-dev)
-run_packages=(dbus-daemon libqt6gui6 xvfb)
+build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev qt6-tools-dev qt6-l10n-tools libxcb1-dev
+    libxcb-randr0-dev libsystemd-dev libsodium-dev)
+run_packages=(dbus-daemon libqt6gui6 xvfb hicolor-icon-theme)
 test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils systemd)
 check_packages=(clang-format)
 

@@ -4,7 +4,7 @@
 #include "integration/SparkleUpdater.h"
 #include "model/AppViewModel.h"
 
-#include <memory>
+#include <functional>
 
 namespace ambertide {
 
@@ -25,10 +25,12 @@ public:
         const MainBundle &mainBundle;
         UpdaterControllerFactory createUpdaterController;
         std::function<void()> terminate;
+        std::function<void()> bringSettingsForward; ///< raises the Settings window when there is one
     };
 
     explicit AmbertideApp(Ports ports);
 
+    NotificationCenter &notifications() { return m_notifications; }
     AppViewModel &viewModel() { return m_viewModel; }
     SparkleUpdater &updater() { return m_updater; }
     AppDelegate &delegate() { return m_delegate; }

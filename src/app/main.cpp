@@ -1,5 +1,10 @@
 #include "app/AmbertideApp.h"
+#include "app/AppScenes.h"
+#include "app/EndingSignals.h"
 #include "app/ModelTemperatureControl.h"
+#include "app/Translations.h"
+#include "integration/CLIInstaller.h"
+#include "integration/LaunchHelper.h"
 #include "integration/SetColorTemperatureShortcut.h"
 #include "platform/linux/DBusActions.h"
 #include "platform/linux/DBusApplicationObject.h"
@@ -7,8 +12,14 @@
 #include "platform/linux/DBusRunningApplications.h"
 #include "platform/linux/DBusSession.h"
 #include "platform/linux/DBusTemperatureObject.h"
+#include "platform/linux/DesktopPanelPlacement.h"
+#include "platform/linux/FeedbackdHapticPerformer.h"
 #include "platform/linux/LogindSystemWake.h"
+#include "platform/linux/PkexecPrivilegedRunner.h"
+#include "platform/linux/PortalAppearance.h"
 #include "platform/linux/SessionDisplayServices.h"
+#include "platform/linux/XdgLoginItem.h"
+#include "platform/linux/tray/DesktopTrayIcon.h"
 #include "platform/linux/update/PkexecUpdateInstaller.h"
 #include "platform/qt/PlistMainBundle.h"
 #include "platform/qt/QtMainActor.h"
@@ -20,37 +31,33 @@
 #include "update/ui/UpdateWindow.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QLoggingCategory>
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <future>
+#include <memory>
 #include <optional>
-#include <thread>
 
 namespace {
 
 using namespace ambertide;
 using namespace std::chrono_literals;
 
-/// Confines SIGTERM and SIGINT to a thread that does nothing but wait for them: their handler then never interrupts
-/// code that holds a lock or the allocator. Before any other thread is started.
-void confineEndingSignals()
+/// Keeps what has been asked for by now, as far as the main thread and the disk do their part in time.
+void keepSettings(SettingsUserDefaults &userDefaults)
 {
-    sigset_t ending;
-    sigemptyset(&ending);
-    sigaddset(&ending, SIGTERM);
-    sigaddset(&ending, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &ending, nullptr);
-    std::thread([ending] {
-        pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
-        for (;;)
-            pause();
-    }).detach();
+    constexpr auto timeForEach = 150ms;
+    const auto turn = std::make_shared<std::promise<void>>(); // may come long after nobody waits for it
+    QMetaObject::invokeMethod(
+        qApp, [turn] { turn->set_value(); }, Qt::QueuedConnection);
+    turn->get_future().wait_for(timeForEach);
+    userDefaults.flush(timeForEach);
 }
 
 /// Descriptors 0 to 2 that were closed at the start would be given to sockets, and lines printed into those.
@@ -69,8 +76,11 @@ void chooseToolkitPlatform()
 {
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return;
-    qputenv("QT_QPA_PLATFORM",
-            qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb;offscreen" : "wayland;xcb;offscreen");
+    // A compositor that is not there is left out, since the toolkit would complain of it at length.
+    const auto socket =
+        std::filesystem::path(qgetenv("XDG_RUNTIME_DIR").toStdString()) / qgetenv("WAYLAND_DISPLAY").toStdString();
+    std::error_code ignored;
+    qputenv("QT_QPA_PLATFORM", std::filesystem::is_socket(socket, ignored) ? "wayland;xcb;offscreen" : "xcb;offscreen");
     // The display adapter has said in one line what these would say in several.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
 }
@@ -92,9 +102,12 @@ int main(int argc, char *argv[])
     QApplication::setApplicationVersion(QStringLiteral(AMBERTIDE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));
 
+    installTranslations(application, QLocale().uiLanguages());
+
     const PlistMainBundle mainBundle(program);
     const SystemCalendar calendar;
     SettingsUserDefaults userDefaults;
+    setLastWork([&userDefaults] { keepSettings(userDefaults); });
     DBusSession sessionBus(SdBusKind::session);
     DBusSession systemBus(SdBusKind::system);
     DBusNotificationCenter distributedNotifications(sessionBus);
@@ -108,19 +121,50 @@ int main(int argc, char *argv[])
                           [](UpdateSession &session) { return std::make_unique<UpdateWindow>(session); });
     const auto createUpdaterController = [&] { return std::make_unique<AppcastUpdaterController>(updates, executor); };
 
+    std::optional<AppScenes> scenes;
     bool isSuperfluous = false;
     std::optional<AmbertideApp> ambertide(
         std::in_place,
         AmbertideApp::Ports{*displays, executor, wake, userDefaults, distributedNotifications, runningApplications,
-                            calendar, mainBundle, createUpdaterController, [&] { isSuperfluous = true; }});
+                            calendar, mainBundle, createUpdaterController, [&] { isSuperfluous = true; },
+                            [&] {
+                                if (scenes)
+                                    scenes->bringSettingsForward();
+                            }});
     ambertide->delegate().applicationDidFinishLaunching();
     if (isSuperfluous) {
         // The displays are the other copy's: this one must go without giving them back.
         std::_Exit(EXIT_SUCCESS);
     }
     QApplication::setQuitOnLastWindowClosed(ambertide->delegate().applicationShouldTerminateAfterLastWindowClosed());
-    DBusApplicationObject busObject(sessionBus, [](const std::string &) {});
+
+    PkexecPrivilegedRunner privilegedRunner;
+    CLIInstaller::makeShared(mainBundle, privilegedRunner);
+    XdgLoginItem loginItem(mainBundle);
+    LaunchHelper::makeShared(loginItem);
+    PortalAppearance appearance(sessionBus);
+    FeedbackdHapticPerformer haptics(sessionBus);
+    DesktopPanelPlacement placement;
+    ThreadTaskExecutor installerExecutor(mainActor);
+    const auto createTrayIcon = [&](TrayIcon::Callbacks callbacks) {
+        return std::make_unique<DesktopTrayIcon>(sessionBus, mainBundle.path() / "Contents/Resources/icons",
+                                                 std::move(callbacks));
+    };
+    scenes.emplace(AppScenes::Ports{
+        ambertide->viewModel(), ambertide->updater(), executor, appearance, haptics, placement, createTrayIcon,
+        SettingsView::Ports{CLIInstaller::shared(), LaunchHelper::shared(), mainBundle, createUpdaterController,
+                            userDefaults, ambertide->notifications(), calendar, loginItem, installerExecutor},
+        [] { QCoreApplication::quit(); }});
+
+    DBusApplicationObject busObject(sessionBus, [&](const std::string &activationToken) {
+        // The toolkit takes the token from there when a window asks to be active.
+        if (!activationToken.empty())
+            qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+        scenes->activate();
+    });
     busObject.setAction("quit", [](const std::string &) { QCoreApplication::quit(); });
+    busObject.setAction("settings", [&](const std::string &) { scenes->showSettings(); });
+    busObject.setAction("check-for-updates", [&](const std::string &) { ambertide->updater().checkForUpdates(); });
     const auto perform = [&](ColorTemperature preset) {
         SetColorTemperatureShortcut{preset}.perform(userDefaults, distributedNotifications);
     };
@@ -130,13 +174,17 @@ int main(int argc, char *argv[])
 
     const int status = QApplication::exec();
 
+    scenes.reset();
+    privilegedRunner.cancel();
     ambertide->delegate().applicationWillTerminate();
     ambertide.reset();
     // Ending already; the handler must not meet what is being taken down.
     std::signal(SIGTERM, SIG_IGN);
     std::signal(SIGINT, SIG_IGN);
+    setLastWork({});
     if (!executor.waitUntilIdle(1s)) {
         // The display server does not answer. Waiting for it is the guardian's job.
+        userDefaults.flush(300ms);
         std::_Exit(status);
     }
     return status;

@@ -85,18 +85,17 @@ Theme Theme::of(const QPalette &palette)
     const QColor hoveredPanel = blended(theme.hover, theme.panel);
     const QColor hoveredCard = blended(theme.hover, theme.card);
     const auto readableHere = [&](const QColor &inLight, const QColor &inDark) {
-        return readable(isDark ? inDark : inLight, {theme.window, theme.panel, theme.card}, isDark);
+        return readable(isDark ? inDark : inLight, {theme.window, theme.panel, theme.card, hoveredCard}, isDark);
     };
     theme.secondaryText = theme.isHighContrast ? theme.text
                                                : readableHere(mixed(theme.text, theme.window, 0.34),
                                                               mixed(theme.text, theme.window, 0.37));
     theme.accent = readableHere(QColor(0xb3, 0x5c, 0x00), QColor(0xff, 0x9f, 0x45));
-    theme.accentOnHover = readable(theme.accent, {hoveredWindow, hoveredPanel, hoveredCard}, isDark);
+    theme.accentOnHover = readable(theme.accent, {hoveredWindow, hoveredPanel}, isDark);
     theme.onAccent = isDark ? QColor(0x23, 0x12, 0x00) : QColor(Qt::white);
     theme.green = readableHere(QColor(0x2c, 0x9a, 0x46), QColor(0x3f, 0xc0, 0x62));
     theme.orange = readableHere(QColor(0xb8, 0x5c, 0x00), QColor(0xff, 0xa0, 0x4a));
-    theme.red = readable(isDark ? QColor(0xff, 0x6b, 0x60) : QColor(0xd0, 0x34, 0x2c),
-                         {theme.window, theme.panel, theme.card, hoveredCard}, isDark);
+    theme.red = readableHere(QColor(0xd0, 0x34, 0x2c), QColor(0xff, 0x6b, 0x60));
     theme.blue = readableHere(QColor(0x2f, 0x6f, 0xde), QColor(0x7a, 0xae, 0xff));
     return theme;
 }

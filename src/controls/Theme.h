@@ -7,7 +7,7 @@ namespace ambertide {
 
 /// The colours of the windows. Surfaces and text follow a palette; the accent is the product's amber. Accent, green,
 /// orange, red, blue and secondary text are moved towards the text's end of the scale until they keep a contrast of 4.5
-/// against every surface.
+/// against every surface and a hovered card.
 struct Theme
 {
     QColor window;
@@ -18,7 +18,7 @@ struct Theme
     QColor text;
     QColor secondaryText;
     QColor accent;
-    QColor accentOnHover; ///< the accent where it stands on a hovered or selected surface
+    QColor accentOnHover; ///< the accent where it stands on a selected tab or a hovered row of the panel
     QColor onAccent;      ///< text on the accent
     QColor track;         ///< of a switch that is off, and of what a slider has not reached
     QColor button;

@@ -14,8 +14,8 @@ struct TrayMenuItem
     std::function<void()> activate;
 };
 
-/// Port: the application's icon among the status icons of the desktop's panel. Main thread, callbacks as well. The icon
-/// goes with the object.
+/// Port: the application's icon among the status icons of the desktop's panel. Main thread, callbacks as well: they
+/// must not run an event loop of their own. The icon goes with the object.
 class TrayIcon
 {
 public:
@@ -34,7 +34,8 @@ public:
     virtual ~TrayIcon() = default;
 
     virtual Presence presence() const = 0;
-    /// Replaces the context menu, also while it is open. Left out where a menu would swallow the click on the icon.
+    /// Replaces the context menu, also while it is open. Where a click on the icon can but open the menu, an entry
+    /// before these activates it.
     virtual void setMenu(std::vector<TrayMenuItem> items) = 0;
     /// One line, UTF-8, beside the application's name.
     virtual void setToolTip(std::string text) = 0;

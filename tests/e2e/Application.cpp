@@ -58,6 +58,17 @@ private Q_SLOTS:
         QVERIFY(!SettingsUserDefaults(session.settingsPath()).boolValue("Ambertide.ScheduleEnabled"));
     }
 
+    void whatWasSetIsStoredThoughItEndsAtOnce()
+    {
+        PrivateSession session;
+        ApplicationProcess application;
+        QVERIFY(application.waitUntilRegistered());
+        QCOMPARE(runTool({QStringLiteral("set"), QStringLiteral("4000")}), QByteArray());
+        application.sendSignal(SIGTERM);
+        QCOMPARE(application.waitForEnd(), 0);
+        QCOMPARE(SettingsUserDefaults(session.settingsPath()).doubleValue("Ambertide.Temperature"), 4000.0);
+    }
+
     void theDisplaysAreGivenBackHoweverItEnds_data()
     {
         QTest::addColumn<QList<int>>("signalNumbers");

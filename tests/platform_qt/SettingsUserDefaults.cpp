@@ -2,10 +2,11 @@
 
 #include "platform/Console.h"
 
-#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -16,6 +17,7 @@
 #include <vector>
 
 using namespace ambertide;
+using namespace std::chrono_literals;
 
 class SettingsUserDefaultsTest : public QObject
 {
@@ -25,7 +27,12 @@ class SettingsUserDefaultsTest : public QObject
     QString path;
     std::vector<std::string> printed;
 
-    static void turnEventLoop() { QCoreApplication::processEvents(); }
+    ino_t fileNumber() const
+    {
+        struct stat status = {};
+        stat(path.toUtf8().constData(), &status);
+        return status.st_ino;
+    }
     void writeFile(const QByteArray &content)
     {
         QVERIFY(QDir().mkpath(QFileInfo(path).path()));
@@ -59,7 +66,7 @@ private Q_SLOTS:
         written.setBool("b", true);
         written.setData("x", bytes);
         QCOMPARE(written.doubleValue("d"), 3449.5); // before it is on disk
-        turnEventLoop();
+        written.flush(10s);
 
         SettingsUserDefaults read(path);
         QCOMPARE(read.doubleValue("d"), 3449.5);
@@ -74,7 +81,7 @@ private Q_SLOTS:
     {
         SettingsUserDefaults defaults(path);
         defaults.setDouble("Ambertide.Temperature", 3400);
-        turnEventLoop();
+        defaults.flush(10s);
         writeFile("[General]\nAmbertide.Temperature=2700\nOther=1\nNoFlag=maybe\n");
         QCOMPARE(defaults.doubleValue("Ambertide.Temperature"), 2700.0);
         QVERIFY(!defaults.boolValue("NoFlag"));
@@ -82,7 +89,7 @@ private Q_SLOTS:
         QFile leftOver(path + QStringLiteral(".lock")); // of a program that was killed while it wrote
         QVERIFY(leftOver.open(QIODevice::WriteOnly));
         defaults.setBool("Ambertide.ScheduleEnabled", true);
-        turnEventLoop();
+        defaults.flush(10s);
         QTRY_VERIFY(defaults.hasObject("B") && readFile(path).contains("Ambertide.ScheduleEnabled=true"));
         QVERIFY(readFile(path).contains("B=1"));
         QVERIFY(readFile(path).contains("Ambertide.Temperature=2700"));
@@ -108,7 +115,7 @@ private Q_SLOTS:
             SettingsUserDefaults defaults(path);
             QTEST(defaults.doubleValue("Ambertide.Temperature"), "kept");
             defaults.setBool("b", true);
-            turnEventLoop();
+            defaults.flush(10s);
             QTEST(defaults.doubleValue("Ambertide.Temperature"), "kept");
         }
         QVERIFY(SettingsUserDefaults(path).boolValue("b"));
@@ -136,7 +143,7 @@ private Q_SLOTS:
             QCOMPARE(mkfifo(path.toUtf8().constData(), 0600), 0);
         SettingsUserDefaults defaults(path);
         defaults.setDouble("d", 1);
-        turnEventLoop();
+        defaults.flush(10s);
         QVERIFY(QFileInfo(path).isFile());
         QVERIFY(QFileInfo::exists(path + QStringLiteral(".broken")));
     }
@@ -151,14 +158,46 @@ private Q_SLOTS:
         SettingsUserDefaults defaults(path);
         for (int i = 0; i < 10; ++i) {
             defaults.setDouble("d", i);
-            turnEventLoop();
+            defaults.flush(10s);
             QCOMPARE(defaults.doubleValue("d"), double(i));
         }
         QCOMPARE(printed.size(), std::size_t(1));
 
         QVERIFY(file.remove());
         QCOMPARE(defaults.doubleValue("d"), 9.0);
-        QCOMPARE(SettingsUserDefaults(path).doubleValue("d"), 9.0);
+        QTRY_COMPARE(SettingsUserDefaults(path).doubleValue("d"), 9.0);
+    }
+
+    void aDragWaitsForNobodyAndIsWrittenTogether()
+    {
+        SettingsUserDefaults defaults(path);
+        defaults.setDouble("d", -1);
+        defaults.flush(10s);
+        auto lastFile = fileNumber();
+        qint64 writes = 0;
+        qint64 longestStep = 0;
+        QElapsedTimer timer;
+        timer.start();
+        std::optional<QLockFile> otherProgram(path + QStringLiteral(".lock")); // for which a write waits
+        QVERIFY(otherProgram->lock());
+        for (int i = 0; timer.elapsed() < 900; ++i) {
+            const auto start = timer.elapsed();
+            defaults.setDouble("d", i);
+            QCOMPARE(defaults.doubleValue("d"), double(i));
+            longestStep = std::max(longestStep, timer.elapsed() - start);
+            const auto previousFile = std::exchange(lastFile, fileNumber());
+            writes += lastFile == previousFile ? 0 : 1;
+            if (start > 450)
+                otherProgram.reset();
+            std::this_thread::sleep_for(1ms);
+        }
+        QVERIFY2(longestStep < 150, qPrintable(QString::number(longestStep)));
+        QVERIFY2(writes <= timer.elapsed() / 200, qPrintable(QString::number(writes)));
+        const auto last = defaults.doubleValue("d");
+        defaults.flush(10s);
+        lastFile = fileNumber();
+        SettingsUserDefaults(path).setDouble("d", last);
+        QCOMPARE(fileNumber(), lastFile);
     }
 };
 

@@ -11,7 +11,6 @@ class FakeCalendar final : public Calendar
 {
 public:
     Date current;
-    bool knowsDates = true;
 
     static Date at(int hour, int minute) { return {hour * 3600.0 + minute * 60.0}; }
 
@@ -24,8 +23,6 @@ public:
     }
     std::optional<Date> date(const DateComponents &timeOfDay) const override
     {
-        if (!knowsDates)
-            return std::nullopt;
         return at(timeOfDay.hour.value_or(0), timeOfDay.minute.value_or(0));
     }
 };

@@ -89,6 +89,24 @@ std::optional<UserInfo> SdBusReader::dictionary(std::string_view alwaysKept)
     return leave() ? std::optional(std::move(entries)) : std::nullopt;
 }
 
+std::optional<std::map<std::string, UserInfo, std::less<>>> SdBusReader::dictionaries(std::string_view alwaysKept)
+{
+    std::map<std::string, UserInfo, std::less<>> entries;
+    if (!enter('a', "{sa{sv}}"))
+        return std::nullopt;
+    while (!isAtEnd()) {
+        if (!enter('e', "sa{sv}"))
+            return std::nullopt;
+        auto key = text();
+        auto value = key ? dictionary(alwaysKept) : std::nullopt;
+        if (!value || !leave())
+            return std::nullopt;
+        if (entries.size() < mostEntries)
+            entries.insert_or_assign(*std::move(key), *std::move(value));
+    }
+    return leave() ? std::optional(std::move(entries)) : std::nullopt;
+}
+
 std::optional<UserInfoValue> SdBusReader::variant()
 {
     char type = 0;
@@ -133,6 +151,8 @@ std::optional<UserInfoValue> SdBusReader::variantContents(const std::string &sig
         if (const auto read = basic<const char *>(signature.front()))
             return UserInfoValue(shortened(*read));
         return std::nullopt;
+    case 'v':
+        return variant();
     default:
         return skip() ? std::optional(UserInfoValue(OpaqueValue{signature})) : std::nullopt;
     }

@@ -4,6 +4,8 @@
 #include "platform/linux/SdBus.h"
 
 #include <cstddef>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,8 +32,15 @@ public:
     std::optional<std::vector<std::string>> texts();
 
     /// A dictionary `a{sv}`, cut to its first entries; `alwaysKept` is among them wherever it stands. Values that are
-    /// no number, truth value or text become opaque; an unsigned number too large for an integer becomes a double.
+    /// no number, truth value or text become opaque; an unsigned number too large for an integer becomes a double; one
+    /// that is wrapped more than once is unwrapped.
     std::optional<UserInfo> dictionary(std::string_view alwaysKept = {});
+
+    /// A dictionary `a{sa{sv}}` of such, cut likewise.
+    std::optional<std::map<std::string, UserInfo, std::less<>>> dictionaries(std::string_view alwaysKept);
+
+    /// One value like those of a dictionary.
+    std::optional<UserInfoValue> variant();
 
     /// Passes over the next value, whatever it is. sd-bus can do that too, but looks at each element of the largest
     /// arrays that a bus lets through.
@@ -45,7 +54,6 @@ private:
     std::optional<Value> basic(char type);
     template <typename Wire>
     std::optional<UserInfoValue> integer(char type);
-    std::optional<UserInfoValue> variant();
     std::optional<UserInfoValue> variantContents(const std::string &signature);
 
     sd_bus_message *m_message;

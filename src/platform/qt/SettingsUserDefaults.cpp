@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
-#include <QMetaObject>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QStringDecoder>
@@ -20,6 +19,9 @@ namespace {
 constexpr qint64 largestFile = 1'048'576; // bytes
 constexpr int longestWait = 300;          // ms, for another program that writes
 constexpr int millisecondsToStale = 500;
+/// How long changes are gathered for one write.
+constexpr std::chrono::milliseconds gatheringTime{200};
+constexpr char cannotBeWritten[] = "cannot be written; changes are kept until it can";
 
 QString settingsKey(std::string_view key) { return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())); }
 
@@ -41,12 +43,21 @@ QString SettingsUserDefaults::standardPath()
            QStringLiteral("/ambertide/defaults.ini");
 }
 
-SettingsUserDefaults::SettingsUserDefaults(QString path) : m_path(std::move(path)) {}
-
-SettingsUserDefaults::~SettingsUserDefaults()
+SettingsUserDefaults::SettingsUserDefaults(QString path)
+    : m_path(std::move(path)), m_writer([this](const std::stop_token &stop) { writeUntilStopped(stop); })
 {
-    const std::scoped_lock lock(m_lock);
-    write();
+}
+
+void SettingsUserDefaults::flush(std::chrono::milliseconds limit)
+{
+    // By looking again and again, since a lock might be held by a thread that waits for a disk. It is the last thing
+    // that a process does.
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (m_isWriteScheduled && std::chrono::steady_clock::now() < deadline) {
+        m_isUrgent = true;
+        m_wakeWriter.notify_all();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 }
 
 bool SettingsUserDefaults::hasObject(std::string_view key) { return value(key).isValid(); }
@@ -76,6 +87,11 @@ QVariant SettingsUserDefaults::value(std::string_view key)
     const auto name = settingsKey(key);
     const std::scoped_lock lock(m_lock);
     refresh();
+    return present(name);
+}
+
+QVariant SettingsUserDefaults::present(const QString &name) const
+{
     for (const auto *values : {&m_unwritten, &m_stored}) {
         if (const auto found = values->find(name); found != values->end())
             return found->second;
@@ -85,26 +101,43 @@ QVariant SettingsUserDefaults::value(std::string_view key)
 
 void SettingsUserDefaults::set(std::string_view key, const QVariant &value)
 {
+    const auto name = settingsKey(key);
     const std::scoped_lock lock(m_lock);
-    m_unwritten.insert_or_assign(settingsKey(key), value);
+    refresh();
+    // Numbers and truth values come back from the file as text.
+    if (const auto old = present(name); old.isValid() && old.toByteArray() == value.toByteArray())
+        return;
+    m_unwritten.insert_or_assign(name, value);
     scheduleWrite();
 }
 
 void SettingsUserDefaults::scheduleWrite()
 {
-    if (std::exchange(m_isWriteScheduled, true))
-        return;
-    const auto writeLocked = [this] {
-        const std::scoped_lock lock(m_lock);
-        write();
-    };
-    QMetaObject::invokeMethod(&m_mainThread, writeLocked, Qt::QueuedConnection);
+    m_isWriteScheduled = true;
+    m_wakeWriter.notify_all();
+}
+
+void SettingsUserDefaults::writeUntilStopped(const std::stop_token &stop)
+{
+    std::unique_lock lock(m_lock);
+    for (bool isLast = false; !isLast;) {
+        m_wakeWriter.wait(lock, stop, [this] { return m_isWriteScheduled.load(); });
+        m_wakeWriter.wait_for(lock, stop, gatheringTime, [this] { return m_isUrgent.load(); });
+        isLast = stop.stop_requested();
+        m_isUrgent = false;
+        m_hasWriteFailed = false;
+        m_hasWriteFailed = !write(lock);
+        // Changes since the write began want another one; what has failed waits for the next read.
+        m_isWriteScheduled = !m_hasWriteFailed && !m_unwritten.empty();
+    }
 }
 
 void SettingsUserDefaults::refresh()
 {
+    if (m_isWriting)
+        return;
     if (m_hasWriteFailed)
-        write();
+        scheduleWrite();
     const auto file = stamp();
     if (file == m_readStamp && m_health == Health::good)
         return;
@@ -172,35 +205,46 @@ void SettingsUserDefaults::setAside()
     m_readStamp = {};
 }
 
-void SettingsUserDefaults::write()
+/// Gives the lock up while it waits for the disk.
+bool SettingsUserDefaults::write(std::unique_lock<std::mutex> &lock)
 {
-    m_isWriteScheduled = false;
-    m_hasWriteFailed = false;
     if (m_unwritten.empty())
-        return;
+        return true;
+    lock.unlock();
     QDir().mkpath(QFileInfo(m_path).path());
     // Keeps two writers from losing each other's changes. A program that was killed may have left the lock: it is
     // waited for a moment, no more, and does not count once it is old.
-    QLockFile lock(m_path + QStringLiteral(".lock"));
-    lock.setStaleLockTime(millisecondsToStale);
-    if (!lock.tryLock(longestWait)) {
-        m_hasWriteFailed = true;
-        if (lock.error() != QLockFile::LockFailedError)
-            report("cannot be written; changes are kept until it can");
-        return;
+    QLockFile fileLock(m_path + QStringLiteral(".lock"));
+    fileLock.setStaleLockTime(millisecondsToStale);
+    const bool isFileLocked = fileLock.tryLock(longestWait);
+    lock.lock();
+    if (!isFileLocked) {
+        if (fileLock.error() != QLockFile::LockFailedError)
+            report(cannotBeWritten);
+        return false;
     }
     refresh();
-    auto values = m_unwritten;
+    const auto written = m_unwritten;
+    auto values = written;
     values.insert(m_stored.begin(), m_stored.end());
-    if (m_health != Health::good || !replaceFile(values)) {
-        m_hasWriteFailed = true;
-        report("cannot be written; changes are kept until it can");
-        return;
+    const bool isWritable = m_health == Health::good;
+    m_isWriting = true;
+    lock.unlock();
+    const bool isReplaced = isWritable && replaceFile(values);
+    lock.lock();
+    m_isWriting = false;
+    if (!isReplaced) {
+        report(cannotBeWritten);
+        return false;
     }
     m_isTroubleReported = false;
-    m_unwritten.clear();
+    std::erase_if(m_unwritten, [&](const auto &entry) {
+        const auto found = written.find(entry.first);
+        return found != written.end() && found->second == entry.second;
+    });
     m_stored = std::move(values);
     m_readStamp = {}; // another program's changes may have come in between
+    return true;
 }
 
 bool SettingsUserDefaults::replaceFile(const Values &values) const

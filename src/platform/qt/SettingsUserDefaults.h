@@ -2,24 +2,27 @@
 
 #include "platform/UserDefaults.h"
 
-#include <QObject>
 #include <QString>
 #include <QVariant>
 
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <filesystem>
 #include <map>
 #include <mutex>
 #include <string>
+#include <thread>
 
 namespace ambertide {
 
-/// The user defaults in an INI file that QSettings reads and atomically writes, at the next turn of the main thread's
-/// event loop after a change.
+/// The user defaults in an INI file that QSettings reads and atomically writes. A thread of its own writes, 200 ms
+/// after the first change and together with what has changed since; a value that is the present one is no change.
+/// Nothing waits for a write under way.
 ///
 /// A file that this class cannot have written (binary, not UTF-8, over 1 MiB, broken syntax, no regular file) is moved
 /// to a free name beside it and reported, never overwritten; what could be read of it is kept. A file that cannot be
-/// written is reported once and tried again at every read. A write waits for another program's for 300 ms at most.
-/// Create and destroy on the main thread.
+/// written is reported once and tried again after every read. A write waits for another program's for 300 ms at most.
 class SettingsUserDefaults final : public UserDefaults
 {
 public:
@@ -28,7 +31,10 @@ public:
 
     explicit SettingsUserDefaults(QString path = standardPath());
     /// Writes what is still waiting.
-    ~SettingsUserDefaults() override;
+    ~SettingsUserDefaults() override = default;
+
+    /// Has what is still waiting written now, and waits until it was tried or `limit` has passed. Takes no lock.
+    void flush(std::chrono::milliseconds limit);
 
     bool hasObject(std::string_view key) override;
     double doubleValue(std::string_view key) override;
@@ -59,21 +65,26 @@ private:
     Stamp stamp() const;
     Health examine(const Stamp &file) const;
     void setAside();
+    QVariant present(const QString &name) const;
     void scheduleWrite();
-    void write();
+    void writeUntilStopped(const std::stop_token &stop);
+    bool write(std::unique_lock<std::mutex> &lock);
     bool replaceFile(const Values &values) const;
     void report(std::string_view trouble);
 
     const QString m_path;
-    QObject m_mainThread;
-    std::mutex m_lock; ///< guards all below
+    std::mutex m_lock; ///< guards all below; never held while the file is written
     Values m_stored;   ///< as last read from the file
     Values m_unwritten;
     Stamp m_readStamp; ///< of the file as last read
-    bool m_isWriteScheduled = false;
     Health m_health = Health::good;
+    bool m_isWriting = false; ///< the file is the writer's alone
     bool m_hasWriteFailed = false;
     bool m_isTroubleReported = false;
+    std::atomic<bool> m_isWriteScheduled = false; ///< until the write has ended; changed under the lock
+    std::atomic<bool> m_isUrgent = false;
+    std::condition_variable_any m_wakeWriter;
+    std::jthread m_writer; ///< last, so that it ends before what it uses
 };
 
 } // namespace ambertide

@@ -3,13 +3,14 @@
 #include <QWidget>
 
 class QHBoxLayout;
-class QPushButton;
 class QVBoxLayout;
 
 namespace ambertide {
 
-/// One state of the update window: a heading, a sentence, something to look at, and a row of buttons. Texts are shown
-/// as they are, never as rich text: they may come from a feed.
+class Button;
+
+/// One state of the update window: the application's icon, a heading and a sentence beside it, something to look at,
+/// and a row of buttons. Texts are shown as they are, never as rich text: they may come from a feed.
 class UpdatePage final : public QWidget
 {
     Q_OBJECT
@@ -17,17 +18,25 @@ class UpdatePage final : public QWidget
 public:
     UpdatePage(const QString &heading, const QString &sentence, QWidget *parent);
 
-    /// Takes the widget over and puts it below what is there.
-    void addContent(QWidget *content);
+    /// Take the widget over. It stands under the texts, or under them and the icon.
+    void addUnderTexts(QWidget *content);
+    void addAcross(QWidget *content);
 
-    /// Buttons stand in the order of the calls; `aside` ones at the other end of the row.
+    /// Buttons stand in the order of the calls; `Aside` ones at the other end of the row.
     enum class Place { Row, Aside };
-    QPushButton *addButton(const QString &text, Place place = Place::Row);
+    Button *addButton(const QString &text, Place place = Place::Row);
+    /// The one that Return presses.
+    Button *addDefaultButton(const QString &text);
+
+    /// Focuses the default button or, so that no key cancels by accident, the page itself.
+    void takeFocus();
 
 private:
-    QVBoxLayout *m_content = nullptr;
+    QVBoxLayout *m_texts = nullptr;
+    QVBoxLayout *m_across = nullptr;
     QHBoxLayout *m_aside = nullptr;
     QHBoxLayout *m_row = nullptr;
+    Button *m_default = nullptr;
 };
 
 } // namespace ambertide

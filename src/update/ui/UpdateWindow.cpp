@@ -1,24 +1,44 @@
 #include "update/ui/UpdateWindow.h"
 
+#include "controls/ApplicationIcon.h"
+#include "controls/Button.h"
+#include "controls/Card.h"
+#include "controls/ProgressBar.h"
+#include "controls/TextLabel.h"
+#include "update/ui/ReleaseNotesView.h"
 #include "update/ui/UpdateFailureText.h"
 #include "update/ui/UpdatePage.h"
 
+#include <QCoreApplication>
 #include <QDesktopServices>
+#include <QEvent>
 #include <QLocale>
-#include <QPlainTextEdit>
-#include <QProgressBar>
-#include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace ambertide {
 
 namespace {
 
-constexpr int windowWidth = 480;
-constexpr int notesHeight = 220;
+constexpr int usualWidth = 480; // logical pixels
 constexpr int progressSteps = 1000;
+
+Card *releaseNotesCard(const UpdateSession &session)
+{
+    constexpr int inset = 3; // keeps square corners inside of the round ones
+    auto *notes = new ReleaseNotesView;
+    notes->setPlainText(session.releaseNotes());
+    QObject::connect(&session, &UpdateSession::releaseNotesChanged, notes,
+                     [&session, notes] { notes->setPlainText(session.releaseNotes()); });
+    auto *card = new Card;
+    card->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    card->layout()->setContentsMargins(inset, inset, inset, inset);
+    card->addRow(notes);
+    return card;
+}
 
 } // namespace
 
@@ -26,10 +46,10 @@ UpdateWindow::UpdateWindow(UpdateSession &session, std::function<void()> relaunc
     : m_session(session), m_relaunch(std::move(relaunch))
 {
     setWindowTitle(tr("Software Update"));
+    setWindowIcon(applicationIcon());
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetNoConstraint);
-    setMinimumWidth(windowWidth);
     connect(&m_session, &UpdateSession::stateChanged, this, &UpdateWindow::showState);
     showState();
     show();
@@ -58,10 +78,31 @@ void UpdateWindow::showState()
     m_page = page;
     layout()->addWidget(m_page);
     m_page->show();
-    // A minimum size does not take in the lines of a wrapped sentence.
-    const int height = layout()->totalHeightForWidth(windowWidth);
-    setMinimumHeight(height);
-    resize(windowWidth, height);
+    m_page->takeFocus();
+    fit();
+    resize(minimumSize());
+}
+
+void UpdateWindow::fit()
+{
+    const QSize room = screen()->availableSize();
+    const int wanted = std::max(qRound(usualWidth * textScale()), layout()->minimumSize().width());
+    const int width = std::min(wanted, room.width());
+    // A layout's minimum height does not take in the lines of wrapped sentences.
+    setMinimumSize(width, std::min(layout()->totalHeightForWidth(width), room.height()));
+}
+
+bool UpdateWindow::event(QEvent *event)
+{
+    const bool isHandled = QDialog::event(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        // Qt tells the windows alone.
+        for (auto *widget : findChildren<QWidget *>())
+            QCoreApplication::sendEvent(widget, event);
+    }
+    if (event->type() == QEvent::LayoutRequest && m_page != nullptr)
+        fit();
+    return isHandled;
 }
 
 UpdatePage *UpdateWindow::pageForState()
@@ -91,8 +132,8 @@ UpdatePage *UpdateWindow::pageForState()
 UpdatePage *UpdateWindow::checkingPage()
 {
     auto *page = new UpdatePage(tr("Checking for updates\u2026"), {}, this);
-    page->addContent(busyBar());
-    connect(page->addButton(tr("Cancel")), &QPushButton::clicked, &m_session, &UpdateSession::end);
+    page->addUnderTexts(new ProgressBar(page->accessibleName()));
+    connect(page->addButton(tr("Cancel")), &Button::clicked, &m_session, &UpdateSession::end);
     return page;
 }
 
@@ -101,9 +142,7 @@ UpdatePage *UpdateWindow::upToDatePage()
     auto *page = new UpdatePage(
         tr("You're up to date!"),
         tr("Ambertide %1 is the newest version available.").arg(m_session.running().displayVersion), this);
-    auto *close = page->addButton(tr("OK"));
-    close->setDefault(true);
-    connect(close, &QPushButton::clicked, &m_session, &UpdateSession::end);
+    connect(page->addDefaultButton(tr("OK")), &Button::clicked, &m_session, &UpdateSession::end);
     return page;
 }
 
@@ -114,37 +153,41 @@ UpdatePage *UpdateWindow::foundPage()
                                 tr("Ambertide %1 is now available. You have %2.")
                                     .arg(m_session.item().displayVersion, m_session.running().displayVersion),
                                 this);
-    auto *notes = new QPlainTextEdit;
-    notes->setReadOnly(true);
-    notes->setMinimumHeight(notesHeight);
-    notes->setPlaceholderText(tr("There are no release notes."));
-    notes->setPlainText(m_session.releaseNotes());
-    connect(&m_session, &UpdateSession::releaseNotesChanged, notes,
-            [this, notes] { notes->setPlainText(m_session.releaseNotes()); });
-    page->addContent(notes);
-
+    page->addAcross(releaseNotesCard(m_session));
     if (!m_session.isCritical())
-        connect(page->addButton(tr("Skip This Version"), UpdatePage::Place::Aside), &QPushButton::clicked, &m_session,
+        connect(page->addButton(tr("Skip This Version"), UpdatePage::Place::Aside), &Button::clicked, &m_session,
                 &UpdateSession::skip);
-    connect(page->addButton(tr("Remind Me Later")), &QPushButton::clicked, &m_session, &UpdateSession::end);
+    connect(page->addButton(tr("Remind Me Later")), &Button::clicked, &m_session, &UpdateSession::end);
     const bool isInformational = m_session.isInformational();
-    auto *install = page->addButton(isInformational ? tr("Learn More\u2026") : tr("Install Update"));
-    install->setDefault(true);
+    auto *install = page->addDefaultButton(isInformational ? tr("Learn More\u2026") : tr("Install Update"));
     if (isInformational)
-        connect(install, &QPushButton::clicked, this, &UpdateWindow::learnMore);
+        connect(install, &Button::clicked, this, &UpdateWindow::learnMore);
     else
-        connect(install, &QPushButton::clicked, &m_session, &UpdateSession::download);
+        connect(install, &Button::clicked, &m_session, &UpdateSession::download);
     return page;
 }
 
 UpdatePage *UpdateWindow::downloadingPage()
 {
     auto *page = new UpdatePage(tr("Downloading the update\u2026"), {}, this);
-    auto *bar = busyBar();
-    bar->setTextVisible(true);
-    connect(&m_session, &UpdateSession::progressed, bar, [this, bar] { showProgress(*bar); });
-    page->addContent(bar);
-    connect(page->addButton(tr("Cancel")), &QPushButton::clicked, &m_session, &UpdateSession::end);
+    auto *bar = new ProgressBar(page->accessibleName());
+    // A space keeps the line's height until there is something to tell.
+    auto *amount = new TextLabel(QStringLiteral(" "), TextStyle::Subheadline, &Theme::secondaryText);
+    connect(&m_session, &UpdateSession::progressed, bar, [this, bar, amount] {
+        const QLocale locale;
+        const auto size = [&](qint64 bytes) { return locale.formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat); };
+        const qint64 received = m_session.receivedBytes();
+        const qint64 expected = m_session.expectedBytes();
+        if (expected <= 0)
+            return amount->setText(size(received));
+        bar->setRange(0, progressSteps);
+        bar->setValue(static_cast<int>(progressSteps * received / expected));
+        //: How much has been downloaded, and how much there is; each with its unit.
+        amount->setText(tr("%1 of %2").arg(size(received), size(expected)));
+    });
+    page->addUnderTexts(bar);
+    page->addUnderTexts(amount);
+    connect(page->addButton(tr("Cancel")), &Button::clicked, &m_session, &UpdateSession::end);
     return page;
 }
 
@@ -155,17 +198,16 @@ UpdatePage *UpdateWindow::readyPage()
                                    "an administrator.")
                                     .arg(m_session.item().displayVersion),
                                 this);
-    connect(page->addButton(tr("Not Now")), &QPushButton::clicked, &m_session, &UpdateSession::end);
-    auto *install = page->addButton(tr("Install"));
-    install->setDefault(true);
-    connect(install, &QPushButton::clicked, &m_session, &UpdateSession::install);
+    connect(page->addButton(tr("Not Now")), &Button::clicked, &m_session, &UpdateSession::end);
+    auto *install = page->addDefaultButton(tr("Install"));
+    connect(install, &Button::clicked, &m_session, &UpdateSession::install);
     return page;
 }
 
 UpdatePage *UpdateWindow::installingPage()
 {
     auto *page = new UpdatePage(tr("Installing the update\u2026"), {}, this);
-    page->addContent(busyBar());
+    page->addUnderTexts(new ProgressBar(page->accessibleName()));
     return page;
 }
 
@@ -174,15 +216,13 @@ UpdatePage *UpdateWindow::installedPage()
     auto *page = new UpdatePage(
         tr("Ambertide %1 is installed").arg(m_session.item().displayVersion),
         m_relaunch ? tr("Restart Ambertide to use it.") : tr("Quit and start Ambertide to use it."), this);
-    auto *close = page->addButton(m_relaunch ? tr("Later") : tr("OK"));
-    connect(close, &QPushButton::clicked, &m_session, &UpdateSession::end);
     if (!m_relaunch) {
-        close->setDefault(true);
+        connect(page->addDefaultButton(tr("OK")), &Button::clicked, &m_session, &UpdateSession::end);
         return page;
     }
-    auto *restart = page->addButton(tr("Restart Ambertide"));
-    restart->setDefault(true);
-    connect(restart, &QPushButton::clicked, &m_session, [this] {
+    connect(page->addButton(tr("Later")), &Button::clicked, &m_session, &UpdateSession::end);
+    auto *restart = page->addDefaultButton(tr("Restart Ambertide"));
+    connect(restart, &Button::clicked, &m_session, [this] {
         m_session.end();
         m_relaunch();
     });
@@ -193,30 +233,9 @@ UpdatePage *UpdateWindow::failedPage()
 {
     auto *page = new UpdatePage(tr("The update did not succeed"), describeForPeople(m_session.failure()), this);
     if (m_session.failure().kind != UpdateFailure::Kind::NotConfigured)
-        connect(page->addButton(tr("Try Again")), &QPushButton::clicked, &m_session, &UpdateSession::start);
-    auto *close = page->addButton(tr("OK"));
-    close->setDefault(true);
-    connect(close, &QPushButton::clicked, &m_session, &UpdateSession::end);
+        connect(page->addButton(tr("Try Again")), &Button::clicked, &m_session, &UpdateSession::start);
+    connect(page->addDefaultButton(tr("OK")), &Button::clicked, &m_session, &UpdateSession::end);
     return page;
-}
-
-QProgressBar *UpdateWindow::busyBar()
-{
-    auto *bar = new QProgressBar;
-    bar->setRange(0, 0);
-    bar->setTextVisible(false);
-    return bar;
-}
-
-void UpdateWindow::showProgress(QProgressBar &bar) const
-{
-    const QLocale locale;
-    const QString received = locale.formattedDataSize(m_session.receivedBytes());
-    if (m_session.expectedBytes() <= 0)
-        return bar.setFormat(received);
-    bar.setRange(0, progressSteps);
-    bar.setValue(static_cast<int>(progressSteps * m_session.receivedBytes() / m_session.expectedBytes()));
-    bar.setFormat(tr("%1 of %2").arg(received, locale.formattedDataSize(m_session.expectedBytes())));
 }
 
 void UpdateWindow::learnMore()

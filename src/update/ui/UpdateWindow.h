@@ -6,8 +6,6 @@
 
 #include <functional>
 
-class QProgressBar;
-
 namespace ambertide {
 
 class UpdatePage;
@@ -25,8 +23,12 @@ public:
     void bringForward() override;
     void reject() override;
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
     void showState();
+    void fit();
     UpdatePage *pageForState();
     UpdatePage *checkingPage();
     UpdatePage *upToDatePage();
@@ -36,8 +38,6 @@ private:
     UpdatePage *installingPage();
     UpdatePage *installedPage();
     UpdatePage *failedPage();
-    QProgressBar *busyBar();
-    void showProgress(QProgressBar &bar) const;
     void learnMore();
 
     UpdateSession &m_session;

@@ -1,0 +1,125 @@
+#include "app/MenuBarExtra.h"
+
+#include "ui/panel/MenuBarView.h"
+#include "ui/panel/PanelWindow.h"
+
+#include <QGuiApplication>
+
+#include <chrono>
+#include <utility>
+
+namespace ambertide {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// The press on the icon that closes an open panel reaches the icon as well, on some desktops with its release.
+constexpr auto sameClick = 250ms;
+
+} // namespace
+
+MenuBarExtra::MenuBarExtra(Ports ports) : m_ports(std::move(ports)), m_self(this, [](MenuBarExtra *) {})
+{
+    m_icon = m_ports.createTrayIcon({.activated = [this] { toggle(); }, .presenceChanged = [] {}});
+    updateMenu();
+    updateToolTip();
+    connect(&m_ports.viewModel, &AppViewModel::changed, this, &MenuBarExtra::updateToolTip);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive)
+            reapplyIfTinted();
+    });
+    const auto updateMenuLater = [this] {
+        QMetaObject::invokeMethod(
+            this, [this] { updateMenu(); }, Qt::QueuedConnection);
+    };
+    m_updaterObservation = m_ports.updater.observe(updateMenuLater);
+}
+
+MenuBarExtra::~MenuBarExtra()
+{
+    m_self.reset();
+    if (m_panel) {
+        m_panel->disconnect(this);
+        delete m_panel;
+    }
+}
+
+void MenuBarExtra::toggle()
+{
+    if (m_panel)
+        m_panel->close();
+    else if (!m_hasJustClosed)
+        open(m_ports.placement.manner());
+}
+
+void MenuBarExtra::openAsWindow()
+{
+    if (m_panel)
+        m_panel->open();
+    else
+        open(PanelPlacement::Manner::Window);
+}
+
+void MenuBarExtra::open(PanelPlacement::Manner manner)
+{
+    auto *view = new MenuBarView(m_ports.viewModel, m_ports.haptics);
+    m_panel = new PanelWindow(view, m_ports.placement, manner);
+    connect(m_panel, &PanelWindow::closed, this, &MenuBarExtra::panelClosed);
+    connect(view, &MenuBarView::settingsRequested, this, [this] {
+        m_panel->close();
+        m_ports.openSettings();
+    });
+    connect(view, &MenuBarView::quitRequested, this, [this] { m_ports.quit(); });
+    m_panel->open();
+    reapplyIfTinted();
+}
+
+void MenuBarExtra::panelClosed()
+{
+    m_panel->deleteLater();
+    m_panel.clear();
+    m_hasJustClosed = true;
+    m_justClosed.cancel();
+    m_justClosed = onMainAfter(sameClick, &MenuBarExtra::forgetClosing);
+    if (m_ports.viewModel.isNeutralTemperature())
+        return;
+    onMainAfter(500ms, &MenuBarExtra::reapplyIfTinted);
+    onMainAfter(2s, &MenuBarExtra::reapplyIfTinted);
+}
+
+void MenuBarExtra::reapplyIfTinted()
+{
+    if (!m_ports.viewModel.isNeutralTemperature())
+        m_ports.viewModel.reapplyCurrentTemperature();
+}
+
+Task MenuBarExtra::onMainAfter(std::chrono::nanoseconds delay, void (MenuBarExtra::*action)())
+{
+    return Task::start(m_ports.executor, [weak = std::weak_ptr(m_self), delay, action](TaskContext context) -> Async {
+        co_await context.sleep(delay);
+        co_await context.onMain();
+        context.throwIfCancelled();
+        if (const auto self = weak.lock())
+            (self.get()->*action)();
+    });
+}
+
+void MenuBarExtra::updateMenu()
+{
+    m_icon->setMenu({
+        {.text = tr("Settings...").toStdString(), .activate = m_ports.openSettings},
+        {.text = tr("Check for Updates...").toStdString(),
+         .isEnabled = m_ports.updater.canCheckForUpdates(),
+         .activate = [this] { m_ports.updater.checkForUpdates(); }},
+        {.text = {}, .activate = {}},
+        {.text = tr("Quit Ambertide").toStdString(), .activate = m_ports.quit},
+    });
+}
+
+void MenuBarExtra::updateToolTip()
+{
+    m_icon->setToolTip(MenuBarView::temperatureText(m_ports.viewModel.temperature()).toStdString());
+}
+
+} // namespace ambertide

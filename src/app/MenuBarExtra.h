@@ -1,0 +1,67 @@
+#pragma once
+
+#include "integration/SparkleUpdater.h"
+#include "model/AppViewModel.h"
+#include "platform/HapticPerformer.h"
+#include "platform/PanelPlacement.h"
+#include "platform/TrayIcon.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+
+namespace ambertide {
+
+class PanelWindow;
+
+/// The icon among the desktop's status icons, the panel that it opens and its menu. The panel exists while it is open.
+/// Opening it writes the tint once more, and closing it does so after half a second and after two. Main thread.
+class MenuBarExtra final : public QObject
+{
+    Q_OBJECT
+
+public:
+    using TrayIconFactory = std::function<std::unique_ptr<TrayIcon>(TrayIcon::Callbacks)>;
+
+    /// All of it must outlive this.
+    struct Ports
+    {
+        AppViewModel &viewModel;
+        SparkleUpdater &updater;
+        TaskExecutor &executor;
+        HapticPerformer &haptics;
+        PanelPlacement &placement;
+        TrayIconFactory createTrayIcon;
+        std::function<void()> openSettings;
+        std::function<void()> quit;
+    };
+
+    explicit MenuBarExtra(Ports ports);
+    ~MenuBarExtra() override;
+
+    /// The icon was clicked: opens the panel beside it, or closes it.
+    void toggle();
+    /// The application was started again: opens the panel as an ordinary window, wherever the icon may be.
+    void openAsWindow();
+
+private:
+    void open(PanelPlacement::Manner manner);
+    void panelClosed();
+    void forgetClosing() { m_hasJustClosed = false; }
+    void reapplyIfTinted();
+    Task onMainAfter(std::chrono::nanoseconds delay, void (MenuBarExtra::*action)());
+    void updateMenu();
+    void updateToolTip();
+
+    Ports m_ports;
+    std::unique_ptr<TrayIcon> m_icon;
+    QPointer<PanelWindow> m_panel;
+    bool m_hasJustClosed = false;
+    Task m_justClosed;                    ///< ends that
+    std::shared_ptr<MenuBarExtra> m_self; ///< owns nothing; tasks hold it weakly and look on the main thread
+    Observation m_updaterObservation;
+};
+
+} // namespace ambertide

@@ -1,0 +1,40 @@
+#include "app/Translations.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+
+#include <memory>
+
+namespace ambertide {
+
+namespace {
+
+/// Fails if there is neither a translation for the language as it is spoken in a country nor one for the language.
+bool install(QApplication &application, const QString &product, const QString &language, const QString &folder)
+{
+    auto translator = std::make_unique<QTranslator>(&application);
+    if (!translator->load(product + u'_' + QString(language).replace(u'-', u'_'), folder))
+        return false;
+    return QCoreApplication::installTranslator(translator.release());
+}
+
+} // namespace
+
+void installTranslations(QApplication &application, const QStringList &languages)
+{
+    for (const auto &language : languages) {
+        const QLocale locale(language);
+        if (locale.language() == QLocale::English || language == QLatin1String("C"))
+            return;
+        if (!install(application, QStringLiteral("ambertide"), language, QStringLiteral(":/i18n")))
+            continue;
+        install(application, QStringLiteral("qtbase"), language, QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+        if (locale.textDirection() == Qt::RightToLeft)
+            QApplication::setLayoutDirection(Qt::RightToLeft);
+        return;
+    }
+}
+
+} // namespace ambertide

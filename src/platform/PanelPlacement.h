@@ -1,0 +1,26 @@
+#pragma once
+
+class QWindow;
+
+namespace ambertide {
+
+/// Port: how this desktop lets a panel stand beside the icon that opens it. Main thread.
+class PanelPlacement
+{
+public:
+    enum class Manner {
+        Popup, ///< placed by the application; a press elsewhere closes it
+        Layer, ///< anchored by the desktop; closed when it is no longer active
+        Window ///< as any other window
+    };
+
+    virtual ~PanelPlacement() = default;
+
+    virtual Manner manner() const = 0;
+    /// Whether parts of a window can be see-through at present.
+    virtual bool hasTransparency() const = 0;
+    /// For Manner::Layer: anchors a window that has not been shown yet.
+    virtual void anchor(QWindow &window) = 0;
+};
+
+} // namespace ambertide

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/PanelPlacement.h"
+
+namespace ambertide {
+
+/// Panels on X11 and Wayland, by what the toolkit runs on. After the application object.
+class DesktopPanelPlacement final : public PanelPlacement
+{
+public:
+    Manner manner() const override;
+    bool hasTransparency() const override;
+    void anchor(QWindow &window) override;
+};
+
+} // namespace ambertide

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QImage>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace ambertide {
+
+/// The tray icon's drawing, by name for the hosts that recolour it and as pixels for the others.
+class TrayArtwork
+{
+public:
+    static constexpr char iconName[] = "me.tovanu.Ambertide-symbolic";
+
+    /// `iconsFolder` holds the theme folder "hicolor" that comes with the application.
+    explicit TrayArtwork(std::filesystem::path iconsFolder);
+
+    /// The folder in which hosts find the name; empty when the name is installed where they look anyway. Some hosts
+    /// recolour only what they find by themselves.
+    std::string themePath() const;
+
+    /// In the drawing's own colour, which stands on dark and light panels, at the usual sizes. Empty when the drawing
+    /// cannot be read.
+    std::vector<QImage> images() const;
+
+private:
+    std::filesystem::path m_iconsFolder;
+};
+
+} // namespace ambertide

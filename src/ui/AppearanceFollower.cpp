@@ -1,0 +1,31 @@
+#include "ui/AppearanceFollower.h"
+
+#include "controls/HouseStyle.h"
+#include "controls/Theme.h"
+
+#include <QApplication>
+#include <QStyle>
+
+namespace ambertide {
+
+AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(appearance), m_style(new HouseStyle)
+{
+    QApplication::setStyle(m_style);
+    // A platform theme that knows the desktop's colours tells them, and their changes, by itself.
+    m_hasDesktopPalette =
+        QApplication::palette().color(QPalette::Window) != m_style->standardPalette().color(QPalette::Window);
+    m_observation = m_appearance.observe([this] { follow(); });
+    follow();
+}
+
+void AppearanceFollower::follow()
+{
+    m_style->setMotionReduced(m_appearance.prefersReducedMotion());
+    const bool isDark = m_appearance.colorScheme() == Appearance::ColorScheme::Dark;
+    if (!m_hasDesktopPalette || m_appearance.prefersHighContrast())
+        QApplication::setPalette(housePalette(isDark, m_appearance.prefersHighContrast()));
+    else
+        QApplication::setPalette(QPalette());
+}
+
+} // namespace ambertide

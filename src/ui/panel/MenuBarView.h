@@ -1,0 +1,51 @@
+#pragma once
+
+#include "model/AppViewModel.h"
+#include "platform/HapticPerformer.h"
+
+#include <QWidget>
+
+namespace ambertide {
+
+class SwitchRow;
+class TemperatureSlider;
+class TextLabel;
+
+/// The content of the panel: the temperature, its slider, the schedule's switch, the way to the settings and the end.
+/// Main thread. Model and haptics must outlive it.
+class MenuBarView final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics);
+
+    /// "Normal (Daylight)" from 6500 K on, else as in "3450K" or "3400K (Halogen)".
+    static QString temperatureText(double temperature);
+
+Q_SIGNALS:
+    void settingsRequested();
+    void quitRequested();
+
+protected:
+    bool event(QEvent *event) override;
+
+private:
+    static QString getTemperatureDescription(double temperature);
+    QWidget *header();
+    QWidget *sliderBlock();
+    void handleEditing(bool isEditing);
+    void follow();
+    void fitWidth();
+
+    AppViewModel &m_viewModel;
+    HapticPerformer &m_haptics;
+    bool m_isDragging = false;
+    bool m_scheduleEnabled; ///< as shown
+    double m_temperature;   ///< as shown, in kelvin
+    TextLabel *m_temperatureLabel = nullptr;
+    TemperatureSlider *m_slider = nullptr;
+    SwitchRow *m_schedule = nullptr;
+};
+
+} // namespace ambertide

@@ -1,0 +1,57 @@
+#include "ui/panel/PanelGeometry.h"
+
+#include <algorithm>
+#include <array>
+
+namespace ambertide {
+
+namespace {
+
+constexpr int gap = 4;
+constexpr int halfIcon = 16; // kept free around a pointer on a panel of unknown thickness
+
+/// Of `length` from `from`, the whole of it within [low, high] if it fits, else at `low`.
+int kept(int from, int length, int low, int high) { return std::max(low, std::min(from, high - length)); }
+
+} // namespace
+
+QPoint panelPosition(const QSize &panel, const QPoint &pointer, const QRect &screen, const QRect &available)
+{
+    const int left = available.left();
+    const int top = available.top();
+    const int right = available.left() + available.width();
+    const int bottom = available.top() + available.height();
+    const int inset = available.contains(pointer) ? halfIcon : 0;
+
+    const std::array distances{pointer.y() - screen.top(), screen.bottom() - pointer.y(), pointer.x() - screen.left(),
+                               screen.right() - pointer.x()};
+    auto edge = std::ranges::min_element(distances) - distances.begin();
+    if (pointer.y() < top)
+        edge = 0;
+    else if (pointer.y() >= bottom)
+        edge = 1;
+    else if (pointer.x() < left)
+        edge = 2;
+    else if (pointer.x() >= right)
+        edge = 3;
+
+    int x = pointer.x() - panel.width() / 2;
+    int y = pointer.y() - panel.height() / 2;
+    switch (edge) {
+    case 0:
+        y = std::max(top, inset > 0 ? pointer.y() + inset : top) + gap;
+        break;
+    case 1:
+        y = std::min(bottom, inset > 0 ? pointer.y() - inset : bottom) - gap - panel.height();
+        break;
+    case 2:
+        x = std::max(left, inset > 0 ? pointer.x() + inset : left) + gap;
+        break;
+    default:
+        x = std::min(right, inset > 0 ? pointer.x() - inset : right) - gap - panel.width();
+        break;
+    }
+    return {kept(x, panel.width(), left + gap, right - gap), kept(y, panel.height(), top + gap, bottom - gap)};
+}
+
+} // namespace ambertide

@@ -1,0 +1,126 @@
+#include "ui/panel/PanelWindow.h"
+
+#include "controls/Drawing.h"
+#include "controls/Theme.h"
+#include "ui/panel/PanelGeometry.h"
+
+#include <QBitmap>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <QWindow>
+
+namespace ambertide {
+
+namespace {
+
+constexpr double cornerRadius = 12;
+
+Qt::WindowFlags flagsFor(PanelPlacement::Manner manner)
+{
+    switch (manner) {
+    case PanelPlacement::Manner::Popup:
+        return Qt::Popup | Qt::FramelessWindowHint;
+    case PanelPlacement::Manner::Layer:
+        return Qt::Window | Qt::FramelessWindowHint;
+    case PanelPlacement::Manner::Window:
+        break;
+    }
+    return Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint;
+}
+
+} // namespace
+
+PanelWindow::PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlacement::Manner manner)
+    : QWidget(nullptr, flagsFor(manner)), m_placement(placement), m_manner(manner),
+      m_isSeeThrough(!isFramed() && placement.hasTransparency())
+{
+    setWindowTitle(QStringLiteral("Ambertide"));
+    setAttribute(Qt::WA_TranslucentBackground, m_isSeeThrough);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addWidget(content);
+    setFocusProxy(content);
+}
+
+void PanelWindow::open()
+{
+    place();
+    show();
+    raise();
+    activateWindow();
+    setFocus(Qt::PopupFocusReason);
+}
+
+void PanelWindow::place()
+{
+    adjustSize();
+    if (m_manner == PanelPlacement::Manner::Layer) {
+        create();
+        m_placement.anchor(*windowHandle());
+        return;
+    }
+    const QPoint pointer = QCursor::pos();
+    const auto *screen = QGuiApplication::screenAt(pointer);
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    if (screen != nullptr)
+        move(panelPosition(size(), pointer, screen->geometry(), screen->availableGeometry()));
+}
+
+bool PanelWindow::event(QEvent *event)
+{
+    const bool isHandled = QWidget::event(event);
+    if (event->type() == QEvent::WindowDeactivate && m_manner == PanelPlacement::Manner::Layer)
+        close();
+    return isHandled;
+}
+
+void PanelWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void PanelWindow::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    if (!event->spontaneous())
+        Q_EMIT closed();
+}
+
+void PanelWindow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    if (isFramed() || m_isSeeThrough)
+        return;
+    QBitmap shape(size());
+    shape.clear();
+    QPainter painter(&shape);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+    painter.end();
+    setMask(shape);
+}
+
+void PanelWindow::paintEvent(QPaintEvent *)
+{
+    const auto theme = Theme::of(palette());
+    QPainter painter(this);
+    if (isFramed())
+        return painter.fillRect(rect(), theme.panel);
+    if (!m_isSeeThrough)
+        painter.fillRect(rect(), theme.panel);
+    else
+        fillRounded(painter, rect(), cornerRadius, theme.panel);
+    strokeRounded(painter, rect(), cornerRadius, theme.buttonOutline);
+}
+
+} // namespace ambertide

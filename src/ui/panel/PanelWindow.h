@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/PanelPlacement.h"
+
+#include <QWidget>
+
+namespace ambertide {
+
+/// The window around the panel's content, as the desktop lets it stand. Escape closes it, and so does a press elsewhere
+/// unless it is an ordinary window. Its owner deletes it when it has closed.
+class PanelWindow final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Takes `content` over.
+    PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlacement::Manner manner);
+
+    /// Shows it beside the pointer, where the desktop does not choose the place itself.
+    void open();
+
+Q_SIGNALS:
+    void closed();
+
+protected:
+    bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    bool isFramed() const { return m_manner == PanelPlacement::Manner::Window; }
+    void place();
+
+    PanelPlacement &m_placement;
+    PanelPlacement::Manner m_manner;
+    bool m_isSeeThrough = false;
+};
+
+} // namespace ambertide

@@ -1,0 +1,462 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>ambertide::AboutView</name>
+    <message>
+        <source>Version %1</source>
+        <translation>Version %1</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>Check for Updates...</source>
+        <translation>Nach Updates suchen …</translation>
+    </message>
+    <message>
+        <source>Web page</source>
+        <translation>Webseite</translation>
+    </message>
+    <message>
+        <source>A simple solution to controling your display color temperature.</source>
+        <translation>Die einfache Art, die Farbtemperatur des Bildschirms zu steuern.</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::CommandLineToolView</name>
+    <message>
+        <source>Waiting for the system</source>
+        <translation>Warten auf das System</translation>
+    </message>
+    <message>
+        <source>Usage:</source>
+        <translation>Verwendung:</translation>
+    </message>
+    <message>
+        <source>Command Line Tool</source>
+        <translation>Befehlszeilenwerkzeug</translation>
+    </message>
+    <message>
+        <source>Control Ambertide from Terminal</source>
+        <translation>Ambertide im Terminal steuern</translation>
+    </message>
+    <message>
+        <source>Uninstall</source>
+        <translation>Deinstallieren</translation>
+    </message>
+    <message>
+        <source>Install</source>
+        <translation>Installieren</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::GeneralSettingsView</name>
+    <message>
+        <source>Start at login</source>
+        <translation>Beim Anmelden starten</translation>
+    </message>
+    <message>
+        <source>Automatically check for updates</source>
+        <translation>Automatisch nach Updates suchen</translation>
+    </message>
+    <message>
+        <source>CLI Installation</source>
+        <translation>Installation des Befehlszeilenwerkzeugs</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::MenuBarExtra</name>
+    <message>
+        <source>Settings...</source>
+        <translation>Einstellungen …</translation>
+    </message>
+    <message>
+        <source>Check for Updates...</source>
+        <translation>Nach Updates suchen …</translation>
+    </message>
+    <message>
+        <source>Quit Ambertide</source>
+        <translation>Ambertide beenden</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::MenuBarView</name>
+    <message>
+        <source>Enable Schedule</source>
+        <translation>Zeitplan verwenden</translation>
+    </message>
+    <message>
+        <source>Quit Ambertide</source>
+        <translation>Ambertide beenden</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Color temperature</source>
+        <translation>Farbtemperatur</translation>
+    </message>
+    <message>
+        <source>Normal (Daylight)</source>
+        <translation>Normal (Tageslicht)</translation>
+    </message>
+    <message>
+        <source>%1K</source>
+        <translation>%1&#xa0;K</translation>
+    </message>
+    <message>
+        <source>%1K (%2)</source>
+        <translation>%1&#xa0;K (%2)</translation>
+    </message>
+    <message>
+        <source>Candle</source>
+        <translation>Kerze</translation>
+    </message>
+    <message>
+        <source>Tungsten</source>
+        <translation>Glühlampe</translation>
+    </message>
+    <message>
+        <source>Halogen</source>
+        <translation>Halogen</translation>
+    </message>
+    <message>
+        <source>Fluorescent</source>
+        <translation>Leuchtstofflampe</translation>
+    </message>
+    <message>
+        <source>Sunlight</source>
+        <translation>Sonnenlicht</translation>
+    </message>
+    <message>
+        <source>Daylight</source>
+        <translation>Tageslicht</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::ReleaseNotesView</name>
+    <message>
+        <source>Release Notes</source>
+        <translation>Neuerungen</translation>
+    </message>
+    <message>
+        <source>There are no release notes.</source>
+        <translation>Zu dieser Version gibt es keine Hinweise.</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::ScheduleEntry</name>
+    <message>
+        <source>Normal (Daylight)</source>
+        <translation>Normal (Tageslicht)</translation>
+    </message>
+    <message>
+        <source>%1K</source>
+        <translation>%1 K</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::ScheduleEntryEditor</name>
+    <message>
+        <source>Time</source>
+        <translation>Uhrzeit</translation>
+    </message>
+    <message>
+        <source>Enabled</source>
+        <translation>Aktiv</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Speichern</translation>
+    </message>
+    <message>
+        <source>Temperature</source>
+        <translation>Temperatur</translation>
+    </message>
+    <message>
+        <source>Temperature:</source>
+        <translation>Temperatur:</translation>
+    </message>
+    <message>
+        <source>Warm</source>
+        <translation>Warm</translation>
+    </message>
+    <message>
+        <source>Neutral</source>
+        <translation>Neutral</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Edit Schedule Entry</source>
+        <translation>Zeitplaneintrag bearbeiten</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::ScheduleEntryRow</name>
+    <message>
+        <source>Edit</source>
+        <translation>Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Disabled</source>
+        <translation>Inaktiv</translation>
+    </message>
+    <message>
+        <source>Edit %1</source>
+        <translation>%1 bearbeiten</translation>
+    </message>
+    <message>
+        <source>Delete %1</source>
+        <translation>%1 löschen</translation>
+    </message>
+    <message>
+        <source>disabled</source>
+        <translation>inaktiv</translation>
+    </message>
+    <message>
+        <source>active</source>
+        <translation>gilt gerade</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::ScheduleSettingsView</name>
+    <message>
+        <source>Enable Schedule</source>
+        <translation>Zeitplan verwenden</translation>
+    </message>
+    <message>
+        <source>No schedule entries. Add one to get started.</source>
+        <translation>Noch keine Einträge. Los geht es mit dem ersten.</translation>
+    </message>
+    <message>
+        <source>Add Schedule Entry</source>
+        <translation>Eintrag hinzufügen</translation>
+    </message>
+    <message>
+        <source>Schedule</source>
+        <translation>Zeitplan</translation>
+    </message>
+    <message>
+        <source>Edit Schedule Entry</source>
+        <translation>Zeitplaneintrag bearbeiten</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::SettingsView</name>
+    <message>
+        <source>Ambertide Settings</source>
+        <translation>Ambertide-Einstellungen</translation>
+    </message>
+    <message>
+        <source>General</source>
+        <translation>Allgemein</translation>
+    </message>
+    <message>
+        <source>Schedule</source>
+        <translation>Zeitplan</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::TemperatureSlider</name>
+    <message>
+        <source>%1 K</source>
+        <comment>colour temperature in kelvin, read out by a screen reader</comment>
+        <translation>%1&#xa0;K</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::TimeField</name>
+    <message>
+        <source>Later</source>
+        <translation>Später</translation>
+    </message>
+    <message>
+        <source>Earlier</source>
+        <translation>Früher</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::TrayIcon</name>
+    <message>
+        <source>Open %1</source>
+        <translation>%1 öffnen</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::UpdateFailure</name>
+    <message>
+        <source>This build of Ambertide cannot check for updates: it was made without the address or the key of an update feed. Update it the way it was installed.</source>
+        <translation>Diese Ausgabe von Ambertide kann nicht nach Updates suchen, denn ihr fehlt die Adresse oder der Schlüssel der Update-Quelle. Bitte auf dem Weg aktualisieren, auf dem Ambertide installiert wurde.</translation>
+    </message>
+    <message>
+        <source>The update would have come over a connection that is not secure, so it was not loaded. Download the new version from the Ambertide web page instead.</source>
+        <translation>Das Update wäre über eine unsichere Verbindung gekommen und wurde deshalb nicht geladen. Bitte die neue Version stattdessen von der Webseite von Ambertide herunterladen.</translation>
+    </message>
+    <message>
+        <source>The update server could not be reached. Check your network connection and try again.</source>
+        <translation>Der Update-Server ist nicht erreichbar. Bitte die Netzwerkverbindung prüfen und erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>The update server took too long to answer. Check your network connection and try again.</source>
+        <translation>Der Update-Server hat zu lange nicht geantwortet. Bitte die Netzwerkverbindung prüfen und erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>The update server could not answer the request. Try again later.</source>
+        <translation>Der Update-Server konnte die Anfrage nicht beantworten. Bitte später erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>The update server sent more than an update can be, so it was not loaded. Try again later.</source>
+        <translation>Der Update-Server hat mehr gesendet, als ein Update groß sein kann. Das Update wurde deshalb nicht geladen. Bitte später erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>The download is not as long as it should be. Try again.</source>
+        <translation>Die heruntergeladene Datei hat nicht die erwartete Größe. Bitte erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>The update server sent something other than update information. If your network asks you to log in first, do so and try again.</source>
+        <translation>Der Update-Server hat etwas anderes als Angaben zu Updates gesendet. Falls das Netzwerk zuerst eine Anmeldung verlangt, bitte anmelden und erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>The update is not signed by the makers of Ambertide, so it was thrown away. Try again later, or download the new version from the Ambertide web page.</source>
+        <translation>Das Update ist nicht von den Entwicklern von Ambertide signiert und wurde deshalb verworfen. Bitte später erneut versuchen oder die neue Version von der Webseite von Ambertide herunterladen.</translation>
+    </message>
+    <message>
+        <source>The update could not be saved. Make room on your disk and try again.</source>
+        <translation>Das Update konnte nicht gespeichert werden. Bitte Platz auf dem Datenträger schaffen und erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>Installing the update takes the rights of an administrator, and they were not given. Ask an administrator of this computer.</source>
+        <translation>Die Installation des Updates erfordert Administratorrechte, die nicht erteilt wurden. Bitte an die Administration dieses Computers wenden.</translation>
+    </message>
+    <message>
+        <source>The update could not be installed, so the present version stays. Try again later, or download the new version from the Ambertide web page.</source>
+        <translation>Das Update konnte nicht installiert werden, die bisherige Version bleibt erhalten. Bitte später erneut versuchen oder die neue Version von der Webseite von Ambertide herunterladen.</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::UpdateWindow</name>
+    <message>
+        <source>Software Update</source>
+        <translation>Softwareaktualisierung</translation>
+    </message>
+    <message>
+        <source>Checking for updates…</source>
+        <translation>Suche nach Updates …</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>You&apos;re up to date!</source>
+        <translation>Alles auf dem neuesten Stand!</translation>
+    </message>
+    <message>
+        <source>Ambertide %1 is the newest version available.</source>
+        <translation>Ambertide %1 ist die neueste verfügbare Version.</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>An important update of Ambertide is available!</source>
+        <translation>Ein wichtiges Update von Ambertide ist verfügbar!</translation>
+    </message>
+    <message>
+        <source>A new version of Ambertide is available!</source>
+        <translation>Eine neue Version von Ambertide ist verfügbar!</translation>
+    </message>
+    <message>
+        <source>Ambertide %1 is now available. You have %2.</source>
+        <translation>Ambertide %1 ist jetzt verfügbar. Installiert ist %2.</translation>
+    </message>
+    <message>
+        <source>Skip This Version</source>
+        <translation>Version überspringen</translation>
+    </message>
+    <message>
+        <source>Remind Me Later</source>
+        <translation>Später erinnern</translation>
+    </message>
+    <message>
+        <source>Learn More…</source>
+        <translation>Mehr erfahren …</translation>
+    </message>
+    <message>
+        <source>Install Update</source>
+        <translation>Update installieren</translation>
+    </message>
+    <message>
+        <source>Downloading the update…</source>
+        <translation>Update wird heruntergeladen …</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <extracomment>How much has been downloaded, and how much there is; each with its unit.</extracomment>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>Ready to install</source>
+        <translation>Bereit zur Installation</translation>
+    </message>
+    <message>
+        <source>Ambertide %1 has been downloaded and verified. Installing it takes the password of an administrator.</source>
+        <translation>Ambertide %1 wurde heruntergeladen und geprüft. Die Installation erfordert ein Administratorpasswort.</translation>
+    </message>
+    <message>
+        <source>Not Now</source>
+        <translation>Jetzt nicht</translation>
+    </message>
+    <message>
+        <source>Install</source>
+        <translation>Installieren</translation>
+    </message>
+    <message>
+        <source>Installing the update…</source>
+        <translation>Update wird installiert …</translation>
+    </message>
+    <message>
+        <source>Ambertide %1 is installed</source>
+        <translation>Ambertide %1 ist installiert</translation>
+    </message>
+    <message>
+        <source>Restart Ambertide to use it.</source>
+        <translation>Die neue Version läuft nach einem Neustart von Ambertide.</translation>
+    </message>
+    <message>
+        <source>Quit and start Ambertide to use it.</source>
+        <translation>Bitte Ambertide beenden und wieder starten, um die neue Version zu verwenden.</translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation>Später</translation>
+    </message>
+    <message>
+        <source>Restart Ambertide</source>
+        <translation>Ambertide neu starten</translation>
+    </message>
+    <message>
+        <source>The update did not succeed</source>
+        <translation>Das Update ist fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>Try Again</source>
+        <translation>Erneut versuchen</translation>
+    </message>
+</context>
+</TS>
