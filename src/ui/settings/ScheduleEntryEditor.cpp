@@ -7,6 +7,7 @@
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -107,13 +108,10 @@ void ScheduleEntryEditor::keyPressEvent(QKeyEvent *event)
 void ScheduleEntryEditor::save()
 {
     m_save->setEnabled(false);
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (!std::exchange(m_isSaved, true))
-                Q_EMIT saved(m_editedEntry);
-        },
-        Qt::QueuedConnection);
+    QTimer::singleShot(0, this, [this] {
+        if (!std::exchange(m_isSaved, true))
+            Q_EMIT saved(m_editedEntry);
+    });
 }
 
 void ScheduleEntryEditor::showTemperature()

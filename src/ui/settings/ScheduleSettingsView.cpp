@@ -140,7 +140,7 @@ void ScheduleSettingsView::moveEvent(QMoveEvent *)
 {
     const QRect seen = visibleRegion().boundingRect();
     if (m_rows.size() < m_entries.size() && seen.bottom() > height() - 2 * seen.height())
-        QMetaObject::invokeMethod(this, &ScheduleSettingsView::showMoreRows, Qt::QueuedConnection);
+        QTimer::singleShot(0, this, &ScheduleSettingsView::showMoreRows);
 }
 
 void ScheduleSettingsView::showMoreRows()
