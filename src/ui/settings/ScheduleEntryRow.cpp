@@ -89,6 +89,8 @@ void ScheduleEntryRow::setEntry(const ScheduleEntry &entry, const QString &time,
     update();
 }
 
+QWidget *ScheduleEntryRow::lastInTabOrder() const { return m_delete; }
+
 QSize ScheduleEntryRow::sizeHint() const { return layout()->sizeHint(); }
 
 void ScheduleEntryRow::keyPressEvent(QKeyEvent *event)

@@ -22,6 +22,8 @@ public:
     /// `time` as it is shown.
     void setEntry(const ScheduleEntry &entry, const QString &time, bool isActive);
 
+    QWidget *lastInTabOrder() const;
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
