@@ -63,11 +63,9 @@ def is_checked(role, name):
 
 
 def focused():
-    """Role and name of what has the keyboard."""
-    for found in elements():
-        if has_state(found, State.FOCUSED):
-            return found.get_role_name(), found.get_name()
-    return None
+    """Role and name of what has the keyboard; what holds it has the state, too."""
+    with_focus = [found for found in elements() if has_state(found, State.FOCUSED)]
+    return (with_focus[-1].get_role_name(), with_focus[-1].get_name()) if with_focus else None
 
 
 def value(role, name):
@@ -98,3 +96,8 @@ def extents(role, name):
 def click_on(desktop, role, name):
     x, y, width, height = extents(role, name)
     desktop.click(x + width / 2, y + height / 2)
+
+
+def act(role, name):
+    """Presses it without mouse or keyboard."""
+    Atspi.Action.do_action(element(role, name), 0)
