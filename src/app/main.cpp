@@ -3,6 +3,7 @@
 #include "app/EndingSignals.h"
 #include "app/ModelTemperatureControl.h"
 #include "app/Translations.h"
+#include "controls/AccessibleApplication.h"
 #include "integration/CLIInstaller.h"
 #include "integration/LaunchHelper.h"
 #include "integration/SetColorTemperatureShortcut.h"
@@ -98,6 +99,7 @@ int main(int argc, char *argv[])
 
     chooseToolkitPlatform();
     QApplication application(argc, argv);
+    AccessibleApplication::install();
     QApplication::setApplicationName(QStringLiteral("Ambertide"));
     QApplication::setApplicationVersion(QStringLiteral(AMBERTIDE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));

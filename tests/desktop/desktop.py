@@ -44,6 +44,7 @@ class Desktop:
 
     def __init__(self, build, panel="xfce4-panel", size=(1280, 800), environment=None):
         self.build = pathlib.Path(build).resolve()
+        self.bundle = self.build / "Ambertide.app"
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="ambertide-desktop-"))
         self._processes = []
         for variable in ("WAYLAND_DISPLAY", "DESKTOP_STARTUP_ID", "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM"):
@@ -61,6 +62,8 @@ class Desktop:
         self.start("openbox", "--config-file", str(PANELS / "openbox.xml"))
         if panel:
             self._start_panel(panel)
+            self.icon = {"xfce4-panel": (size[0] - 14, 15), "lxqt-panel": (size[0] - 15, size[1] - 15),
+                         "tint2": (size[0] - 15, size[1] - 16)}[panel]
         self.application = None
 
     def close(self):
@@ -118,13 +121,25 @@ class Desktop:
 
     # The application
 
-    def start_application(self, *arguments):
-        """Returns when it takes requests."""
+    def start_application(self, **environment):
+        """Returns when it takes requests. The environment is its own, on top of everybody's."""
         log = open(self.home / "application.log", "ab")
-        program = self.build / "Ambertide.app/Contents/MacOS/Ambertide"
-        self.application = self.start(str(program), *arguments, stdout=log, stderr=subprocess.STDOUT)
+        self.application = self.start(str(self.bundle / "Contents/MacOS/Ambertide"), stdout=log,
+                                      stderr=subprocess.STDOUT, env={**os.environ, **environment})
         self.wait_for_line("Registering for CLI")
         return self.application
+
+    def wait_for_icon(self):
+        """Returns once something is drawn where the panel shows the only icon."""
+        x, y = self.icon
+        region = self.home / "icon.png"
+
+        def is_drawn():
+            self.screenshot(region, (x - 6, y - 6, 12, 12))
+            shown = subprocess.run(["identify", "-format", "%k", str(region)], capture_output=True, text=True)
+            return int(shown.stdout or 0) > 3  # colours
+
+        wait_until(is_drawn, "there is no icon")
 
     def log(self):
         return (self.home / "application.log").read_text()
@@ -134,13 +149,19 @@ class Desktop:
                           f"no line begins with {beginning!r}")
 
     def tool(self, *arguments):
-        program = self.build / "Ambertide.app/Contents/MacOS/AmbertideCLI"
-        return subprocess.run([program, *arguments], check=True, capture_output=True, text=True).stdout.strip()
+        return subprocess.run([self.bundle / "Contents/MacOS/AmbertideCLI", *arguments], check=True, capture_output=True, text=True).stdout.strip()
+
+    def call(self, method, *arguments):
+        """A method of org.freedesktop.Application, with busctl's words for its arguments."""
+        subprocess.run(["busctl", "--user", "call", "me.tovanu.Ambertide", "/me/tovanu/Ambertide",
+                        "org.freedesktop.Application", method, *arguments], check=True, stdout=subprocess.DEVNULL)
 
     def activate(self):
         """What a launcher does when the application runs already."""
-        subprocess.run(["busctl", "--user", "call", "me.tovanu.Ambertide", "/me/tovanu/Ambertide",
-                        "org.freedesktop.Application", "Activate", "a{sv}", "0"], check=True, stdout=subprocess.DEVNULL)
+        self.call("Activate", "a{sv}", "0")
+
+    def show_settings(self):
+        self.call("ActivateAction", "sava{sv}", "settings", "0", "0")
 
     def setting(self, key):
         """The stored text; None while there is none."""
@@ -172,18 +193,16 @@ class Desktop:
         return found.stdout.split()
 
     def move(self, x, y):
-        self.xdotool("mousemove", "--sync", round(x), round(y))
+        self.xdotool("mousemove", round(x), round(y))
 
     def click(self, x, y, button=1):
-        self.move(x, y)
-        self.xdotool("click", button)
+        self.xdotool("mousemove", round(x), round(y), "click", button)
 
-    def drag(self, path):
-        self.move(*path[0])
-        self.xdotool("mousedown", 1)
-        for point in path[1:]:
-            self.move(*point)
-        self.xdotool("mouseup", 1)
+    def drag(self, *path):
+        """Presses at the first point and lets go at the last."""
+        first, *others = [("mousemove", round(x), round(y)) for x, y in path]
+        moves = [word for move in others for word in move]
+        self.xdotool(*first, "mousedown", 1, *moves, "mouseup", 1)
 
     def key(self, *keys):
         self.xdotool("key", "--clearmodifiers", *keys)
@@ -192,83 +211,13 @@ class Desktop:
         crop = ["-crop", "{2}x{3}+{0}+{1}".format(*region), "+repage"] if region else []
         subprocess.run(["import", "-silent", "-window", "root", *crop, str(path)], check=True)
 
-    # Accessibility
-
-    def _tree(self):
-        import gi
-        gi.require_version("Atspi", "2.0")
-        from gi.repository import Atspi
-        return Atspi
-
-    def accessible_application(self):
-        atspi = self._tree()
-
-        def find():
-            root = atspi.get_desktop(0)
-            root.clear_cache()
-            for index in range(root.get_child_count()):
-                child = root.get_child_at_index(index)
-                if child is not None and child.get_name() == "Ambertide":
-                    child.set_cache_mask(atspi.Cache.NONE)
-                    return child
-            return None
-
-        return wait_until(find, "Ambertide is not on the accessibility bus")
-
-    def elements(self, role=None, name=None, showing=True):
-        """Accessible elements in reading order, with these properties."""
-        atspi = self._tree()
-        found = []
-
-        def visit(element):
-            if element is None:
-                return
-            try:
-                states = element.get_state_set()
-                matches = (role is None or element.get_role_name() == role) and (name is None or element.get_name() == name)
-                if matches and (not showing or states.contains(atspi.StateType.SHOWING)):
-                    found.append(element)
-                for index in range(element.get_child_count()):
-                    visit(element.get_child_at_index(index))
-            except gi_error():
-                pass  # it went while it was looked at
-
-        visit(self.accessible_application())
-        return found
-
-    def element(self, role, name, seconds=20):
-        return wait_until(lambda: self.elements(role, name), f"no {role} {name!r} is shown", seconds)[0]
-
-    def extents(self, element):
-        """x, y, width, height on the screen."""
-        box = element.get_component_iface().get_extents(self._tree().CoordType.SCREEN)
-        return box.x, box.y, box.width, box.height
-
-    def click_on(self, role, name):
-        x, y, width, height = self.extents(self.element(role, name))
-        self.click(x + width / 2, y + height / 2)
-
-    def is_checked(self, role, name):
-        return self.element(role, name).get_state_set().contains(self._tree().StateType.CHECKED)
-
-    def texts(self):
-        """What the labels that are shown say."""
-        return [element.get_name() for element in self.elements("label")]
-
-
-def gi_error():
-    from gi.repository import GLib
-    return GLib.Error
-
 
 def main(scenarios):
     """Runs the scenario that the command line names: <build folder> <scenario> [<panel>]."""
     build, name, *panel = sys.argv[1:]
-    desktop = Desktop(build, *panel)
-    try:
-        scenarios[name](desktop)
-    except BaseException:
-        print(desktop.log() if desktop.application else "", file=sys.stderr)
-        raise
-    finally:
-        desktop.close()
+    with Desktop(build, *panel) as desktop:
+        try:
+            scenarios[name](desktop)
+        except BaseException:
+            print(desktop.log() if desktop.application else "", file=sys.stderr)
+            raise

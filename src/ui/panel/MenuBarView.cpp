@@ -79,7 +79,6 @@ MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     body->addSpacing(bodySpacing);
     body->addLayout(padded(quit, rowMargin));
     layout->addLayout(body);
-    setFocusProxy(m_slider);
 
     connect(m_schedule, &SwitchRow::clicked, this, [this](bool isOn) { m_viewModel.setScheduleEnabled(isOn); });
     connect(quit, &RowButton::clicked, this, &MenuBarView::quitRequested);
@@ -181,6 +180,9 @@ void MenuBarView::follow()
         m_haptics.performLevelChange();
     m_schedule->show(isOn);
 }
+
+// A focus proxy would catch every round of Tab.
+void MenuBarView::showEvent(QShowEvent *) { m_slider->setFocus(Qt::PopupFocusReason); }
 
 bool MenuBarView::event(QEvent *event)
 {

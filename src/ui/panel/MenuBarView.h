@@ -29,6 +29,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     static QString getTemperatureDescription(double temperature);

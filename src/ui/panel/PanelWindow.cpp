@@ -44,7 +44,6 @@ PanelWindow::PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlace
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addWidget(content);
-    setFocusProxy(content);
 }
 
 void PanelWindow::open()
@@ -53,7 +52,6 @@ void PanelWindow::open()
     show();
     raise();
     activateWindow();
-    setFocus(Qt::PopupFocusReason);
 }
 
 void PanelWindow::place()

@@ -130,8 +130,9 @@ void ScheduleSettingsView::addRow()
     connect(row, &ScheduleEntryRow::deleteRequested, this, [this, row] { remove(row->entry().id); });
     m_list->insertRow(static_cast<int>(m_rows.size()), row);
     m_rows.push_back(row);
+    // What is read out and what Tab comes to follow the order of creation, not that of the list.
+    m_add->raise();
     setTabOrder(row->lastInTabOrder(), m_add);
-    m_add->raise(); // the last for screen readers, too
 }
 
 // The tab is moved under its window when it is scrolled. Rows are made as they come near, so that a schedule of any

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QAccessibleObject>
+
+namespace ambertide {
+
+/// What assistive technology sees of the application: its windows, the popups among them, which the toolkit leaves out.
+/// Main thread.
+class AccessibleApplication final : public QAccessibleApplication
+{
+public:
+    /// To be called once, right after the application object has been made. From then on a window that is a plain
+    /// widget is called a window, too.
+    static void install();
+
+    int childCount() const override;
+    QAccessibleInterface *child(int index) const override;
+    int indexOfChild(const QAccessibleInterface *child) const override;
+};
+
+} // namespace ambertide

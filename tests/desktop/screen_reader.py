@@ -1,0 +1,103 @@
+"""Ambertide's windows as a screen reader finds them: by role and name, over the accessibility bus of the desktop.
+
+To be used once a Desktop has been made. Nothing is cached.
+"""
+
+import gi
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib
+
+from desktop import wait_until
+
+State = Atspi.StateType
+
+
+def application(name="Ambertide"):
+    """The root of a program that draws windows."""
+    def find():
+        root = Atspi.get_desktop(0)
+        root.clear_cache()
+        for index in range(root.get_child_count()):
+            child = root.get_child_at_index(index)
+            if child is not None and child.get_name() == name:
+                child.set_cache_mask(Atspi.Cache.NONE)
+                return child
+        return None
+
+    return wait_until(find, f"{name} is not on the accessibility bus")
+
+
+def elements(role=None, name=None, within=None):
+    """What is shown, in reading order, with these properties."""
+    found = []
+
+    def visit(element):
+        try:
+            if element is None or not has_state(element, State.SHOWING):
+                return
+            if role in (None, element.get_role_name()) and name in (None, element.get_name()):
+                found.append(element)
+            for index in range(element.get_child_count()):
+                visit(element.get_child_at_index(index))
+        except GLib.Error:
+            pass  # it went while it was looked at
+
+    visit(within or application())
+    return found
+
+
+def element(role, name):
+    return wait_until(lambda: elements(role, name), f"no {role} {name!r} is shown")[0]
+
+
+def wait_until_gone(role, name):
+    wait_until(lambda: not elements(role, name), f"the {role} {name!r} stays")
+
+
+def has_state(element, state):
+    return element.get_state_set().contains(state)
+
+
+def is_checked(role, name):
+    return has_state(element(role, name), State.CHECKED)
+
+
+def focused():
+    """Role and name of what has the keyboard; what holds it has the state, too."""
+    with_focus = [found for found in elements() if has_state(found, State.FOCUSED)]
+    return (with_focus[-1].get_role_name(), with_focus[-1].get_name()) if with_focus else None
+
+
+def value(role, name):
+    return Atspi.Value.get_current_value(element(role, name))
+
+
+def texts():
+    """What the labels say."""
+    return [label.get_name() for label in elements("label")]
+
+
+def extents(role, name):
+    """x, y, width and height on the screen, once it rests."""
+    def read():
+        box = Atspi.Component.get_extents(element(role, name), Atspi.CoordType.SCREEN)
+        return box.x, box.y, box.width, box.height
+
+    last = []
+
+    def rests():
+        last.append(read())
+        return last[-4:].count(last[-1]) == 4
+
+    wait_until(rests, f"the {role} {name!r} does not come to rest")
+    return last[-1]
+
+
+def click_on(desktop, role, name):
+    x, y, width, height = extents(role, name)
+    desktop.click(x + width / 2, y + height / 2)
+
+
+def act(role, name):
+    """Presses it without mouse or keyboard."""
+    Atspi.Action.do_action(element(role, name), 0)
