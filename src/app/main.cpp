@@ -4,6 +4,7 @@
 #include "app/ModelTemperatureControl.h"
 #include "app/Translations.h"
 #include "controls/AccessibleApplication.h"
+#include "controls/ApplicationIcon.h"
 #include "integration/CLIInstaller.h"
 #include "integration/LaunchHelper.h"
 #include "integration/SetColorTemperatureShortcut.h"
@@ -103,6 +104,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationName(QStringLiteral("Ambertide"));
     QApplication::setApplicationVersion(QStringLiteral(AMBERTIDE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));
+    QApplication::setWindowIcon(applicationIcon());
 
     installTranslations(application, QLocale().uiLanguages());
 
