@@ -73,7 +73,7 @@ void Button::paintEvent(QPaintEvent *)
     painter.setPen(isProminent ? theme.onAccent : theme.text);
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextShowMnemonic, text());
     if (showsFocusRing(*this))
-        drawFocusRing(painter, rect(), cornerRadius + ringGap, theme.accent);
+        drawFocusRing(painter, rect(), cornerRadius + ringGap, isProminent ? theme.text : theme.accent);
 }
 
 IconButton::IconButton(const Look &look, const QString &name) : m_look(look)
