@@ -6,19 +6,20 @@
 #include "integration/CLIInstaller.h"
 #include "integration/LaunchHelper.h"
 #include "integration/SetColorTemperatureShortcut.h"
+#include "platform/Console.h"
 #include "platform/linux/DBusActions.h"
 #include "platform/linux/DBusApplicationObject.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/DBusRunningApplications.h"
 #include "platform/linux/DBusSession.h"
 #include "platform/linux/DBusTemperatureObject.h"
-#include "platform/linux/DesktopPanelPlacement.h"
 #include "platform/linux/FeedbackdHapticPerformer.h"
 #include "platform/linux/LogindSystemWake.h"
 #include "platform/linux/PkexecPrivilegedRunner.h"
 #include "platform/linux/PortalAppearance.h"
 #include "platform/linux/SessionDisplayServices.h"
 #include "platform/linux/XdgLoginItem.h"
+#include "platform/linux/placement/DesktopPanelPlacement.h"
 #include "platform/linux/tray/DesktopTrayIcon.h"
 #include "platform/linux/update/PkexecUpdateInstaller.h"
 #include "platform/qt/PlistMainBundle.h"
@@ -43,6 +44,7 @@
 #include <future>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace {
 
@@ -71,15 +73,25 @@ void openStandardDescriptors()
         close(opened);
 }
 
+bool isWaylandSession() { return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"); }
+
 /// The toolkit may come to nothing without ending the application: it then runs without windows.
 void chooseToolkitPlatform()
 {
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        return;
-    qputenv("QT_QPA_PLATFORM",
-            qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb;offscreen" : "wayland;xcb;offscreen");
+    qputenv("QT_QPA_PLATFORM", isWaylandSession() ? "wayland;xcb;offscreen" : "xcb;offscreen");
     // The display adapter has said in one line what these would say in several.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
+}
+
+void explainToolkitPlatform()
+{
+    const auto platform = QGuiApplication::platformName();
+    if (!isWaylandSession() || platform.startsWith(QStringLiteral("wayland")))
+        return;
+    const std::string outcome =
+        platform == QStringLiteral("xcb") ? "Windows are shown through Xwayland" : "Windows cannot be shown";
+    console::print(outcome +
+                   ": the compositor does not answer, or Qt's Wayland plugin (package qt6-wayland) is missing.");
 }
 
 } // namespace
@@ -93,8 +105,12 @@ int main(int argc, char *argv[])
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
     const auto displays = makeSessionDisplayServices(program.parent_path());
 
-    chooseToolkitPlatform();
+    const bool isPlatformOurChoice = !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    if (isPlatformOurChoice)
+        chooseToolkitPlatform();
     QApplication application(argc, argv);
+    if (isPlatformOurChoice)
+        explainToolkitPlatform();
     QApplication::setApplicationName(QStringLiteral("Ambertide"));
     QApplication::setApplicationVersion(QStringLiteral(AMBERTIDE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));

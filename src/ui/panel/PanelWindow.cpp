@@ -47,21 +47,21 @@ PanelWindow::PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlace
     setFocusProxy(content);
 }
 
-void PanelWindow::open()
+void PanelWindow::open(std::optional<QPoint> place)
 {
-    place();
+    moveBesideIcon(place);
     show();
     raise();
     activateWindow();
     setFocus(Qt::PopupFocusReason);
 }
 
-void PanelWindow::place()
+void PanelWindow::moveBesideIcon(std::optional<QPoint> place)
 {
     adjustSize();
     if (m_manner == PanelPlacement::Manner::Layer) {
         create();
-        m_placement.anchor(*windowHandle());
+        m_placement.anchor(*windowHandle(), place);
         return;
     }
     const QPoint pointer = QCursor::pos();
