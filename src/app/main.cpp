@@ -79,8 +79,9 @@ bool isWaylandSession() { return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
 void chooseToolkitPlatform()
 {
     qputenv("QT_QPA_PLATFORM", isWaylandSession() ? "wayland;xcb;offscreen" : "xcb;offscreen");
-    // The display adapter has said in one line what these would say in several.
-    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
+    // One line of our own says what these would say in several.
+    QLoggingCategory::setFilterRules(
+        QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false\nqt.qpa.wayland.warning=false"));
 }
 
 void explainToolkitPlatform()
