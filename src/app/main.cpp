@@ -79,13 +79,17 @@ bool isWaylandSession() { return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
 void chooseToolkitPlatform()
 {
     qputenv("QT_QPA_PLATFORM", isWaylandSession() ? "wayland;xcb;offscreen" : "xcb;offscreen");
-    // One line of our own says what these would say in several.
-    QLoggingCategory::setFilterRules(
-        QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false\nqt.qpa.wayland.warning=false"));
+    // The display adapter and explainToolkitPlatform() say in one line what these would say in several.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
+        if (type == QtFatalMsg)
+            console::print(text.toStdString());
+    });
 }
 
 void explainToolkitPlatform()
 {
+    qInstallMessageHandler(nullptr);
     const auto platform = QGuiApplication::platformName();
     if (!isWaylandSession() || platform.startsWith(QStringLiteral("wayland")))
         return;
