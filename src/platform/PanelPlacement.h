@@ -14,7 +14,8 @@ class PanelPlacement
 public:
     enum class Manner {
         Popup, ///< placed by the application; a press elsewhere closes it
-        Layer, ///< anchored by the desktop; closed when it is no longer active
+        Layer, ///< anchored by the desktop; a press elsewhere closes it, and so does its owner when it is no longer
+               ///< active
         Window ///< as any other window
     };
 

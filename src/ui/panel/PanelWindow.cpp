@@ -49,7 +49,8 @@ PanelWindow::PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlace
 
 void PanelWindow::open(std::optional<QPoint> place)
 {
-    moveBesideIcon(place);
+    if (!isVisible())
+        moveBesideIcon(place);
     show();
     raise();
     activateWindow();

@@ -1,7 +1,9 @@
 #include "platform/linux/placement/LayerShell.h"
 
 #include <QGuiApplication>
-#include <QWindow>
+#include <QPainter>
+#include <QRasterWindow>
+#include <QScreen>
 
 #include <wayland-client.h>
 
@@ -47,6 +49,47 @@ bool hasLayerShell(wl_display *display)
            wl_display_roundtrip_queue(display, queue.get()) >= 0 && isFound;
 }
 
+using Layer = LayerShellQt::Window;
+
+/// Covers a screen unseen, the desktop's panels included, and closes the panel at a press: compositors may leave the
+/// keyboard with a layer whatever else is pressed. Goes when the panel goes.
+class PressCatcher final : public QRasterWindow
+{
+public:
+    PressCatcher(QWindow &panel, QScreen *screen) : m_panel(panel)
+    {
+        auto transparent = format();
+        transparent.setAlphaBufferSize(8);
+        setFormat(transparent);
+        setScreen(screen);
+        resize(screen->size());
+        auto *layer = Layer::get(this);
+        layer->setScope(QStringLiteral("panel-surroundings"));
+        layer->setLayer(Layer::LayerTop);
+        layer->setKeyboardInteractivity(Layer::KeyboardInteractivityNone);
+        layer->setExclusiveZone(-1);
+        layer->setAnchors({Layer::AnchorTop, Layer::AnchorBottom, Layer::AnchorLeft, Layer::AnchorRight});
+        connect(&panel, &QWindow::visibleChanged, this, [this](bool isVisible) {
+            if (!isVisible)
+                deleteLater();
+        });
+        connect(&panel, &QObject::destroyed, this, &QObject::deleteLater);
+        show();
+    }
+
+private:
+    void mousePressEvent(QMouseEvent *) override { m_panel.close(); }
+
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(QRect({}, size()), Qt::transparent);
+    }
+
+    QWindow &m_panel;
+};
+
 } // namespace
 
 bool isOffered()
@@ -60,10 +103,12 @@ bool isOffered()
 
 void anchor(QWindow &window, const LayerPosition &position, QScreen *screen)
 {
-    using Layer = LayerShellQt::Window;
+    const auto screens = QGuiApplication::screens();
+    for (auto *each : screens)
+        new PressCatcher(window, each); // deletes itself
     auto *layer = Layer::get(&window);
     layer->setScope(QStringLiteral("panel"));
-    layer->setLayer(Layer::LayerTop);
+    layer->setLayer(Layer::LayerOverlay);
     layer->setKeyboardInteractivity(Layer::KeyboardInteractivityOnDemand);
     layer->setMargins(position.margins);
     Layer::Anchors anchors;
