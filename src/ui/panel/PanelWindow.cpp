@@ -65,6 +65,8 @@ void PanelWindow::moveBesideIcon(std::optional<QPoint> place)
         m_placement.anchor(*windowHandle(), place);
         return;
     }
+    if (m_manner == PanelPlacement::Manner::Window)
+        return;
     const QPoint pointer = QCursor::pos();
     const auto *screen = QGuiApplication::screenAt(pointer);
     if (screen == nullptr)
