@@ -21,7 +21,8 @@ constexpr auto sameClick = 250ms;
 
 MenuBarExtra::MenuBarExtra(Ports ports) : m_ports(std::move(ports)), m_self(this, [](MenuBarExtra *) {})
 {
-    m_icon = m_ports.createTrayIcon({.activated = [this] { toggle(); }, .presenceChanged = [] {}});
+    m_icon = m_ports.createTrayIcon(
+        {.activated = [this](std::optional<QPoint> place) { toggle(place); }, .presenceChanged = [] {}});
     updateMenu();
     updateToolTip();
     connect(&m_ports.viewModel, &AppViewModel::changed, this, &MenuBarExtra::updateToolTip);
@@ -45,23 +46,23 @@ MenuBarExtra::~MenuBarExtra()
     }
 }
 
-void MenuBarExtra::toggle()
+void MenuBarExtra::toggle(std::optional<QPoint> place)
 {
     if (m_panel)
         m_panel->close();
     else if (!m_hasJustClosed)
-        open(m_ports.placement.manner());
+        open(m_ports.placement.manner(), place);
 }
 
 void MenuBarExtra::openAsWindow()
 {
     if (m_panel)
-        m_panel->open();
+        m_panel->open(std::nullopt);
     else
-        open(PanelPlacement::Manner::Window);
+        open(PanelPlacement::Manner::Window, std::nullopt);
 }
 
-void MenuBarExtra::open(PanelPlacement::Manner manner)
+void MenuBarExtra::open(PanelPlacement::Manner manner, std::optional<QPoint> place)
 {
     auto *view = new MenuBarView(m_ports.viewModel, m_ports.haptics);
     m_panel = new PanelWindow(view, m_ports.placement, manner);
@@ -71,7 +72,7 @@ void MenuBarExtra::open(PanelPlacement::Manner manner)
         m_ports.openSettings();
     });
     connect(view, &MenuBarView::quitRequested, this, [this] { m_ports.quit(); });
-    m_panel->open();
+    m_panel->open(place);
     reapplyIfTinted();
 }
 

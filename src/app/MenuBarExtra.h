@@ -43,13 +43,13 @@ public:
 
     /// Whether there is an icon to open the panel with.
     bool isIconShown() const { return m_icon->presence() == TrayIcon::Presence::Shown; }
-    /// The icon was clicked: opens the panel beside it, or closes it.
-    void toggle();
+    /// The icon was clicked: opens the panel beside it, or closes it. `place`: see TrayIcon.
+    void toggle(std::optional<QPoint> place);
     /// The application was started again: opens the panel as an ordinary window, wherever the icon may be.
     void openAsWindow();
 
 private:
-    void open(PanelPlacement::Manner manner);
+    void open(PanelPlacement::Manner manner, std::optional<QPoint> place);
     void panelClosed();
     void forgetClosing() { m_hasJustClosed = false; }
     void reapplyIfTinted();

@@ -8,19 +8,20 @@
 #include "integration/CLIInstaller.h"
 #include "integration/LaunchHelper.h"
 #include "integration/SetColorTemperatureShortcut.h"
+#include "platform/Console.h"
 #include "platform/linux/DBusActions.h"
 #include "platform/linux/DBusApplicationObject.h"
 #include "platform/linux/DBusNotificationCenter.h"
 #include "platform/linux/DBusRunningApplications.h"
 #include "platform/linux/DBusSession.h"
 #include "platform/linux/DBusTemperatureObject.h"
-#include "platform/linux/DesktopPanelPlacement.h"
 #include "platform/linux/FeedbackdHapticPerformer.h"
 #include "platform/linux/LogindSystemWake.h"
 #include "platform/linux/PkexecPrivilegedRunner.h"
 #include "platform/linux/PortalAppearance.h"
 #include "platform/linux/SessionDisplayServices.h"
 #include "platform/linux/XdgLoginItem.h"
+#include "platform/linux/placement/DesktopPanelPlacement.h"
 #include "platform/linux/tray/DesktopTrayIcon.h"
 #include "platform/linux/update/PkexecUpdateInstaller.h"
 #include "platform/qt/PlistMainBundle.h"
@@ -45,6 +46,7 @@
 #include <future>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace {
 
@@ -73,18 +75,30 @@ void openStandardDescriptors()
         close(opened);
 }
 
+bool isWaylandSession() { return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"); }
+
 /// The toolkit may come to nothing without ending the application: it then runs without windows.
 void chooseToolkitPlatform()
 {
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        return;
-    // A compositor that is not there is left out, since the toolkit would complain of it at length.
-    const auto socket =
-        std::filesystem::path(qgetenv("XDG_RUNTIME_DIR").toStdString()) / qgetenv("WAYLAND_DISPLAY").toStdString();
-    std::error_code ignored;
-    qputenv("QT_QPA_PLATFORM", std::filesystem::is_socket(socket, ignored) ? "wayland;xcb;offscreen" : "xcb;offscreen");
-    // The display adapter has said in one line what these would say in several.
+    qputenv("QT_QPA_PLATFORM", isWaylandSession() ? "wayland;xcb;offscreen" : "xcb;offscreen");
+    // The display adapter and explainToolkitPlatform() say in one line what these would say in several.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
+        if (type == QtFatalMsg)
+            console::print(text.toStdString());
+    });
+}
+
+void explainToolkitPlatform()
+{
+    qInstallMessageHandler(nullptr);
+    const auto platform = QGuiApplication::platformName();
+    if (!isWaylandSession() || platform.startsWith(QStringLiteral("wayland")))
+        return;
+    const std::string outcome =
+        platform == QStringLiteral("xcb") ? "Windows are shown through Xwayland" : "Windows cannot be shown";
+    console::print(outcome +
+                   ": the compositor does not answer, or Qt's Wayland plugin (package qt6-wayland) is missing.");
 }
 
 } // namespace
@@ -98,9 +112,13 @@ int main(int argc, char *argv[])
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
     const auto displays = makeSessionDisplayServices(program.parent_path());
 
-    chooseToolkitPlatform();
+    const bool isPlatformOurChoice = !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    if (isPlatformOurChoice)
+        chooseToolkitPlatform();
     QApplication application(argc, argv);
     AccessibleApplication::install();
+    if (isPlatformOurChoice)
+        explainToolkitPlatform();
     QApplication::setApplicationName(QStringLiteral("Ambertide"));
     QApplication::setApplicationVersion(QStringLiteral(AMBERTIDE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));

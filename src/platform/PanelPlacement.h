@@ -1,5 +1,9 @@
 #pragma once
 
+#include <QPoint>
+
+#include <optional>
+
 class QWindow;
 
 namespace ambertide {
@@ -10,7 +14,8 @@ class PanelPlacement
 public:
     enum class Manner {
         Popup, ///< placed by the application; a press elsewhere closes it
-        Layer, ///< anchored by the desktop; closed when it is no longer active
+        Layer, ///< anchored by the desktop; a press elsewhere closes it, and so does its owner when it is no longer
+               ///< active
         Window ///< as any other window
     };
 
@@ -19,8 +24,9 @@ public:
     virtual Manner manner() const = 0;
     /// Whether parts of a window can be see-through at present.
     virtual bool hasTransparency() const = 0;
-    /// For Manner::Layer: anchors a window that has not been shown yet.
-    virtual void anchor(QWindow &window) = 0;
+    /// For Manner::Layer: anchors a window that has its size and is not shown yet, beside the icon at `place`, in
+    /// logical pixels, or where the desktop usually has it.
+    virtual void anchor(QWindow &window, std::optional<QPoint> place) = 0;
 };
 
 } // namespace ambertide

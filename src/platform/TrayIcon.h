@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QPoint>
+
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,7 +30,9 @@ public:
 
     struct Callbacks
     {
-        std::function<void()> activated; ///< a click, or Return on the icon
+        /// A click, or Return on the icon. Where on the desktop, in logical pixels, as far as the panel knows and
+        /// tells.
+        std::function<void(std::optional<QPoint> place)> activated;
         std::function<void()> presenceChanged;
     };
 

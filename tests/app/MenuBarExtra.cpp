@@ -20,7 +20,7 @@ struct PopupPlacement final : PanelPlacement
 {
     Manner manner() const override { return Manner::Popup; }
     bool hasTransparency() const override { return true; }
-    void anchor(QWindow &) override {}
+    void anchor(QWindow &, std::optional<QPoint>) override {}
 };
 
 struct IdleUpdaterController final : UpdaterController
@@ -88,7 +88,7 @@ void MenuBarExtraTest::writesTheTintAgainAroundThePanel()
 {
     Bench bench(3400);
 
-    bench.extra.toggle();
+    bench.extra.toggle({});
     QVERIFY(bench.writes() > 0);
     // The loop writes every 2 s of its own: what counts is what comes on top of it.
     bench.executor.advance(2s);
@@ -108,7 +108,7 @@ void MenuBarExtraTest::leavesNeutralDisplaysAlone()
 {
     Bench bench(6500);
 
-    bench.extra.toggle();
+    bench.extra.toggle({});
     QTest::keyClick(Bench::panel(), Qt::Key_Escape);
     bench.executor.advance(3s);
 
@@ -126,14 +126,14 @@ void MenuBarExtraTest::tellsTheTemperatureBesideTheIcon()
 void MenuBarExtraTest::opensAndClosesByTheSameIcon()
 {
     Bench bench(3400);
-    bench.extra.toggle();
+    bench.extra.toggle({});
     QVERIFY(Bench::panel() != nullptr);
-    bench.extra.toggle();
+    bench.extra.toggle({});
     QVERIFY(Bench::panel() == nullptr);
-    bench.extra.toggle(); // the release of the same click
+    bench.extra.toggle({}); // the release of the same click
     QVERIFY(Bench::panel() == nullptr);
     bench.executor.advance(1s);
-    bench.extra.toggle();
+    bench.extra.toggle({});
     QVERIFY(Bench::panel() != nullptr);
 }
 

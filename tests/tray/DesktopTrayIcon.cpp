@@ -54,7 +54,7 @@ struct Icon
     explicit Icon(Presence fallback = Presence::Nowhere, std::chrono::milliseconds patience = 0ms)
         : tray{fallback, {}, {}},
           icon(
-              session, "/", {[] {}, [this] { presences.push_back(icon.presence()); }},
+              session, "/", {[](auto) {}, [this] { presences.push_back(icon.presence()); }},
               [this](const auto &, auto callbacks) { return makeFallback(callbacks); }, patience)
     {
     }

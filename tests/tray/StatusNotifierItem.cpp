@@ -27,7 +27,11 @@ struct ShownItem
 
     explicit ShownItem(StatusNotifierItem::Click click = StatusNotifierItem::Click::Activates)
         : item(session, TrayArtwork(AMBERTIDE_BUNDLE "/Contents/Resources/icons"), "Ambertide", click,
-               {[this] { events += QStringLiteral("activated"); }, [] {}})
+               {[this](auto place) {
+                    events += place ? QStringLiteral("activated at %1,%2").arg(place->x()).arg(place->y())
+                                    : QStringLiteral("activated");
+                },
+                [] {}})
     {
         item.setMenu({entry("Set_tings"), entry("Updates", false), {}, entry("Quit")});
         [this] { QTRY_COMPARE(item.presence(), Presence::Shown); }();
@@ -57,7 +61,7 @@ private Q_SLOTS:
         DBusSession session(SdBusKind::session);
         int changes = 0;
         StatusNotifierItem item(session, TrayArtwork("/"), "Ambertide", StatusNotifierItem::Click::Activates,
-                                {[] {}, [&] { ++changes; }});
+                                {[](auto) {}, [&] { ++changes; }});
         QCOMPARE(item.presence(), Presence::Pending);
         QTRY_COMPARE(item.presence(), Presence::Nowhere);
         for (int panelStart = 0; panelStart < 2; ++panelStart) {
@@ -83,8 +87,9 @@ private Q_SLOTS:
             QTest::newRow(call) << QByteArray(interface) << QString::fromLatin1(reply) << QString::fromLatin1(events);
         };
         const char *const missing = "Call failed: There is no such item";
-        row(itemInterface, "Activate ii 1 2", "", "activated");
-        row(itemInterface, "SecondaryActivate ii -1 2147483647", "", "activated");
+        row(itemInterface, "Activate ii 1 2", "", "activated at 1,2");
+        row(itemInterface, "Activate ii 0 0", "", "activated");
+        row(itemInterface, "SecondaryActivate ii -1 2147483647", "", "activated at -1,2147483647");
         row(itemInterface, "Activate s wrong", "Call failed: Invalid arguments");
         row(itemInterface, "Scroll is 120 vertical", "");
         row(itemInterface, "ContextMenu ii 1 2", "");

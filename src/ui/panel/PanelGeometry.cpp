@@ -10,8 +10,14 @@ namespace {
 constexpr int gap = 4;
 constexpr int halfIcon = 16; // kept free around a pointer on a panel of unknown thickness
 
-/// Of `length` from `from`, the whole of it within [low, high] if it fits, else at `low`.
-int kept(int from, int length, int low, int high) { return std::max(low, std::min(from, high - length)); }
+/// Of `length` from `from`, the whole of it within [low, high] and not at their very edge, where a fractional scale
+/// factor rounds it beyond; at `low` if it does not fit.
+int kept(int from, int length, int low, int high)
+{
+    const int first = low + gap;
+    const int last = high - gap - length;
+    return first <= last ? std::clamp(from, first, last) : low;
+}
 
 } // namespace
 

@@ -46,22 +46,25 @@ PanelWindow::PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlace
     layout->addWidget(content);
 }
 
-void PanelWindow::open()
+void PanelWindow::open(std::optional<QPoint> place)
 {
-    place();
+    if (!isVisible())
+        moveBesideIcon(place);
     show();
     raise();
     activateWindow();
 }
 
-void PanelWindow::place()
+void PanelWindow::moveBesideIcon(std::optional<QPoint> place)
 {
     adjustSize();
     if (m_manner == PanelPlacement::Manner::Layer) {
         create();
-        m_placement.anchor(*windowHandle());
+        m_placement.anchor(*windowHandle(), place);
         return;
     }
+    if (m_manner == PanelPlacement::Manner::Window)
+        return;
     const QPoint pointer = QCursor::pos();
     const auto *screen = QGuiApplication::screenAt(pointer);
     if (screen == nullptr)

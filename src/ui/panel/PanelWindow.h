@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <optional>
+
 namespace ambertide {
 
 /// The window around the panel's content, as the desktop lets it stand. Escape closes it, and so does a press elsewhere
@@ -16,8 +18,8 @@ public:
     /// Takes `content` over.
     PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlacement::Manner manner);
 
-    /// Shows it beside the pointer, where the desktop does not choose the place itself.
-    void open();
+    /// Shows it beside the icon at `place`, or beside the pointer, as far as its manner lets it choose.
+    void open(std::optional<QPoint> place);
 
 Q_SIGNALS:
     void closed();
@@ -31,7 +33,7 @@ protected:
 
 private:
     bool isFramed() const { return m_manner == PanelPlacement::Manner::Window; }
-    void place();
+    void moveBesideIcon(std::optional<QPoint> place);
 
     PanelPlacement &m_placement;
     PanelPlacement::Manner m_manner;

@@ -109,7 +109,12 @@ struct StatusNotifierItem::Members
     static int activate(sd_bus_message *call, void *context, sd_bus_error *)
     {
         auto &item = self(context);
-        item.m_session.afterMessage([&item] { item.m_callbacks.activated(); });
+        QPoint place;
+        if (const int result = sd_bus_message_read(call, "ii", &place.rx(), &place.ry()); result < 0)
+            return result;
+        // Panels that do not know the place send zeros.
+        const auto told = place.isNull() ? std::nullopt : std::optional(place);
+        item.m_session.afterMessage([&item, told] { item.m_callbacks.activated(told); });
         return sd_bus_reply_method_return(call, "");
     }
 
@@ -229,9 +234,9 @@ void StatusNotifierItem::setMenu(std::vector<TrayMenuItem> items)
 {
     if (m_click == Click::OpensMenu) {
         const auto text = QCoreApplication::translate("ambertide::TrayIcon", "Open %1");
-        items.insert(
-            items.begin(),
-            {{text.arg(QString::fromStdString(m_name)).toStdString(), true, [this] { m_callbacks.activated(); }}, {}});
+        items.insert(items.begin(), {{text.arg(QString::fromStdString(m_name)).toStdString(), true,
+                                      [this] { m_callbacks.activated(std::nullopt); }},
+                                     {}});
     }
     m_menu.setItems(std::move(items));
 }

@@ -81,7 +81,7 @@ void XembedTrayIcon::followTray()
         QObject::connect(m_icon.get(), &QSystemTrayIcon::activated, &m_context, [this](auto reason) {
             // The second of two quick clicks is called a double click.
             if (reason != QSystemTrayIcon::Context)
-                m_callbacks.activated();
+                m_callbacks.activated(std::nullopt);
         });
         m_icon->show();
     }

@@ -10,7 +10,7 @@ class DesktopPanelPlacement final : public PanelPlacement
 public:
     Manner manner() const override;
     bool hasTransparency() const override;
-    void anchor(QWindow &window) override;
+    void anchor(QWindow &window, std::optional<QPoint> place) override;
 };
 
 } // namespace ambertide

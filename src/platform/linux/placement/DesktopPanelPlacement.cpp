@@ -1,9 +1,13 @@
-#include "platform/linux/DesktopPanelPlacement.h"
+#include "platform/linux/placement/DesktopPanelPlacement.h"
+
+#include "platform/linux/placement/LayerShell.h"
 
 #include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/randr/XcbReply.h"
 
 #include <QGuiApplication>
+#include <QScreen>
+#include <QWindow>
 
 #include <xcb/xcb.h>
 
@@ -30,7 +34,13 @@ bool hasCompositor(xcb_connection_t *connection)
 
 } // namespace
 
-PanelPlacement::Manner DesktopPanelPlacement::manner() const { return isWayland() ? Manner::Window : Manner::Popup; }
+PanelPlacement::Manner DesktopPanelPlacement::manner() const
+{
+    if (isWayland())
+        return layer_shell::isOffered() ? Manner::Layer : Manner::Window;
+    // Xwayland neither tells the pointer's place nor of presses outside of its windows.
+    return qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? Manner::Popup : Manner::Window;
+}
 
 bool DesktopPanelPlacement::hasTransparency() const
 {
@@ -40,6 +50,12 @@ bool DesktopPanelPlacement::hasTransparency() const
     return connection != nullptr && hasCompositor(connection);
 }
 
-void DesktopPanelPlacement::anchor(QWindow &) {}
+void DesktopPanelPlacement::anchor(QWindow &window, std::optional<QPoint> place)
+{
+    auto *screen = place ? QGuiApplication::screenAt(*place) : nullptr;
+    const auto position = screen != nullptr ? layerPosition(window.size(), place, screen->geometry())
+                                            : layerPosition(window.size(), std::nullopt, {});
+    layer_shell::anchor(window, position, screen);
+}
 
 } // namespace ambertide
