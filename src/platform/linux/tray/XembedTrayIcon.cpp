@@ -40,9 +40,10 @@ XembedTrayIcon::XembedTrayIcon(const TrayArtwork &artwork, std::string name, Cal
     for (const auto &image : artwork.images())
         m_drawing.addPixmap(QPixmap::fromImage(image));
     const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (x11 == nullptr)
+    // The toolkit asks for X11 and may have come to nothing with that.
+    m_connection = x11 != nullptr ? x11->connection() : nullptr;
+    if (m_connection == nullptr)
         return;
-    m_connection = x11->connection();
     m_traySelection = atom(m_connection, traySelection());
     m_managerMessage = atom(m_connection, "MANAGER");
     qGuiApp->installNativeEventFilter(this);
