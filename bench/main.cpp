@@ -1,23 +1,21 @@
-// ambertide_bench [tables] [ramps] [application] [bus]: prints the figures of docs/figures.md, each beside what it has
-// to reach. All of them take some four minutes, half of which the application spends doing nothing under observation.
+// ambertide_bench [tables] [ramps] [application] [bus] [windows]: prints the figures of docs/figures.md, each beside
+// what it has to reach. All of them take some five minutes, half of which the application spends doing nothing under
+// observation.
 
+#include "Measuring.h"
 #include "ProcessCost.h"
+#include "Session.h"
+#include "Windows.h"
 #include "display/DisplayManager.h"
 #include "platform/linux/BusNames.h"
 #include "platform/linux/RandrDisplayServices.h"
-#include "platform/linux/SdBus.h"
 #include "platform/qt/ThreadTaskExecutor.h"
 #include "support/ChildProcess.h"
 #include "support/FakeSystemWake.h"
-#include "support/PrivateBus.h"
 #include "support/PrivateXServer.h"
 #include "support/RandrClient.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <chrono>
@@ -32,48 +30,8 @@
 
 using namespace ambertide;
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
-using Milliseconds = std::chrono::duration<double, std::milli>;
 
 namespace {
-
-const QString bundle = QStringLiteral(AMBERTIDE_BUNDLE "/Contents/MacOS/");
-
-void print(const char *what, double figure, double reach, const char *unit)
-{
-    std::printf("%-66s %9.2f  (reach %g) %s%s\n", what, figure, reach, unit, figure <= reach ? "" : "   MISSED");
-    std::fflush(stdout);
-}
-
-double median(std::vector<double> values)
-{
-    std::ranges::sort(values);
-    return values[values.size() / 2];
-}
-
-double medianOf(int runs, const std::function<double()> &measure)
-{
-    std::vector<double> values;
-    for (int run = 0; run < runs; ++run)
-        values.push_back(measure());
-    return median(values);
-}
-
-double millisecondsFor(const std::function<void()> &work)
-{
-    const auto start = Clock::now();
-    work();
-    return Milliseconds(Clock::now() - start).count();
-}
-
-void waitFor(const char *what, const std::function<bool()> &isDone)
-{
-    const auto deadline = Clock::now() + 20s;
-    while (!isDone()) {
-        if (Clock::now() > deadline)
-            throw std::runtime_error(what);
-    }
-}
 
 /// Keeps the optimiser from seeing what becomes of a value.
 void use(const void *value) { asm volatile("" : : "g"(value) : "memory"); }
@@ -158,7 +116,7 @@ struct Ramp
 /// One ramp between two tints on the server's displays, in this process.
 Ramp measureRamp(const PrivateXServer &server, std::size_t displayCount)
 {
-    RandrDisplayServices randr(server.display(), (bundle + QStringLiteral("AmbertideGuardian")).toStdString());
+    RandrDisplayServices randr(server.display(), AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
     if (randr.activeDisplays().size() != displayCount)
         throw std::runtime_error("the X server shows another number of displays");
     TimedDisplays displays(randr);
@@ -207,76 +165,6 @@ void measureRamps()
     print("ramp, one display: length of its 60 steps", medianRamp(one, &Ramp::seconds), 2.1, "s");
     print("ramp, sixteen displays: length of its 60 steps", medianRamp(sixteen, &Ramp::seconds), 2.1, "s");
 }
-
-/// The application with a session of its own.
-class Session
-{
-public:
-    Session()
-    {
-        qputenv("DISPLAY", QByteArray::fromStdString(m_server.display()));
-        qputenv("XDG_CONFIG_HOME", m_folder.path().toUtf8());
-        qunsetenv("WAYLAND_DISPLAY");
-        qunsetenv("QT_QPA_PLATFORM");
-    }
-    ~Session() { stop(); }
-
-    void start()
-    {
-        m_application.setStandardOutputFile(QProcess::nullDevice());
-        m_application.start(bundle + QStringLiteral("Ambertide"), {});
-        m_application.waitForStarted();
-    }
-    void waitUntilReached()
-    {
-        waitFor("the application does not answer", [this] { return tool({QStringLiteral("get")}) == 0; });
-    }
-    void stop()
-    {
-        m_application.terminate();
-        m_application.waitForFinished();
-        waitFor("the displays are not restored", [this] { return m_client.showsIdentityEverywhere(); });
-    }
-    int tool(const QStringList &arguments)
-    {
-        QProcess process;
-        process.setStandardOutputFile(QProcess::nullDevice());
-        process.setStandardErrorFile(QProcess::nullDevice());
-        process.start(bundle + QStringLiteral("AmbertideCLI"), arguments);
-        process.waitForFinished();
-        return process.exitCode();
-    }
-    RandrClient::Ramp shown() { return m_client.ramp(m_client.crtcs().front()); }
-    /// Until no table has changed for half a second.
-    void settle()
-    {
-        auto last = shown();
-        for (int quiet = 0; quiet < 5; ++quiet) {
-            std::this_thread::sleep_for(100ms);
-            if (auto now = shown(); now != last) {
-                last = std::move(now);
-                quiet = 0;
-            }
-        }
-    }
-    pid_t process() const { return static_cast<pid_t>(m_application.processId()); }
-    void store(const char *temperature)
-    {
-        QDir(m_folder.path()).mkpath(QStringLiteral("ambertide"));
-        QFile file(m_folder.filePath(QStringLiteral("ambertide/defaults.ini")));
-        if (!file.open(QIODevice::WriteOnly))
-            throw std::runtime_error("cannot write the settings");
-        file.write(QByteArray("[General]\nAmbertide.Temperature=") + temperature + '\n');
-    }
-
-private:
-    QTemporaryDir m_folder;
-    PrivateXServer m_server{PrivateXServer::Kind::framebuffer};
-    PrivateBus m_bus;
-    PrivateBus m_systemBus{"DBUS_SYSTEM_BUS_ADDRESS"};
-    RandrClient m_client{m_server.display()};
-    QProcess m_application;
-};
 
 /// What this machine takes for a thread to wake up and go back to sleep, and nothing else.
 std::chrono::nanoseconds bareWakeUp()
@@ -359,30 +247,6 @@ void measureApplication()
           static_cast<double>(memoryOf(session.process(), "Pss:")) / 1024, 22, "MB");
 }
 
-/// A connection that calls the application.
-class Caller
-{
-public:
-    Caller()
-    {
-        if (!m_bus || !waitUntilReady(m_bus.get(), Clock::now() + 20s))
-            throw std::runtime_error("the bus does not answer");
-    }
-    template <typename... Arguments>
-    void call(const char *path, const char *interface, const char *member, const char *types, Arguments... arguments)
-    {
-        sd_bus_message *message = nullptr;
-        sd_bus_message_new_method_call(m_bus.get(), &message, bus_names::application, path, interface, member);
-        const SdBusMessage owner(message);
-        sd_bus_message_append(message, types, arguments...);
-        if (!callUntil(m_bus.get(), message, Clock::now() + 20s))
-            throw std::runtime_error(std::string("the application does not answer ") + member);
-    }
-
-private:
-    SdBusConnection m_bus = openSdBus(SdBusKind::session);
-};
-
 void measureBusInterfaces()
 {
     Session session;
@@ -434,10 +298,9 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     try {
         const std::vector<std::pair<QString, void (*)()>> groups = {
-            {QStringLiteral("tables"), measureTables},
-            {QStringLiteral("ramps"), measureRamps},
-            {QStringLiteral("application"), measureApplication},
-            {QStringLiteral("bus"), measureBusInterfaces},
+            {QStringLiteral("tables"), measureTables},           {QStringLiteral("ramps"), measureRamps},
+            {QStringLiteral("application"), measureApplication}, {QStringLiteral("bus"), measureBusInterfaces},
+            {QStringLiteral("windows"), measureWindows},
         };
         for (const auto &[name, measure] : groups) {
             if (argc < 2 || QCoreApplication::arguments().contains(name))

@@ -2,6 +2,145 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>ambertide::AboutView</name>
+    <message>
+        <source>Version %1</source>
+        <translation>Version %1</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>Check for Updates...</source>
+        <translation>Nach Updates suchen …</translation>
+    </message>
+    <message>
+        <source>Web page</source>
+        <translation>Webseite</translation>
+    </message>
+    <message>
+        <source>A simple solution to controling your display color temperature.</source>
+        <translation>Die einfache Art, die Farbtemperatur des Bildschirms zu steuern.</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::CommandLineToolView</name>
+    <message>
+        <source>Waiting for the system</source>
+        <translation>Warten auf das System</translation>
+    </message>
+    <message>
+        <source>Usage:</source>
+        <translation>Verwendung:</translation>
+    </message>
+    <message>
+        <source>Command Line Tool</source>
+        <translation>Befehlszeilenwerkzeug</translation>
+    </message>
+    <message>
+        <source>Control Ambertide from Terminal</source>
+        <translation>Ambertide im Terminal steuern</translation>
+    </message>
+    <message>
+        <source>Uninstall</source>
+        <translation>Deinstallieren</translation>
+    </message>
+    <message>
+        <source>Install</source>
+        <translation>Installieren</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::GeneralSettingsView</name>
+    <message>
+        <source>Start at login</source>
+        <translation>Beim Anmelden starten</translation>
+    </message>
+    <message>
+        <source>Automatically check for updates</source>
+        <translation>Automatisch nach Updates suchen</translation>
+    </message>
+    <message>
+        <source>CLI Installation</source>
+        <translation>Installation des Befehlszeilenwerkzeugs</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::MenuBarExtra</name>
+    <message>
+        <source>Settings...</source>
+        <translation>Einstellungen …</translation>
+    </message>
+    <message>
+        <source>Check for Updates...</source>
+        <translation>Nach Updates suchen …</translation>
+    </message>
+    <message>
+        <source>Quit Ambertide</source>
+        <translation>Ambertide beenden</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::MenuBarView</name>
+    <message>
+        <source>Enable Schedule</source>
+        <translation>Zeitplan verwenden</translation>
+    </message>
+    <message>
+        <source>Quit Ambertide</source>
+        <translation>Ambertide beenden</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Color temperature</source>
+        <translation>Farbtemperatur</translation>
+    </message>
+    <message>
+        <source>Normal (Daylight)</source>
+        <translation>Normal (Tageslicht)</translation>
+    </message>
+    <message>
+        <source>%1K</source>
+        <translation>%1&#xa0;K</translation>
+    </message>
+    <message>
+        <source>%1K (%2)</source>
+        <translation>%1&#xa0;K (%2)</translation>
+    </message>
+    <message>
+        <source>Candle</source>
+        <translation>Kerze</translation>
+    </message>
+    <message>
+        <source>Tungsten</source>
+        <translation>Glühlampe</translation>
+    </message>
+    <message>
+        <source>Halogen</source>
+        <translation>Halogen</translation>
+    </message>
+    <message>
+        <source>Fluorescent</source>
+        <translation>Leuchtstofflampe</translation>
+    </message>
+    <message>
+        <source>Sunlight</source>
+        <translation>Sonnenlicht</translation>
+    </message>
+    <message>
+        <source>Daylight</source>
+        <translation>Tageslicht</translation>
+    </message>
+</context>
+<context>
     <name>ambertide::ReleaseNotesView</name>
     <message>
         <source>Release Notes</source>
@@ -13,6 +152,133 @@
     </message>
 </context>
 <context>
+    <name>ambertide::ScheduleEntry</name>
+    <message>
+        <source>Normal (Daylight)</source>
+        <translation>Normal (Tageslicht)</translation>
+    </message>
+    <message>
+        <source>%1K</source>
+        <translation>%1 K</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::ScheduleEntryEditor</name>
+    <message>
+        <source>Time</source>
+        <translation>Uhrzeit</translation>
+    </message>
+    <message>
+        <source>Enabled</source>
+        <translation>Aktiv</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Speichern</translation>
+    </message>
+    <message>
+        <source>Temperature</source>
+        <translation>Temperatur</translation>
+    </message>
+    <message>
+        <source>Temperature:</source>
+        <translation>Temperatur:</translation>
+    </message>
+    <message>
+        <source>Warm</source>
+        <translation>Warm</translation>
+    </message>
+    <message>
+        <source>Neutral</source>
+        <translation>Neutral</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Edit Schedule Entry</source>
+        <translation>Zeitplaneintrag bearbeiten</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::ScheduleEntryRow</name>
+    <message>
+        <source>Edit</source>
+        <translation>Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Disabled</source>
+        <translation>Inaktiv</translation>
+    </message>
+    <message>
+        <source>Edit %1</source>
+        <translation>%1 bearbeiten</translation>
+    </message>
+    <message>
+        <source>Delete %1</source>
+        <translation>%1 löschen</translation>
+    </message>
+    <message>
+        <source>disabled</source>
+        <translation>inaktiv</translation>
+    </message>
+    <message>
+        <source>active</source>
+        <translation>gilt gerade</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::ScheduleSettingsView</name>
+    <message>
+        <source>Enable Schedule</source>
+        <translation>Zeitplan verwenden</translation>
+    </message>
+    <message>
+        <source>No schedule entries. Add one to get started.</source>
+        <translation>Noch keine Einträge. Los geht es mit dem ersten.</translation>
+    </message>
+    <message>
+        <source>Add Schedule Entry</source>
+        <translation>Eintrag hinzufügen</translation>
+    </message>
+    <message>
+        <source>Schedule</source>
+        <translation>Zeitplan</translation>
+    </message>
+    <message>
+        <source>Edit Schedule Entry</source>
+        <translation>Zeitplaneintrag bearbeiten</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::SettingsView</name>
+    <message>
+        <source>Ambertide Settings</source>
+        <translation>Ambertide-Einstellungen</translation>
+    </message>
+    <message>
+        <source>General</source>
+        <translation>Allgemein</translation>
+    </message>
+    <message>
+        <source>Schedule</source>
+        <translation>Zeitplan</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::TemperatureSlider</name>
+    <message>
+        <source>%1 K</source>
+        <comment>colour temperature in kelvin, read out by a screen reader</comment>
+        <translation>%1&#xa0;K</translation>
+    </message>
+</context>
+<context>
     <name>ambertide::TimeField</name>
     <message>
         <source>Later</source>
@@ -21,6 +287,13 @@
     <message>
         <source>Earlier</source>
         <translation>Früher</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::TrayIcon</name>
+    <message>
+        <source>Open %1</source>
+        <translation>%1 öffnen</translation>
     </message>
 </context>
 <context>

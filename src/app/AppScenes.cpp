@@ -13,6 +13,14 @@ AppScenes::AppScenes(Ports ports)
 
 AppScenes::~AppScenes() { delete m_settings; }
 
+void AppScenes::activate()
+{
+    if (m_settings && m_menuBarExtra.isIconShown())
+        bringSettingsForward();
+    else
+        m_menuBarExtra.openAsWindow();
+}
+
 void AppScenes::showSettings()
 {
     if (m_settings)

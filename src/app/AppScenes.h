@@ -35,8 +35,8 @@ public:
     explicit AppScenes(Ports ports);
     ~AppScenes() override;
 
-    /// The application was started again.
-    void activate() { m_menuBarExtra.openAsWindow(); }
+    /// The application was started again: brings the Settings window forward, or else opens the panel as a window.
+    void activate();
     /// Opens the Settings window, or brings it to the front.
     void showSettings();
     /// Brings the Settings window to the front when there is one.

@@ -41,6 +41,8 @@ public:
     explicit MenuBarExtra(Ports ports);
     ~MenuBarExtra() override;
 
+    /// Whether there is an icon to open the panel with.
+    bool isIconShown() const { return m_icon->presence() == TrayIcon::Presence::Shown; }
     /// The icon was clicked: opens the panel beside it, or closes it.
     void toggle();
     /// The application was started again: opens the panel as an ordinary window, wherever the icon may be.

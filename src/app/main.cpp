@@ -4,6 +4,7 @@
 #include "app/ModelTemperatureControl.h"
 #include "app/Translations.h"
 #include "controls/AccessibleApplication.h"
+#include "controls/ApplicationIcon.h"
 #include "integration/CLIInstaller.h"
 #include "integration/LaunchHelper.h"
 #include "integration/SetColorTemperatureShortcut.h"
@@ -77,8 +78,11 @@ void chooseToolkitPlatform()
 {
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return;
-    qputenv("QT_QPA_PLATFORM",
-            qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb;offscreen" : "wayland;xcb;offscreen");
+    // A compositor that is not there is left out, since the toolkit would complain of it at length.
+    const auto socket =
+        std::filesystem::path(qgetenv("XDG_RUNTIME_DIR").toStdString()) / qgetenv("WAYLAND_DISPLAY").toStdString();
+    std::error_code ignored;
+    qputenv("QT_QPA_PLATFORM", std::filesystem::is_socket(socket, ignored) ? "wayland;xcb;offscreen" : "xcb;offscreen");
     // The display adapter has said in one line what these would say in several.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
 }
@@ -100,6 +104,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationName(QStringLiteral("Ambertide"));
     QApplication::setApplicationVersion(QStringLiteral(AMBERTIDE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));
+    QApplication::setWindowIcon(applicationIcon());
 
     installTranslations(application, QLocale().uiLanguages());
 

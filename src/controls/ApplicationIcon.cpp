@@ -3,7 +3,8 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
-static void registerImages() { Q_INIT_RESOURCE(images); }
+// The macro has to stand outside of every namespace.
+static void registerImages() { Q_INIT_RESOURCE(images); } // NOLINT(misc-use-anonymous-namespace)
 
 namespace ambertide {
 

@@ -73,7 +73,7 @@ void Button::paintEvent(QPaintEvent *)
     painter.setPen(isProminent ? theme.onAccent : theme.text);
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextShowMnemonic, text());
     if (showsFocusRing(*this))
-        drawFocusRing(painter, rect(), cornerRadius + ringGap, theme.accent);
+        drawFocusRing(painter, rect(), cornerRadius + ringGap, isProminent ? theme.text : theme.accent);
 }
 
 IconButton::IconButton(const Look &look, const QString &name) : m_look(look)
@@ -137,8 +137,10 @@ void RowButton::paintEvent(QPaintEvent *)
     QPainter painter(this);
     const bool isHovered = underMouse() && isEnabled();
     painter.setOpacity(!isEnabled() ? disabledOpacity : isHovered ? hoveredRowOpacity : 1);
+    const int inset = m_look.highlightInset;
+    const QRect highlight = rect().adjusted(inset, inset, -inset, -inset);
     if (isHovered)
-        fillRounded(painter, rect(), cornerRadius, theme.hover);
+        fillRounded(painter, highlight, cornerRadius, theme.hover);
     const QColor ink = theme.*(isHovered ? m_look.hoverInk : m_look.ink);
     QRect line = rect().adjusted(m_look.horizontalPadding, 0, -m_look.horizontalPadding, 0);
     if (m_look.symbol) {
@@ -152,7 +154,7 @@ void RowButton::paintEvent(QPaintEvent *)
                      static_cast<int>(style()->visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter)),
                      text());
     if (showsFocusRing(*this))
-        drawFocusRing(painter, rect(), cornerRadius, theme.accent);
+        drawFocusRing(painter, highlight, cornerRadius, theme.accent);
 }
 
 } // namespace ambertide

@@ -70,6 +70,7 @@ public:
     {
         int horizontalPadding = 8;
         int verticalPadding = 6;
+        int highlightInset = 0; ///< what is left of the surface around the highlight
         std::optional<QLatin1String> symbol = {};
         TextLabel::Ink ink = &Theme::text;
         TextLabel::Ink hoverInk = &Theme::text;

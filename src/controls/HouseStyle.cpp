@@ -3,8 +3,11 @@
 #include "controls/Drawing.h"
 #include "controls/Theme.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QPainter>
 #include <QStyleOptionSlider>
+#include <QWidget>
 
 namespace ambertide {
 
@@ -38,6 +41,29 @@ QRect scrollThumb(const QStyleOptionSlider &bar)
 } // namespace
 
 HouseStyle::HouseStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+void HouseStyle::polish(QWidget *widget)
+{
+    QProxyStyle::polish(widget);
+    if (widget->isWindow())
+        widget->installEventFilter(this);
+}
+
+void HouseStyle::unpolish(QWidget *widget)
+{
+    widget->removeEventFilter(this);
+    QProxyStyle::unpolish(widget);
+}
+
+bool HouseStyle::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::ApplicationPaletteChange) {
+        const auto controls = watched->findChildren<QWidget *>();
+        for (auto *control : controls)
+            QCoreApplication::sendEvent(control, event);
+    }
+    return QProxyStyle::eventFilter(watched, event);
+}
 
 int HouseStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                           QStyleHintReturn *returned) const

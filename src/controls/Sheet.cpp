@@ -1,10 +1,9 @@
 #include "controls/Sheet.h"
 
+#include "controls/AccessibleRole.h"
 #include "controls/Drawing.h"
 #include "controls/Theme.h"
 
-#include <QAccessible>
-#include <QAccessibleWidget>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
@@ -20,19 +19,12 @@ constexpr double cornerRadius = 12;
 constexpr int margin = 12; // to the host's edges
 constexpr QColor backdrop(0, 0, 0, 96);
 
-QAccessibleInterface *accessibleSheet(const QString &className, QObject *object)
-{
-    auto *sheet = className == QLatin1String("ambertide::Sheet") ? qobject_cast<QWidget *>(object) : nullptr;
-    return sheet != nullptr ? new QAccessibleWidget(sheet, QAccessible::Dialog) : nullptr;
-}
-
 } // namespace
 
 Sheet::Sheet(QWidget &host, QWidget *content, const QSize &size, const QString &accessibleName)
     : QWidget(&host), m_smallest(size), m_surface(content, this), m_formerFocus(host.window()->focusWidget())
 {
-    static const bool isFactoryInstalled = (QAccessible::installFactory(accessibleSheet), true);
-    Q_UNUSED(isFactoryInstalled)
+    setAccessibleRole(*this, QAccessible::Dialog);
     setAccessibleName(accessibleName);
     host.installEventFilter(this);
     connect(&m_surface, &Page::idealHeightChanged, this, &Sheet::cover);

@@ -5,7 +5,8 @@
 #include <QPixmapCache>
 #include <QSvgRenderer>
 
-static void registerSymbols() { Q_INIT_RESOURCE(symbols); }
+// The macro has to stand outside of every namespace.
+static void registerSymbols() { Q_INIT_RESOURCE(symbols); } // NOLINT(misc-use-anonymous-namespace)
 
 namespace ambertide {
 

@@ -64,8 +64,9 @@ QColor blended(const QColor &upper, const QColor &lower)
 Theme Theme::of(const QPalette &palette)
 {
     Theme theme;
-    theme.window = palette.color(QPalette::Window);
-    theme.text = palette.color(QPalette::WindowText);
+    // What is disabled is drawn fainter by each control.
+    theme.window = palette.color(QPalette::Active, QPalette::Window);
+    theme.text = palette.color(QPalette::Active, QPalette::WindowText);
     theme.isDark = luminance(theme.window) < luminance(theme.text);
     theme.isHighContrast = contrastRatio(theme.window, theme.text) >= contrastOfBlackAndWhite;
     const bool isDark = theme.isDark;

@@ -35,6 +35,7 @@ QWidget *chevron(QLatin1String symbol, const QString &name, QTimeEdit *edit, voi
 
 TimeField::TimeField(const QString &accessibleName) : m_edit(new QTimeEdit)
 {
+    m_edit->setLayoutDirection(Qt::LeftToRight); // else it would turn hour and minute round
     m_edit->setDisplayFormat(QStringLiteral("h:mm AP"));
     m_edit->setButtonSymbols(QAbstractSpinBox::NoButtons);
     m_edit->setFrame(false);

@@ -44,8 +44,9 @@ void ValueSlider::paintEvent(QPaintEvent *)
 {
     const auto theme = Theme::of(palette());
     constexpr int thumb = HouseStyle::sliderThumb;
-    const int left = QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(), width() - thumb,
-                                                     invertedAppearance() != isRightToLeft());
+    const int left =
+        ringGap + QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(), width() - thumb - 2 * ringGap,
+                                                  invertedAppearance() != isRightToLeft());
     const QRectF track(0, (height() - trackHeight) / 2, width(), trackHeight);
     QRectF reached = track;
     if (isRightToLeft())

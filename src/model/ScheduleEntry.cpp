@@ -1,5 +1,6 @@
 #include "model/ScheduleEntry.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -57,8 +58,8 @@ QLatin1String decodeEntry(const QJsonObject &object, ScheduleEntry &entry)
 QString ScheduleEntry::temperatureString() const
 {
     if (temperature >= daylight)
-        return QStringLiteral("Normal (Daylight)");
-    return QString::number(std::trunc(temperature), 'f', 0) + QLatin1Char('K');
+        return QCoreApplication::translate("ambertide::ScheduleEntry", "Normal (Daylight)");
+    return QCoreApplication::translate("ambertide::ScheduleEntry", "%1K").arg(std::trunc(temperature), 0, 'f', 0);
 }
 
 bool ScheduleEntry::timeIsBefore(const DateComponents &first, const DateComponents &second)

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <limits>
@@ -66,7 +67,14 @@ private Q_SLOTS:
             QTRY_VERIFY_WITH_TIMEOUT(session.shows(3000), 20'000);
         if (variable.contains("DISPLAY"))
             QCOMPARE(runTool({QStringLiteral("get")}), QByteArray("3000\n"));
-        QCOMPARE(application.printed().count('\n'), 2);
+        const auto lines = application.printed().split('\n');
+        QCOMPARE(std::ranges::count_if(lines,
+                                       [](const QByteArray &line) {
+                                           return !line.isEmpty() &&
+                                                  !line.startsWith(
+                                                      "This desktop shows no tray icons"); // some time later
+                                       }),
+                 2);
         application.sendSignal(SIGTERM);
         QCOMPARE(application.waitForEnd(), 0);
     }

@@ -112,15 +112,15 @@ void MenuBarViewTest::standsBesideThePanelThatWasClicked_data()
     QTest::addColumn<QPoint>("expected");
     const QRect screen(0, 0, 1920, 1080);
     QTest::newRow("panel at the top") << QPoint(1000, 12) << screen << QRect(0, 24, 1920, 1056) << QPoint(850, 28);
-    QTest::newRow("in the corner") << QPoint(1910, 12) << screen << QRect(0, 24, 1920, 1056) << QPoint(1620, 28);
+    QTest::newRow("in the corner") << QPoint(1910, 12) << screen << QRect(0, 24, 1920, 1056) << QPoint(1616, 28);
     QTest::newRow("panel at the bottom") << QPoint(1000, 1070) << screen << QRect(0, 0, 1920, 1040) << QPoint(850, 836);
     QTest::newRow("panel at the left") << QPoint(10, 500) << screen << QRect(48, 0, 1872, 1080) << QPoint(52, 400);
     QTest::newRow("panel at the right") << QPoint(1900, 500) << screen << QRect(0, 0, 1872, 1080) << QPoint(1568, 400);
     QTest::newRow("nothing reserved") << QPoint(1000, 12) << screen << screen << QPoint(850, 32);
     QTest::newRow("second screen") << QPoint(1930, 12) << QRect(1920, 0, 800, 600) << QRect(1920, 24, 800, 576)
-                                   << QPoint(1920, 28);
+                                   << QPoint(1924, 28);
     QTest::newRow("screen too small") << QPoint(100, 12) << QRect(0, 0, 200, 150) << QRect(0, 24, 200, 126)
-                                      << QPoint(0, 24);
+                                      << QPoint(4, 28);
 }
 
 void MenuBarViewTest::standsBesideThePanelThatWasClicked()

@@ -1,6 +1,6 @@
 #include "platform/linux/tray/StatusNotifierItem.h"
 
-#include "FakeWatcher.h"
+#include "support/FakeWatcher.h"
 #include "support/PrivateBus.h"
 #include "support/busctl.h"
 
@@ -89,12 +89,12 @@ private Q_SLOTS:
         row(itemInterface, "Scroll is 120 vertical", "");
         row(itemInterface, "ContextMenu ii 1 2", "");
         row(menuInterface, "GetLayout iias 0 -1 0",
-            R"(u(ia{sv}av) 3 0 1 "children-display" s "submenu" 4 )"
+            R"(u(ia{sv}av) 2 0 1 "children-display" s "submenu" 4 )"
             R"((ia{sv}av) 1 2 "label" s "Set__tings" "enabled" b true 0 )"
             R"((ia{sv}av) 2 2 "label" s "Updates" "enabled" b false 0 (ia{sv}av) 3 1 "type" s "separator" 0 )"
             R"((ia{sv}av) 4 2 "label" s "Quit" "enabled" b true 0)");
-        row(menuInterface, "GetLayout iias 0 0 0", R"(u(ia{sv}av) 3 0 1 "children-display" s "submenu" 0)");
-        row(menuInterface, "GetLayout iias 4 -1 1 label", R"(u(ia{sv}av) 3 4 2 "label" s "Quit" "enabled" b true 0)");
+        row(menuInterface, "GetLayout iias 0 0 0", R"(u(ia{sv}av) 2 0 1 "children-display" s "submenu" 0)");
+        row(menuInterface, "GetLayout iias 4 -1 1 label", R"(u(ia{sv}av) 2 4 2 "label" s "Quit" "enabled" b true 0)");
         row(menuInterface, "GetLayout iias 5 -1 0", missing);
         row(menuInterface, "GetLayout iias -2147483648 -1 0", missing);
         row(menuInterface, "GetGroupProperties aias 3 3 99 -1 0", R"(a(ia{sv}) 1 3 1 "type" s "separator")");
@@ -120,23 +120,15 @@ private Q_SLOTS:
         QTEST(shown.events.join(u' '), "events");
     }
 
-    void panelsThatWantPixelsGetThem()
+    void panelsGetPixelsAndTextsWithoutMarkup()
     {
         ShownItem shown;
+        shown.item.setToolTip("<b> & 3400 K");
         const auto said = busctl(QStringLiteral("get-property %1 %2 IconPixmap ToolTip")
                                      .arg(itemName(), QLatin1String(itemInterface).trimmed()));
         QVERIFY2(said.startsWith(QStringLiteral("a(iiay) 6 16 16 1024 0 0 0 0 ")), qPrintable(said.left(80)));
         QVERIFY(said.contains(QStringLiteral(" 255 136 136 136 "))); // opaque, the grey of the drawing
-    }
-
-    void textsBesideTheIconAreNoMarkup()
-    {
-        ShownItem shown;
-        shown.item.setToolTip("<b> & 3400 K");
-        QCOMPARE(
-            busctl(
-                QStringLiteral("get-property %1 %2 ToolTip").arg(itemName(), QLatin1String(itemInterface).trimmed())),
-            QStringLiteral(R"((sa(iiay)ss) "" 0 "Ambertide" "&lt;b&gt; &amp; 3400 K")"));
+        QVERIFY(said.endsWith(QStringLiteral(R"("" 0 "Ambertide" "&lt;b&gt; &amp; 3400 K")")));
     }
 
     void whatAHostStillShowsOfAReplacedMenuDoesNothing()

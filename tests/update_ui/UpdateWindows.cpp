@@ -101,6 +101,41 @@ private Q_SLOTS:
         updates.reset();
         fixture.installed({Outcome::Installed, {}});
     }
+
+    void returnGoesOnAndEscapeEnds()
+    {
+        UpdateFixture fixture;
+        fixture.announce("package", fixture.key.sign("package"));
+        const auto updates = service(fixture);
+        const auto isFocused = [this](const char *text) {
+            const auto *button = qobject_cast<QPushButton *>(m_window->focusWidget());
+            return button != nullptr && button->isDefault() && button->text() == QLatin1String(text);
+        };
+        updates->check(Origin::Manual);
+        QVERIFY(QTest::qWaitForWindowActive(m_window));
+        QTRY_VERIFY(isFocused("Install Update"));
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_Return);
+        QVERIFY(texts<QLabel>().startsWith(QStringLiteral("Downloading")));
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_Return); // held for too long: this cancels nothing
+        QTRY_VERIFY(isFocused("Install"));
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_Escape);
+        QTRY_VERIFY(!m_window);
+    }
+
+    void thePageGrowsWithTheFont()
+    {
+        UpdateFixture fixture;
+        const auto updates = service(fixture);
+        updates->check(Origin::Manual);
+        QTRY_VERIFY(texts<QLabel>().contains(QStringLiteral("HTTP status 404")));
+        const int height = m_window->height();
+        const QFont font = QApplication::font();
+        QFont larger = font;
+        larger.setPointSize(20);
+        QApplication::setFont(larger);
+        QTRY_VERIFY(m_window->height() > height && !texts<QLabel>().contains(QStringLiteral("cut off")));
+        QApplication::setFont(font);
+    }
 };
 
 QTEST_MAIN(UpdateWindows)

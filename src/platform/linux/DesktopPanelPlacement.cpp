@@ -1,21 +1,17 @@
 #include "platform/linux/DesktopPanelPlacement.h"
 
+#include "platform/linux/ToolkitConnection.h"
+#include "platform/linux/randr/XcbReply.h"
+
 #include <QGuiApplication>
 
 #include <xcb/xcb.h>
 
-#include <cstdlib>
-#include <memory>
 #include <string>
 
 namespace ambertide {
 
 namespace {
-
-struct Freeing
-{
-    void operator()(void *reply) const { std::free(reply); }
-};
 
 bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
 
@@ -23,12 +19,12 @@ bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1Stri
 bool hasCompositor(xcb_connection_t *connection)
 {
     const std::string name = "_NET_WM_CM_S0";
-    const std::unique_ptr<xcb_intern_atom_reply_t, Freeing> atom(xcb_intern_atom_reply(
+    const auto atom = owned(xcb_intern_atom_reply(
         connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()), nullptr));
     if (!atom)
         return false;
-    const std::unique_ptr<xcb_get_selection_owner_reply_t, Freeing> owner(
-        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
+    const auto owner =
+        owned(xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
     return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
@@ -40,8 +36,8 @@ bool DesktopPanelPlacement::hasTransparency() const
 {
     if (isWayland())
         return true;
-    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 != nullptr && hasCompositor(x11->connection());
+    auto *connection = toolkitConnection();
+    return connection != nullptr && hasCompositor(connection);
 }
 
 void DesktopPanelPlacement::anchor(QWindow &) {}

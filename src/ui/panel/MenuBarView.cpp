@@ -109,7 +109,7 @@ QWidget *MenuBarView::sliderBlock()
     auto *block = new QWidget;
     auto *layout = stack(block, defaultSpacing);
     const auto endLabel = [](double kelvin) {
-        return new TextLabel(QStringLiteral("%1K").arg(kelvin, 0, 'f', 0), TextStyle::Caption, &Theme::secondaryText);
+        return new TextLabel(tr("%1K").arg(kelvin, 0, 'f', 0), TextStyle::Caption, &Theme::secondaryText);
     };
     auto *labels = new QHBoxLayout;
     labels->addWidget(endLabel(1000));

@@ -51,7 +51,7 @@ QPoint panelPosition(const QSize &panel, const QPoint &pointer, const QRect &scr
         x = std::min(right, inset > 0 ? pointer.x() - inset : right) - gap - panel.width();
         break;
     }
-    return {kept(x, panel.width(), left, right), kept(y, panel.height(), top, bottom)};
+    return {kept(x, panel.width(), left + gap, right - gap), kept(y, panel.height(), top + gap, bottom - gap)};
 }
 
 } // namespace ambertide

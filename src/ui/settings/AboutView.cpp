@@ -1,5 +1,6 @@
 #include "ui/settings/AboutView.h"
 
+#include "controls/ApplicationIcon.h"
 #include "controls/Button.h"
 #include "controls/Symbol.h"
 #include "controls/TextLabel.h"
@@ -8,11 +9,7 @@
 #include <QDesktopServices>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QPainter>
-#include <QSvgRenderer>
 #include <QVBoxLayout>
-
-static void registerIcon() { Q_INIT_RESOURCE(settings); }
 
 namespace ambertide {
 
@@ -22,27 +19,6 @@ constexpr int iconSize = 100;
 constexpr int descriptionWidth = 250;
 constexpr int gapInBlock = 20;
 constexpr int gapAboveButton = 8;
-
-class ApplicationIcon final : public QWidget
-{
-public:
-    ApplicationIcon()
-    {
-        registerIcon();
-        m_renderer.load(QStringLiteral(":/settings/Icon.svg"));
-        setFixedSize(iconSize, iconSize);
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        m_renderer.render(&painter, rect());
-    }
-
-private:
-    QSvgRenderer m_renderer;
-};
 
 QString appVersion(const MainBundle &bundle)
 {
@@ -82,7 +58,7 @@ AboutView::AboutView(const MainBundle &bundle) : m_checkForUpdates(new Button(tr
 
     auto *column = new QVBoxLayout;
     column->setSpacing(0);
-    column->addWidget(new ApplicationIcon, 0, Qt::AlignHCenter);
+    column->addWidget(new ApplicationIcon(iconSize), 0, Qt::AlignHCenter);
     column->addSpacing(6);
     column->addWidget(new TextLabel(QStringLiteral("Ambertide"), TextStyle::Title), 0, Qt::AlignHCenter);
     column->addSpacing(4);

@@ -9,6 +9,7 @@
 #include "ui/settings/AboutView.h"
 #include "ui/settings/CommandLineToolView.h"
 
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace ambertide {
@@ -35,8 +36,8 @@ std::optional<std::string> run(CLIInstaller &installer, void (CLIInstaller::*ope
 GeneralSettingsView::GeneralSettingsView(SettingsViewModel &viewModel, const Ports &ports)
     : m_viewModel(viewModel), m_installer(ports.installer), m_installerExecutor(ports.installerExecutor),
       m_sparkleUpdater(ports.createUpdaterController, ports.userDefaults),
-      m_updaterObservation(m_sparkleUpdater.observe(
-          [this] { QMetaObject::invokeMethod(this, &GeneralSettingsView::refresh, Qt::QueuedConnection); })),
+      m_updaterObservation(
+          m_sparkleUpdater.observe([this] { QTimer::singleShot(0, this, &GeneralSettingsView::refresh); })),
       m_cliInstalled(ports.installer.isInstalled()), m_about(new AboutView(ports.mainBundle)),
       m_launchAtLogin(new SwitchRow(tr("Start at login"), SwitchRow::Kind::Form)),
       m_automaticallyCheckForUpdates(new SwitchRow(tr("Automatically check for updates"), SwitchRow::Kind::Form)),
@@ -106,7 +107,9 @@ void GeneralSettingsView::setProcessing(bool isProcessing)
         m_formerFocus = window()->focusWidget();
     m_commandLineTool->setProcessing(isProcessing);
     setDisabled(isProcessing);
-    if (!isProcessing && m_formerFocus)
+    if (isProcessing)
+        m_focusMeanwhile = window()->focusWidget();
+    else if (m_formerFocus && m_focusMeanwhile == window()->focusWidget())
         m_formerFocus->setFocus(Qt::OtherFocusReason);
 }
 

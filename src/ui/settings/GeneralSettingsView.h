@@ -50,7 +50,8 @@ private:
     SparkleUpdater m_sparkleUpdater;
     Observation m_updaterObservation;
     bool m_cliInstalled;
-    QPointer<QWidget> m_formerFocus; ///< before the tab was disabled
+    QPointer<QWidget> m_formerFocus;    ///< before the tab was disabled
+    QPointer<QWidget> m_focusMeanwhile; ///< where it went then; elsewhere it is by the user's will
     AboutView *m_about = nullptr;
     SwitchRow *m_launchAtLogin = nullptr;
     SwitchRow *m_automaticallyCheckForUpdates = nullptr;

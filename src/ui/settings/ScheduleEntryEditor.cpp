@@ -7,6 +7,7 @@
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -19,6 +20,7 @@ namespace {
 constexpr int padding = 16;
 constexpr int gap = 20;
 constexpr int smallGap = 8;
+constexpr int widestTemperature = 240;
 constexpr int buttonGap = 8; // 12 between what is drawn of them
 
 QHBoxLayout *row(QWidget *first, QWidget *second)
@@ -106,19 +108,17 @@ void ScheduleEntryEditor::keyPressEvent(QKeyEvent *event)
 void ScheduleEntryEditor::save()
 {
     m_save->setEnabled(false);
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (!std::exchange(m_isSaved, true))
-                Q_EMIT saved(m_editedEntry);
-        },
-        Qt::QueuedConnection);
+    QTimer::singleShot(0, this, [this] {
+        if (!std::exchange(m_isSaved, true))
+            Q_EMIT saved(m_editedEntry);
+    });
 }
 
 void ScheduleEntryEditor::showTemperature()
 {
     const QString text = m_editedEntry.temperatureString();
-    m_temperatureText->setText(text);
+    // One that somebody else has stored may have any number of digits.
+    m_temperatureText->setText(m_temperatureText->fontMetrics().elidedText(text, Qt::ElideRight, widestTemperature));
     m_temperature->setAccessibleDescription(text);
 }
 

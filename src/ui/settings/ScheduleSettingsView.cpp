@@ -31,6 +31,7 @@ constexpr int headerInset = 4;
 constexpr int gapAboveHeader = 10;
 constexpr int rowPaddingX = 14;
 constexpr int rowPaddingY = 10;
+constexpr int highlightInset = 4;
 constexpr double temperatureOfNewEntry = 3800; // K
 constexpr QSize editorSize(400, 300);
 constexpr std::size_t rowBatch = 50;
@@ -44,12 +45,13 @@ QString shownTime(const Calendar &calendar, const ScheduleEntry &entry)
 } // namespace
 
 ScheduleSettingsView::ScheduleSettingsView(SettingsViewModel &viewModel, const Calendar &calendar)
-    : m_viewModel(viewModel), m_calendar(calendar), m_currentTime(calendar.now()), m_rowLimit(rowBatch),
+    : m_viewModel(viewModel), m_calendar(calendar), m_currentTime(calendar.now()), m_timer(this), m_rowLimit(rowBatch),
       m_scheduleEnabled(new SwitchRow(tr("Enable Schedule"), SwitchRow::Kind::Form)), m_list(new Card),
       m_emptyText(
           new TextLabel(tr("No schedule entries. Add one to get started."), TextStyle::Body, &Theme::secondaryText)),
       m_add(new RowButton(tr("Add Schedule Entry"), {.horizontalPadding = rowPaddingX,
                                                      .verticalPadding = rowPaddingY,
+                                                     .highlightInset = highlightInset,
                                                      .symbol = symbols::plus,
                                                      .ink = &Theme::accent,
                                                      .hoverInk = &Theme::accentOnHover}))
@@ -139,7 +141,7 @@ void ScheduleSettingsView::moveEvent(QMoveEvent *)
 {
     const QRect seen = visibleRegion().boundingRect();
     if (m_rows.size() < m_entries.size() && seen.bottom() > height() - 2 * seen.height())
-        QMetaObject::invokeMethod(this, &ScheduleSettingsView::showMoreRows, Qt::QueuedConnection);
+        QTimer::singleShot(0, this, &ScheduleSettingsView::showMoreRows);
 }
 
 void ScheduleSettingsView::showMoreRows()
@@ -179,7 +181,7 @@ void ScheduleSettingsView::edit(const ScheduleEntry &entry)
     connect(editor, &ScheduleEntryEditor::saved, this, [this](const ScheduleEntry &edited) {
         m_viewModel.updateScheduleEntry(edited);
         endEditing();
-        focusRow(edited.id);
+        followEntry(edited.id);
     });
     connect(editor, &ScheduleEntryEditor::cancelled, this, &ScheduleSettingsView::endEditing);
     connect(m_editor, &Sheet::cancelled, this, &ScheduleSettingsView::endEditing);
@@ -197,20 +199,23 @@ void ScheduleSettingsView::remove(const QUuid &entry)
     const auto found = std::ranges::find(entries, entry, &ScheduleEntry::id);
     if (found == entries.end())
         return;
-    const bool hadFocus = isAncestorOf(window()->focusWidget());
+    const bool wasFocusOnRow = isFocusOnRow();
     m_viewModel.deleteScheduleEntry({static_cast<std::size_t>(found - entries.begin())});
     // A row further down takes the place, and the focus with it; the last one has none further down.
-    if (hadFocus && !m_rows.empty() && m_add->hasFocus())
+    if (wasFocusOnRow && !isFocusOnRow() && !m_rows.empty())
         m_rows.back()->setFocus(Qt::BacktabFocusReason);
 }
 
-/// An edited entry may have moved to another row than the one that was pressed.
-void ScheduleSettingsView::focusRow(const QUuid &entry)
+bool ScheduleSettingsView::isFocusOnRow() const
 {
-    const bool isOnRow = std::ranges::any_of(
-        m_rows, [](const auto *row) { return row->hasFocus() || row->isAncestorOf(QApplication::focusWidget()); });
+    const auto *focused = QApplication::focusWidget();
+    return std::ranges::any_of(m_rows, [&](auto *row) { return row == focused || row->isAncestorOf(focused); });
+}
+
+void ScheduleSettingsView::followEntry(const QUuid &entry)
+{
     const auto row = std::ranges::find(m_rows, entry, [](const auto *candidate) { return candidate->entry().id; });
-    if (isOnRow && row != m_rows.end() && !(*row)->isAncestorOf(QApplication::focusWidget()))
+    if (isFocusOnRow() && row != m_rows.end() && !(*row)->isAncestorOf(QApplication::focusWidget()))
         (*row)->setFocus(Qt::OtherFocusReason);
 }
 

@@ -46,7 +46,9 @@ private:
     void edit(const ScheduleEntry &entry);
     void endEditing();
     void remove(const QUuid &entry);
-    void focusRow(const QUuid &entry);
+    bool isFocusOnRow() const;
+    /// With the focus, from the row that it was on before it was edited.
+    void followEntry(const QUuid &entry);
 
     SettingsViewModel &m_viewModel;
     const Calendar &m_calendar;

@@ -1,5 +1,6 @@
 #include "ui/settings/SettingsView.h"
 
+#include "controls/AccessibleRole.h"
 #include "controls/IconTabBar.h"
 #include "controls/Page.h"
 #include "controls/Sheet.h"
@@ -31,6 +32,7 @@ SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
       m_tabs(new IconTabBar), m_pages(new QStackedWidget)
 {
     setObjectName(QStringLiteral("Settings"));
+    setAccessibleRole(*this, QAccessible::Window);
     setWindowTitle(tr("Ambertide Settings"));
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_QuitOnClose, false);

@@ -1,13 +1,13 @@
 #include "update/ui/ReleaseNotesView.h"
 
 #include "controls/Drawing.h"
-#include "controls/ScrollBar.h"
 #include "controls/TextStyle.h"
 #include "controls/Theme.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTextDocument>
 
 namespace ambertide {
@@ -15,8 +15,8 @@ namespace ambertide {
 namespace {
 
 constexpr int leastHeight = 200; // logical pixels, with the usual font
-constexpr double padding = 8;
-constexpr double focusRingRadius = 6;
+constexpr double padding = 11;
+constexpr double focusRingRadius = 7;
 
 } // namespace
 
@@ -26,7 +26,6 @@ ReleaseNotesView::ReleaseNotesView()
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setTabChangesFocus(true);
     setFrameShape(QFrame::NoFrame);
-    setVerticalScrollBar(new ScrollBar);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(padding);
     setAccessibleName(tr("Release Notes"));
@@ -50,6 +49,9 @@ void ReleaseNotesView::follow()
     inks.setColor(QPalette::Text, theme.text);
     inks.setColor(QPalette::PlaceholderText, theme.secondaryText);
     setPalette(inks);
+    QPalette surface;
+    surface.setColor(QPalette::Window, theme.card);
+    verticalScrollBar()->setPalette(surface);
 }
 
 void ReleaseNotesView::paintEvent(QPaintEvent *event)

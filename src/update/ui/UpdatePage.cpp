@@ -42,7 +42,6 @@ UpdatePage::UpdatePage(const QString &heading, const QString &sentence, QWidget 
         m_texts->addWidget(wrappedLabel(sentence, TextStyle::Body));
 
     auto *top = new QHBoxLayout;
-    top->setContentsMargins(0, 0, iconInset, 0);
     top->setSpacing(iconGap);
     top->addWidget(new ApplicationIcon(iconSize), 0, Qt::AlignTop);
     auto *centred = new QVBoxLayout;
@@ -50,6 +49,7 @@ UpdatePage::UpdatePage(const QString &heading, const QString &sentence, QWidget 
     centred->addLayout(m_texts);
     centred->addStretch();
     top->addLayout(centred, 1);
+    top->addSpacing(iconInset);
 
     m_across->setContentsMargins(iconInset, 0, iconInset, 0);
 

@@ -9,6 +9,7 @@
 #include "update/ui/UpdateFailureText.h"
 #include "update/ui/UpdatePage.h"
 
+#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QEvent>
 #include <QLocale>
@@ -27,7 +28,7 @@ constexpr int progressSteps = 1000;
 
 Card *releaseNotesCard(const UpdateSession &session)
 {
-    constexpr int inset = 6; // keeps the scroll bar out of the card's corners
+    constexpr int inset = 3; // keeps square corners inside of the round ones
     auto *notes = new ReleaseNotesView;
     notes->setPlainText(session.releaseNotes());
     QObject::connect(&session, &UpdateSession::releaseNotesChanged, notes,
@@ -84,14 +85,21 @@ void UpdateWindow::showState()
 
 void UpdateWindow::fit()
 {
+    const QSize room = screen()->availableSize();
+    const int wanted = std::max(qRound(usualWidth * textScale()), layout()->minimumSize().width());
+    const int width = std::min(wanted, room.width());
     // A layout's minimum height does not take in the lines of wrapped sentences.
-    const int width = std::max(qRound(usualWidth * textScale()), layout()->minimumSize().width());
-    setMinimumSize(QSize(width, layout()->totalHeightForWidth(width)).boundedTo(screen()->availableSize()));
+    setMinimumSize(width, std::min(layout()->totalHeightForWidth(width), room.height()));
 }
 
 bool UpdateWindow::event(QEvent *event)
 {
     const bool isHandled = QDialog::event(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        // Qt tells the windows alone.
+        for (auto *widget : findChildren<QWidget *>())
+            QCoreApplication::sendEvent(widget, event);
+    }
     if (event->type() == QEvent::LayoutRequest && m_page != nullptr)
         fit();
     return isHandled;

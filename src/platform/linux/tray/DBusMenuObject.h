@@ -1,10 +1,9 @@
 #pragma once
 
-#include "platform/TrayIcon.h"
 #include "platform/linux/DBusSession.h"
+#include "platform/linux/tray/DBusMenuItems.h"
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 namespace ambertide {
@@ -27,12 +26,12 @@ public:
 private:
     struct Methods;
 
-    const TrayMenuItem *find(std::int32_t identifier) const;
+    void sendLayoutUpdated();
+    void sendStates();
     void activate(std::int32_t identifier);
 
     DBusSession &m_session;
-    std::vector<TrayMenuItem> m_items;
-    std::int32_t m_firstIdentifier = 1;
+    DBusMenuItems m_items;
     std::uint32_t m_revision = 1;
     Observation m_object;
 };

@@ -1,10 +1,10 @@
 #include "platform/linux/tray/XembedTrayIcon.h"
 
+#include "platform/linux/ToolkitConnection.h"
 #include "platform/linux/randr/XcbReply.h"
 
 #include <QGuiApplication>
 #include <QPixmap>
-#include <QTimer>
 
 #include <algorithm>
 #include <cstdlib>
@@ -39,13 +39,13 @@ XembedTrayIcon::XembedTrayIcon(const TrayArtwork &artwork, std::string name, Cal
 {
     for (const auto &image : artwork.images())
         m_drawing.addPixmap(QPixmap::fromImage(image));
-    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    // The toolkit asks for X11 and may have come to nothing with that.
-    m_connection = x11 != nullptr ? x11->connection() : nullptr;
+    m_connection = toolkitConnection();
     if (m_connection == nullptr)
         return;
     m_traySelection = atom(m_connection, traySelection());
     m_managerMessage = atom(m_connection, "MANAGER");
+    m_trayChange.setSingleShot(true);
+    QObject::connect(&m_trayChange, &QTimer::timeout, &m_trayChange, [this] { followTray(); });
     qGuiApp->installNativeEventFilter(this);
     followTray();
 }
@@ -61,7 +61,7 @@ bool XembedTrayIcon::nativeEventFilter(const QByteArray &, void *message, qintpt
                          announced->data.data32[1] == m_traySelection;
     const bool hasGone = kind == XCB_DESTROY_NOTIFY && destroyed->window == m_tray;
     if (hasCome || hasGone) // the toolkit is told first
-        QTimer::singleShot(0, &m_context, [this] { followTray(); });
+        m_trayChange.start();
     return false;
 }
 

@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
+#include <QTimer>
 
 #include <xcb/xcb.h>
 
@@ -45,7 +46,8 @@ private:
     xcb_atom_t m_traySelection = XCB_ATOM_NONE;
     xcb_atom_t m_managerMessage = XCB_ATOM_NONE;
     xcb_window_t m_tray = XCB_WINDOW_NONE;
-    QObject m_context; ///< ends what is still to be called
+    QTimer m_trayChange;
+    QObject m_context; ///< of the connections to what is clicked
 };
 
 } // namespace ambertide

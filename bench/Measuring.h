@@ -1,0 +1,22 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <vector>
+
+namespace ambertide {
+
+using Clock = std::chrono::steady_clock;
+using Milliseconds = std::chrono::duration<double, std::milli>;
+
+/// One line: the figure beside what it has to stay within.
+void print(const char *what, double figure, double reach, const char *unit);
+
+double median(std::vector<double> values);
+double medianOf(int runs, const std::function<double()> &measure);
+double millisecondsFor(const std::function<void()> &work);
+
+/// Asks without a pause, serving Qt's events meanwhile. Throws after 20 s.
+void waitFor(const char *what, const std::function<bool()> &isDone);
+
+} // namespace ambertide
