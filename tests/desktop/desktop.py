@@ -209,7 +209,8 @@ class Desktop:
 
     def screenshot(self, path, region=None):
         crop = ["-crop", "{2}x{3}+{0}+{1}".format(*region), "+repage"] if region else []
-        subprocess.run(["import", "-silent", "-window", "root", *crop, str(path)], check=True)
+        subprocess.run(["import", "-silent", "-window", "root", *crop, "-strip", "-define",
+                        "png:exclude-chunks=date,time", str(path)], check=True)
 
 
 def main(scenarios):

@@ -1,5 +1,6 @@
 """Memory after long use: windows opened and closed, the slider moved."""
 
+import pathlib
 import re
 
 import screen_reader
@@ -56,8 +57,11 @@ def use(desktop, rounds, moves):
     figures["slider"] = before, memory(desktop)
     for name, (first, last) in figures.items():
         print(f"{name}: KiB proportional and own: {first} after the first {WARM_UP}, {last} at the end", flush=True)
+    keeps_what_is_freed = "libasan" in pathlib.Path(f"/proc/{desktop.application.pid}/maps").read_text()
     desktop.call("ActivateAction", "sava{sv}", "quit", "0", "0")
-    assert desktop.application.wait(60) == 0, desktop.log()
+    assert desktop.application.wait(60) == 0, desktop.log()  # else there are leaks
+    if keeps_what_is_freed:
+        return
     for name, (first, last) in figures.items():
         assert last[1] - first[1] < MOST_GROWTH, name
 

@@ -1,4 +1,4 @@
-"""Makes the README's pictures: <build folder> <folder for the pictures> <scale> <light or dark>.
+"""Makes pictures of the windows: <build folder> <folder for the pictures> <scale> <light or dark>.
 
 The windows stand on a plain desktop, in one font, at one time of day, whatever the machine. A file system of its own
 tells the application whether the command-line tool is installed.
@@ -44,7 +44,7 @@ def take(name, window=None):
     def rests():
         desktop.screenshot(file, region)
         seen.append(file.read_bytes())
-        return seen[-2:-1] == seen[-1:]
+        return len(seen) > 2 and len(set(seen[-3:])) == 1
 
     wait_until(rests, f"{name} does not come to rest")
     subprocess.run(["optipng", "-quiet", "-strip", "all", str(file)], check=True)
@@ -70,9 +70,10 @@ def show_panel():
     screen_reader.element("slider", "Color temperature")
 
 
-def show_settings(tab):
+def show_settings(tab, label):
     desktop.show_settings()
     screen_reader.act("page tab", tab)
+    screen_reader.element("label", label)
     desktop.move(10, 700 * scale)
 
 
@@ -94,9 +95,9 @@ with Desktop(build, scale=scale, gtk_theme={"light": "Adwaita", "dark": "Adwaita
         wait_until(lambda: subprocess.run(["busctl", "--user", "status", "org.freedesktop.portal.Desktop"],
                                           capture_output=True).returncode == 0, "there is no portal")
     start(WITHOUT_TOOL)
-    show_settings("General")
+    show_settings("General", "Command Line Tool")
     take("general", "Ambertide Settings")
-    show_settings("Schedule")
+    show_settings("Schedule", "No schedule entries. Add one to get started.")
     take("schedule-empty", "Ambertide Settings")
     end()
     store_schedule()
@@ -104,11 +105,12 @@ with Desktop(build, scale=scale, gtk_theme={"light": "Adwaita", "dark": "Adwaita
     show_panel()
     take("panel")
     desktop.key("Escape")
-    show_settings("General")
+    show_settings("General", "Command Line Tool")
     take("general-installed", "Ambertide Settings")
-    show_settings("Schedule")
+    show_settings("Schedule", "11:30 PM")
     take("schedule", "Ambertide Settings")
     screen_reader.act("push button", "Edit 9:00 PM")
+    screen_reader.element("push button", "Save")
     take("editor", "Ambertide Settings")
     end()
     desktop.start(str(desktop.build / "tools/show-update"))
