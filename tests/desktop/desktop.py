@@ -40,9 +40,10 @@ def _end_with_parent():
 
 
 class Desktop:
-    """Starts all but Ambertide. `panel` is a program of panels/, or None; `environment` is added to everybody's."""
+    """Starts all but Ambertide. `panel` is one of panels/."""
 
-    def __init__(self, build, panel="xfce4-panel", size=(1280, 800), environment=None):
+    def __init__(self, build, panel="xfce4-panel", scale=1, gtk_theme="Adwaita"):
+        size = 1280 * scale, 800 * scale
         self.build = pathlib.Path(build).resolve()
         self.bundle = self.build / "Ambertide.app"
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="ambertide-desktop-"))
@@ -55,15 +56,13 @@ class Desktop:
             (self.home / name).mkdir(mode=0o700)
             os.environ[variable] = str(self.home / name)
         os.environ.update(HOME=str(self.home), LC_ALL="C.UTF-8", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
-                          GTK_THEME="Adwaita", NO_AT_BRIDGE="0")
-        os.environ.update(environment or {})
+                          QT_SCALE_FACTOR=str(scale), GDK_SCALE=str(scale), GTK_THEME=gtk_theme)
         self._start_server(size)
         self._start_buses()
         self.start("openbox", "--config-file", str(PANELS / "openbox.xml"))
-        if panel:
-            self._start_panel(panel)
-            self.icon = {"xfce4-panel": (size[0] - 14, 15), "lxqt-panel": (size[0] - 15, size[1] - 15),
-                         "tint2": (size[0] - 15, size[1] - 16)}[panel]
+        self._start_panel(panel)
+        x, y = {"xfce4-panel": (1266, 15), "lxqt-panel": (1265, 785), "tint2": (1265, 784)}[panel]
+        self.icon = x * scale, y * scale
         self.application = None
 
     def close(self):
@@ -121,10 +120,11 @@ class Desktop:
 
     # The application
 
-    def start_application(self, **environment):
-        """Returns when it takes requests. The environment is its own, on top of everybody's."""
+    def start_application(self, *wrapper, **environment):
+        """Returns when it takes requests. The environment is its own, on top of everybody's; a wrapper is a command that
+        runs the one behind it."""
         log = open(self.home / "application.log", "ab")
-        self.application = self.start(str(self.bundle / "Contents/MacOS/Ambertide"), stdout=log,
+        self.application = self.start(*wrapper, str(self.bundle / "Contents/MacOS/Ambertide"), stdout=log,
                                       stderr=subprocess.STDOUT, env={**os.environ, **environment})
         self.wait_for_line("Registering for CLI")
         return self.application
@@ -209,7 +209,8 @@ class Desktop:
 
     def screenshot(self, path, region=None):
         crop = ["-crop", "{2}x{3}+{0}+{1}".format(*region), "+repage"] if region else []
-        subprocess.run(["import", "-silent", "-window", "root", *crop, str(path)], check=True)
+        subprocess.run(["import", "-silent", "-window", "root", *crop, "-strip", "-define",
+                        "png:exclude-chunks=date,time", str(path)], check=True)
 
 
 def main(scenarios):

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int thumbSize = 20;
 constexpr double trackHeight = 8;
-constexpr double trackRadius = 8;
+constexpr double trackRadius = trackHeight / 2; // a larger one would make ellipses of the ends
 constexpr int preferredWidth = 268;
 constexpr double pageSteps = 5;
 constexpr double ringWidth = 2.5;

@@ -1,0 +1,117 @@
+"""Makes pictures of the windows: <build folder> <folder for the pictures> <scale> <light or dark>.
+
+The windows stand on a plain desktop, in one font, at one time of day, whatever the machine. A file system of its own
+tells the application whether the command-line tool is installed.
+"""
+
+import glob
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import uuid
+
+import screen_reader
+from desktop import Desktop, wait_until
+
+HERE = pathlib.Path(__file__).resolve().parent
+FONTS = """<fontconfig><dir>/usr/share/fonts/opentype/inter</dir><cachedir>{0}</cachedir>
+<alias><family>Sans Serif</family><prefer><family>Inter</family></prefer></alias>
+<match target="font"><edit name="hintstyle" mode="assign"><const>hintnone</const></edit></match></fontconfig>"""
+DESKTOP = {"light": "#dfe4ec", "dark": "#16171b"}
+WITHOUT_TOOL = "mount -t tmpfs none /usr/local/bin && exec \"$@\""
+WITH_TOOL = "mount -t tmpfs none /usr/local/bin && ln -s / /usr/local/bin/ambertide && exec \"$@\""
+SCHEDULE = [(7, 0, 6500, True), (13, 0, 4300, False), (21, 0, 3400, True), (23, 30, 2700, True)]
+MARGIN = 24
+
+build, folder, scale, theme = sys.argv[1], pathlib.Path(sys.argv[2]), int(sys.argv[3]), sys.argv[4]
+
+
+def take(name, window=None):
+    """Of a window by its title, or of the corner of the desktop with icon and panel."""
+    title = window or "Ambertide"
+    identifier, = wait_until(lambda: desktop.xdotool("search", "--onlyvisible", "--name", f"^{title}$"), title)
+    shown = dict(line.split("=") for line in desktop.xdotool("getwindowgeometry", "--shell", identifier))
+    x, y, width, height = (int(shown[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+    margin = MARGIN * scale
+    region = (x - margin, y - margin, width + 2 * margin, height + 2 * margin)
+    if window is None:
+        region = (x - margin, 0, 1280 * scale - x + margin, y + height + margin)
+    file = folder / f"{name}-{theme}.png"
+    seen = []
+
+    def rests():
+        desktop.screenshot(file, region)
+        seen.append(file.read_bytes())
+        return len(seen) > 2 and len(set(seen[-3:])) == 1
+
+    wait_until(rests, f"{name} does not come to rest")
+    subprocess.run(["optipng", "-quiet", "-strip", "all", str(file)], check=True)
+
+
+def start(tool):
+    library, = glob.glob("/usr/lib/*/faketime/libfaketimeMT.so.1")
+    clock = desktop.home / "clock"
+    clock.write_text("2026-06-15 21:30:00")
+    desktop.start_application(
+        "unshare", "--mount", "--map-root-user", "sh", "-c", tool, "sh", LD_PRELOAD=library, TZ="UTC",
+        FAKETIME_TIMESTAMP_FILE=str(clock), FAKETIME_NO_CACHE="1", FAKETIME_DONT_FAKE_MONOTONIC="1")
+    desktop.wait_for_icon()
+
+
+def end():
+    desktop.application.terminate()
+    desktop.application.wait(20)
+
+
+def show_panel():
+    desktop.click(*desktop.icon)
+    screen_reader.element("slider", "Color temperature")
+
+
+def show_settings(tab, label):
+    desktop.show_settings()
+    screen_reader.act("page tab", tab)
+    screen_reader.element("label", label)
+    desktop.move(10, 700 * scale)
+
+
+def store_schedule():
+    entries = [{"id": str(uuid.uuid4()).upper(), "time": (hour * 60 + minute) * 60, "temperature": kelvin,
+                "isEnabled": enabled} for hour, minute, kelvin, enabled in SCHEDULE]
+    text = json.dumps(entries).replace('"', '\\"')
+    (desktop.home / "config/ambertide/defaults.ini").write_text(
+        f'[General]\nAmbertide.ScheduleEnabled=true\nAmbertide.ScheduleEntries="@ByteArray({text})"\n')
+
+
+with Desktop(build, scale=scale, gtk_theme={"light": "Adwaita", "dark": "Adwaita:dark"}[theme]) as desktop:
+    subprocess.run(["xsetroot", "-solid", DESKTOP[theme]], check=True)
+    fonts = desktop.home / "fonts.conf"
+    fonts.write_text(FONTS.format(desktop.home))
+    os.environ["FONTCONFIG_FILE"] = str(fonts)
+    if theme == "dark":
+        desktop.start("/usr/bin/python3", str(HERE / "portal.py"))
+        wait_until(lambda: subprocess.run(["busctl", "--user", "status", "org.freedesktop.portal.Desktop"],
+                                          capture_output=True).returncode == 0, "there is no portal")
+    start(WITHOUT_TOOL)
+    show_settings("General", "Command Line Tool")
+    take("general", "Ambertide Settings")
+    show_settings("Schedule", "No schedule entries. Add one to get started.")
+    take("schedule-empty", "Ambertide Settings")
+    end()
+    store_schedule()
+    start(WITH_TOOL)
+    show_panel()
+    take("panel")
+    desktop.key("Escape")
+    show_settings("General", "Command Line Tool")
+    take("general-installed", "Ambertide Settings")
+    show_settings("Schedule", "11:30 PM")
+    take("schedule", "Ambertide Settings")
+    screen_reader.act("push button", "Edit 9:00 PM")
+    screen_reader.element("push button", "Save")
+    take("editor", "Ambertide Settings")
+    end()
+    desktop.start(str(desktop.build / "tools/show-update"))
+    take("update", "Software Update")
