@@ -57,7 +57,7 @@ QPoint panelPosition(const QSize &panel, const QPoint &pointer, const QRect &scr
         x = std::min(right, inset > 0 ? pointer.x() - inset : right) - gap - panel.width();
         break;
     }
-    return {kept(x, panel.width(), left + gap, right - gap), kept(y, panel.height(), top + gap, bottom - gap)};
+    return {kept(x, panel.width(), left, right), kept(y, panel.height(), top, bottom)};
 }
 
 } // namespace ambertide
