@@ -60,6 +60,7 @@ class Desktop:
         self._start_server(size)
         self._start_buses()
         self.start("openbox", "--config-file", str(PANELS / "openbox.xml"))
+        wait_until(lambda: self.xdotool("get_num_desktops"), "no window manager answers")
         self._start_panel(panel)
         x, y = {"xfce4-panel": (1266, 15), "lxqt-panel": (1265, 785), "tint2": (1265, 784)}[panel]
         self.icon = x * scale, y * scale
@@ -116,7 +117,7 @@ class Desktop:
             self.start("lxqt-panel", "-c", str(PANELS / "lxqt-panel.conf"))
         else:
             self.start("tint2", "-c", str(PANELS / "tint2rc"))
-        wait_until(lambda: self.xdotool("search", "--class", panel), f"{panel} shows no window")
+        wait_until(lambda: self.xdotool("search", "--onlyvisible", "--class", panel), f"{panel} shows no window")
 
     # The application
 

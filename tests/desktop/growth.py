@@ -36,6 +36,10 @@ def move_slider(desktop, count):
     for _ in range(count // WARM_UP):
         desktop.drag((x + width - 10, y + 10), *((x + step * 53 % width, y + 10) for step in range(1, WARM_UP)),
                      (x + width, y + 10))
+    desktop.drag((x + width - 10, y + 10), (x, y + 10))
+    wait_until(lambda: screen_reader.value("slider", "Color temperature") == 1000, "the slider was not held")
+    desktop.tool("set", "6500")
+    wait_until(lambda: screen_reader.value("slider", "Color temperature") == 6500, "the slider does not follow")
     desktop.key("Escape")
     wait_until(lambda: window_count() == 0, "the panel stays")
 
