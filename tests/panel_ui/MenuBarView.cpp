@@ -120,7 +120,7 @@ void MenuBarViewTest::standsBesideThePanelThatWasClicked_data()
     QTest::newRow("second screen") << QPoint(1930, 12) << QRect(1920, 0, 800, 600) << QRect(1920, 24, 800, 576)
                                    << QPoint(1924, 28);
     QTest::newRow("screen too small") << QPoint(100, 12) << QRect(0, 0, 200, 150) << QRect(0, 24, 200, 126)
-                                      << QPoint(4, 28);
+                                      << QPoint(0, 24);
 }
 
 void MenuBarViewTest::standsBesideThePanelThatWasClicked()
