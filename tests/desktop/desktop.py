@@ -16,6 +16,8 @@ import sys
 import tempfile
 import time
 
+from gi.repository import GLib
+
 HERE = pathlib.Path(__file__).resolve().parent
 PANELS = HERE / "panels"
 SERVICES = ("org.a11y.Bus.service", "org.xfce.Xfconf.service")
@@ -28,7 +30,10 @@ def wait_until(condition, what, seconds=20):
     """Returns the first true value of `condition`."""
     deadline = time.monotonic() + seconds
     while time.monotonic() < deadline:
-        value = condition()
+        try:
+            value = condition()
+        except GLib.Error:
+            value = None  # an accessible element went while it was looked at
         if value:
             return value
         time.sleep(0.02)
