@@ -116,7 +116,7 @@ void ScheduleEntryRow::paintEvent(QPaintEvent *)
     const QRectF highlight = QRectF(rect()).adjusted(highlightInset, highlightInset, -highlightInset, -highlightInset);
     if (underMouse())
         fillRounded(painter, highlight, highlightRadius, theme.hover);
-    const int size = qRound(symbolSize * textScale());
+    const int size = qMin(statusWidth, qRound(symbolSize * textScale()));
     const QRect status(paddingX + (statusWidth - size) / 2, (height() - size) / 2, size, size);
     drawSymbol(painter, style()->visualRect(layoutDirection(), rect(), status),
                m_isActive ? symbols::checkmarkCircleFill : symbols::clock,
