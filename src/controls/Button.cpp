@@ -19,27 +19,26 @@ constexpr double disabledOpacity = 0.45;
 constexpr int rowSymbolSize = 14;
 constexpr int rowSymbolGap = 6;
 
-void prepare(QPushButton &button)
-{
-    button.setAutoDefault(true);
-    button.setAttribute(Qt::WA_Hover);
-    button.setFont(textFont(TextStyle::Body));
-}
-
-/// To be called with every event.
-void followFont(QPushButton &button, const QEvent &event)
-{
-    if (event.type() == QEvent::ApplicationFontChange) {
-        button.setFont(textFont(TextStyle::Body));
-        button.updateGeometry();
-    }
-}
-
 } // namespace
 
-Button::Button(const QString &text, Kind kind) : QPushButton(text), m_kind(kind)
+PushControl::PushControl(const QString &text) : QPushButton(text)
 {
-    prepare(*this);
+    setAutoDefault(true);
+    setAttribute(Qt::WA_Hover);
+    setFont(textFont(TextStyle::Body));
+}
+
+bool PushControl::event(QEvent *event)
+{
+    if (event->type() == QEvent::ApplicationFontChange) {
+        setFont(textFont(TextStyle::Body));
+        updateGeometry();
+    }
+    return QPushButton::event(event);
+}
+
+Button::Button(const QString &text, Kind kind) : PushControl(text), m_kind(kind)
+{
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
@@ -48,12 +47,6 @@ QSize Button::sizeHint() const
     const QFontMetrics metrics(font());
     return {metrics.horizontalAdvance(text()) + 2 * (buttonPaddingX + ringGap),
             metrics.height() + 2 * (buttonPaddingY + ringGap)};
-}
-
-bool Button::event(QEvent *event)
-{
-    followFont(*this, *event);
-    return QPushButton::event(event);
 }
 
 void Button::paintEvent(QPaintEvent *)
@@ -78,7 +71,6 @@ void Button::paintEvent(QPaintEvent *)
 
 IconButton::IconButton(const Look &look, const QString &name) : m_look(look)
 {
-    prepare(*this);
     setAccessibleName(name);
     setToolTip(name);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -88,12 +80,6 @@ QSize IconButton::sizeHint() const
 {
     const int side = qRound(m_look.symbolSize * textScale()) + 2 * m_look.padding;
     return {side, side};
-}
-
-bool IconButton::event(QEvent *event)
-{
-    followFont(*this, *event);
-    return QPushButton::event(event);
 }
 
 void IconButton::paintEvent(QPaintEvent *)
@@ -111,9 +97,8 @@ void IconButton::paintEvent(QPaintEvent *)
         drawFocusRing(painter, rect(), cornerRadius, theme.accent);
 }
 
-RowButton::RowButton(const QString &text, const Look &look) : QPushButton(text), m_look(look)
+RowButton::RowButton(const QString &text, const Look &look) : PushControl(text), m_look(look)
 {
-    prepare(*this);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -123,12 +108,6 @@ QSize RowButton::sizeHint() const
     const int symbol = m_look.symbol ? qRound(rowSymbolSize * textScale()) + rowSymbolGap : 0;
     return {metrics.horizontalAdvance(text()) + symbol + 2 * m_look.horizontalPadding,
             metrics.height() + 2 * m_look.verticalPadding};
-}
-
-bool RowButton::event(QEvent *event)
-{
-    followFont(*this, *event);
-    return QPushButton::event(event);
 }
 
 void RowButton::paintEvent(QPaintEvent *)
