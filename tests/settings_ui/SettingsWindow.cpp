@@ -182,6 +182,21 @@ private Q_SLOTS:
         QVERIFY(bench.window->height() >= 300);
     }
 
+    void nothingIsCutAtLargeText()
+    {
+        const QFont font = QApplication::font();
+        QFont larger = font;
+        larger.setPointSize(32);
+        QApplication::setFont(larger);
+        Bench bench;
+        bench.open();
+        for (const auto *control : bench.window->findChildren<QWidget *>()) {
+            const int left = control->mapTo(bench.window, QPoint()).x();
+            QVERIFY(!control->isVisible() || (left >= 0 && left + control->width() <= bench.window->width()));
+        }
+        QApplication::setFont(font);
+    }
+
     void tellsWhatTheBundleSays_data()
     {
         QTest::addColumn<QString>("version");
