@@ -40,7 +40,7 @@
     </message>
     <message>
         <source>Control Ambertide from Terminal</source>
-        <translation>Ambertide im Terminal steuern</translation>
+        <translation>Ambertide vom Terminal aus steuern</translation>
     </message>
     <message>
         <source>Uninstall</source>
@@ -240,7 +240,7 @@
     </message>
     <message>
         <source>No schedule entries. Add one to get started.</source>
-        <translation>Noch keine Einträge. Los geht es mit dem ersten.</translation>
+        <translation>Noch keine Einträge. Zum Loslegen einen Eintrag hinzufügen.</translation>
     </message>
     <message>
         <source>Add Schedule Entry</source>
@@ -300,7 +300,7 @@
     <name>ambertide::UpdateFailure</name>
     <message>
         <source>This build of Ambertide cannot check for updates: it was made without the address or the key of an update feed. Update it the way it was installed.</source>
-        <translation>Diese Ausgabe von Ambertide kann nicht nach Updates suchen, denn ihr fehlt die Adresse oder der Schlüssel der Update-Quelle. Bitte auf dem Weg aktualisieren, auf dem Ambertide installiert wurde.</translation>
+        <translation>Diese Version von Ambertide kann nicht nach Updates suchen, denn ihr fehlt die Adresse oder der Schlüssel der Update-Quelle. Bitte auf demselben Weg aktualisieren, auf dem Ambertide installiert wurde.</translation>
     </message>
     <message>
         <source>The update would have come over a connection that is not secure, so it was not loaded. Download the new version from the Ambertide web page instead.</source>
@@ -320,7 +320,7 @@
     </message>
     <message>
         <source>The update server sent more than an update can be, so it was not loaded. Try again later.</source>
-        <translation>Der Update-Server hat mehr gesendet, als ein Update groß sein kann. Das Update wurde deshalb nicht geladen. Bitte später erneut versuchen.</translation>
+        <translation>Der Update-Server hat mehr Daten gesendet, als ein Update umfassen kann. Das Update wurde deshalb nicht geladen. Bitte später erneut versuchen.</translation>
     </message>
     <message>
         <source>The download is not as long as it should be. Try again.</source>

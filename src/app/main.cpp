@@ -172,11 +172,13 @@ int main(int argc, char *argv[])
         return std::make_unique<DesktopTrayIcon>(sessionBus, mainBundle.path() / "Contents/Resources/icons",
                                                  std::move(callbacks));
     };
+    // QCoreApplication::quit() would ask the windows, and the one of an update under way says no.
+    const auto quit = [] { QCoreApplication::exit(); };
     scenes.emplace(AppScenes::Ports{
         ambertide->viewModel(), ambertide->updater(), executor, appearance, haptics, placement, createTrayIcon,
         SettingsView::Ports{CLIInstaller::shared(), LaunchHelper::shared(), mainBundle, createUpdaterController,
                             userDefaults, ambertide->notifications(), calendar, loginItem, installerExecutor},
-        [] { QCoreApplication::quit(); }});
+        quit});
 
     DBusApplicationObject busObject(sessionBus, [&](const std::string &activationToken) {
         // The toolkit takes the token from there when a window asks to be active.
@@ -184,7 +186,7 @@ int main(int argc, char *argv[])
             qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
         scenes->activate();
     });
-    busObject.setAction("quit", [](const std::string &) { QCoreApplication::quit(); });
+    busObject.setAction("quit", [quit](const std::string &) { quit(); });
     busObject.setAction("settings", [&](const std::string &) { scenes->showSettings(); });
     busObject.setAction("check-for-updates", [&](const std::string &) { ambertide->updater().checkForUpdates(); });
     const auto perform = [&](ColorTemperature preset) {

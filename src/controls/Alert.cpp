@@ -35,13 +35,13 @@ Sheet *showAlert(QWidget &host, const QString &title, const QString &message, co
 {
     const QString shown = message.size() > longestMessage ? message.left(longestMessage) + QChar(0x2026) : message;
     auto *text = new TextLabel(breakable(shown));
-    text->setWordWrap(true);
     auto *dismiss = new Button(button, Button::Kind::Prominent);
     auto *content = new QWidget;
     auto *column = new QVBoxLayout(content);
     column->setContentsMargins(padding, padding, padding, padding);
     column->setSpacing(gap);
     for (auto *label : {new TextLabel(title, TextStyle::Headline), text}) {
+        label->setWordWrap(true);
         label->setAlignment(Qt::AlignHCenter);
         column->addWidget(label);
     }

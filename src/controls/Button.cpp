@@ -13,33 +13,29 @@ namespace {
 
 constexpr int buttonPaddingX = 12;
 constexpr int buttonPaddingY = 5;
-constexpr double cornerRadius = 6;
-constexpr double hoveredRowOpacity = 0.9;
-constexpr double disabledOpacity = 0.45;
 constexpr int rowSymbolSize = 14;
 constexpr int rowSymbolGap = 6;
 
-void prepare(QPushButton &button)
-{
-    button.setAutoDefault(true);
-    button.setAttribute(Qt::WA_Hover);
-    button.setFont(textFont(TextStyle::Body));
-}
-
-/// To be called with every event.
-void followFont(QPushButton &button, const QEvent &event)
-{
-    if (event.type() == QEvent::ApplicationFontChange) {
-        button.setFont(textFont(TextStyle::Body));
-        button.updateGeometry();
-    }
-}
-
 } // namespace
 
-Button::Button(const QString &text, Kind kind) : QPushButton(text), m_kind(kind)
+PushControl::PushControl(const QString &text) : QPushButton(text)
 {
-    prepare(*this);
+    setAutoDefault(true);
+    setAttribute(Qt::WA_Hover);
+    setFont(textFont(TextStyle::Body));
+}
+
+bool PushControl::event(QEvent *event)
+{
+    if (event->type() == QEvent::ApplicationFontChange) {
+        setFont(textFont(TextStyle::Body));
+        updateGeometry();
+    }
+    return QPushButton::event(event);
+}
+
+Button::Button(const QString &text, Kind kind) : PushControl(text), m_kind(kind)
+{
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
@@ -50,12 +46,6 @@ QSize Button::sizeHint() const
             metrics.height() + 2 * (buttonPaddingY + ringGap)};
 }
 
-bool Button::event(QEvent *event)
-{
-    followFont(*this, *event);
-    return QPushButton::event(event);
-}
-
 void Button::paintEvent(QPaintEvent *)
 {
     const auto theme = Theme::of(palette());
@@ -63,22 +53,21 @@ void Button::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
     const QRectF shape = QRectF(rect()).adjusted(ringGap, ringGap, -ringGap, -ringGap);
-    fillRounded(painter, shape, cornerRadius, isProminent ? theme.accent : theme.button);
+    fillRounded(painter, shape, controlRadius, isProminent ? theme.accent : theme.button);
     if (!isProminent || theme.isHighContrast)
-        strokeRounded(painter, shape, cornerRadius, theme.buttonOutline);
+        strokeRounded(painter, shape, controlRadius, theme.buttonOutline);
     if (isDown())
-        fillRounded(painter, shape, cornerRadius, QColor(0, 0, 0, 40));
+        fillRounded(painter, shape, controlRadius, QColor(0, 0, 0, 40));
     else if (underMouse() && isEnabled())
-        fillRounded(painter, shape, cornerRadius, isProminent ? QColor(0, 0, 0, 20) : theme.hover);
+        fillRounded(painter, shape, controlRadius, isProminent ? QColor(0, 0, 0, 20) : theme.hover);
     painter.setPen(isProminent ? theme.onAccent : theme.text);
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextShowMnemonic, text());
     if (showsFocusRing(*this))
-        drawFocusRing(painter, rect(), cornerRadius + ringGap, isProminent ? theme.text : theme.accent);
+        drawFocusRing(painter, rect(), controlRadius + ringGap, isProminent ? theme.text : theme.accent);
 }
 
 IconButton::IconButton(const Look &look, const QString &name) : m_look(look)
 {
-    prepare(*this);
     setAccessibleName(name);
     setToolTip(name);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -90,12 +79,6 @@ QSize IconButton::sizeHint() const
     return {side, side};
 }
 
-bool IconButton::event(QEvent *event)
-{
-    followFont(*this, *event);
-    return QPushButton::event(event);
-}
-
 void IconButton::paintEvent(QPaintEvent *)
 {
     const auto theme = Theme::of(palette());
@@ -103,17 +86,16 @@ void IconButton::paintEvent(QPaintEvent *)
     painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
     const bool isHovered = underMouse() && isEnabled();
     if (isHovered)
-        fillRounded(painter, rect(), cornerRadius, theme.hover);
+        fillRounded(painter, rect(), controlRadius, theme.hover);
     const double size = width() - 2.0 * m_look.padding;
     const QRectF square(m_look.padding, (height() - size) / 2, size, size);
     drawSymbol(painter, square, m_look.symbol, theme.*(isHovered && m_look.hoverInk ? *m_look.hoverInk : m_look.ink));
     if (showsFocusRing(*this))
-        drawFocusRing(painter, rect(), cornerRadius, theme.accent);
+        drawFocusRing(painter, rect(), controlRadius, theme.accent);
 }
 
-RowButton::RowButton(const QString &text, const Look &look) : QPushButton(text), m_look(look)
+RowButton::RowButton(const QString &text, const Look &look) : PushControl(text), m_look(look)
 {
-    prepare(*this);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -125,12 +107,6 @@ QSize RowButton::sizeHint() const
             metrics.height() + 2 * m_look.verticalPadding};
 }
 
-bool RowButton::event(QEvent *event)
-{
-    followFont(*this, *event);
-    return QPushButton::event(event);
-}
-
 void RowButton::paintEvent(QPaintEvent *)
 {
     const auto theme = Theme::of(palette());
@@ -140,7 +116,7 @@ void RowButton::paintEvent(QPaintEvent *)
     const int inset = m_look.highlightInset;
     const QRect highlight = rect().adjusted(inset, inset, -inset, -inset);
     if (isHovered)
-        fillRounded(painter, highlight, cornerRadius, theme.hover);
+        fillRounded(painter, highlight, controlRadius, theme.hover);
     const QColor ink = theme.*(isHovered ? m_look.hoverInk : m_look.ink);
     QRect line = rect().adjusted(m_look.horizontalPadding, 0, -m_look.horizontalPadding, 0);
     if (m_look.symbol) {
@@ -154,7 +130,7 @@ void RowButton::paintEvent(QPaintEvent *)
                      static_cast<int>(style()->visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter)),
                      text());
     if (showsFocusRing(*this))
-        drawFocusRing(painter, highlight, cornerRadius, theme.accent);
+        drawFocusRing(painter, highlight, controlRadius, theme.accent);
 }
 
 } // namespace ambertide

@@ -8,8 +8,19 @@
 
 namespace ambertide {
 
-/// A push button. Return presses it as Space does.
-class Button final : public QPushButton
+/// What all buttons have in common: Return presses them as Space does, and their text grows with the user's.
+class PushControl : public QPushButton
+{
+    Q_OBJECT
+
+protected:
+    explicit PushControl(const QString &text = {});
+
+    bool event(QEvent *event) override;
+};
+
+/// A push button.
+class Button final : public PushControl
 {
     Q_OBJECT
 
@@ -23,7 +34,6 @@ public:
     QSize sizeHint() const override;
 
 protected:
-    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
@@ -31,7 +41,7 @@ private:
 };
 
 /// A symbol that can be pressed, without a frame. Its name is what a screen reader and the tool tip say.
-class IconButton final : public QPushButton
+class IconButton final : public PushControl
 {
     Q_OBJECT
 
@@ -52,7 +62,6 @@ public:
     QSize sizeHint() const override;
 
 protected:
-    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
@@ -60,7 +69,7 @@ private:
 };
 
 /// A whole row that can be pressed, with text and maybe a symbol before it; highlighted under the pointer.
-class RowButton final : public QPushButton
+class RowButton final : public PushControl
 {
     Q_OBJECT
 
@@ -81,7 +90,6 @@ public:
     QSize sizeHint() const override;
 
 protected:
-    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

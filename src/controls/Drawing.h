@@ -8,6 +8,11 @@ class QWidget;
 
 namespace ambertide {
 
+/// Corners of buttons, fields and highlighted rows, in logical pixels.
+inline constexpr double controlRadius = 6;
+inline constexpr double hoveredRowOpacity = 0.9;
+inline constexpr double disabledOpacity = 0.45;
+
 /// Whether a control has the focus and the keyboard is what its window is used with.
 bool showsFocusRing(const QWidget &control);
 /// Two pixels wide, just inside `outline`.

@@ -4,9 +4,9 @@
 
 namespace ambertide {
 
-/// The style under the controls: Fusion, with their sizes, slim scroll bars
-/// and the wish for less motion. It also has every control hear of a change of the application's font or palette, of
-/// which Qt tells windows alone. QApplication takes it over.
+/// The style under the controls: Fusion, with their sizes, slim scroll bars and the wish for less motion. It also has
+/// every control hear of a change of the application's font or palette, of which Qt tells windows alone. QApplication
+/// takes it over.
 class HouseStyle final : public QProxyStyle
 {
     Q_OBJECT

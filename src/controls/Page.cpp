@@ -35,6 +35,11 @@ int Page::idealHeight(int width) const
     return qMax(height, layout->totalMinimumSize().height());
 }
 
+QSize Page::minimumSizeHint() const
+{
+    return {widget()->minimumSizeHint().width(), QScrollArea::minimumSizeHint().height()};
+}
+
 bool Page::eventFilter(QObject *watched, QEvent *event)
 {
     const bool isEaten = QScrollArea::eventFilter(watched, event);

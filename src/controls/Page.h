@@ -4,8 +4,8 @@
 
 namespace ambertide {
 
-/// Shows a content that may be taller than there is room, and then scrolls it. Has no surface of its own. What takes
-/// the focus is scrolled into view.
+/// Shows a content that may be taller than there is room, and then scrolls it; it is never narrower than its content.
+/// Has no surface of its own. What takes the focus is scrolled into view.
 class Page final : public QScrollArea
 {
     Q_OBJECT
@@ -17,6 +17,7 @@ public:
 
     /// In logical pixels: how high the page has to be for nothing to be scrolled, at this width.
     int idealHeight(int width) const;
+    QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
     void idealHeightChanged();

@@ -45,7 +45,7 @@ void Sheet::dismiss()
 
 QSize Sheet::surfaceSize() const
 {
-    const int width = qMax(m_smallest.width(), m_surface.widget()->minimumSizeHint().width());
+    const int width = qMax(m_smallest.width(), m_surface.minimumSizeHint().width());
     return {width, qMax(m_smallest.height(), m_surface.idealHeight(width))};
 }
 

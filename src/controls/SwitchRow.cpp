@@ -23,9 +23,6 @@ constexpr int menuPaddingY = 6;
 constexpr int formPaddingX = 14;
 constexpr int formPaddingY = 10;
 constexpr int inlinePadding = 4;
-constexpr double cornerRadius = 6;
-constexpr double hoveredOpacity = 0.9;
-constexpr double disabledOpacity = 0.45;
 constexpr int throwDuration = 140; // ms
 
 QMargins padding(SwitchRow::Kind kind)
@@ -114,9 +111,9 @@ void SwitchRow::paintEvent(QPaintEvent *)
     const auto theme = Theme::of(palette());
     QPainter painter(this);
     const bool isHighlighted = m_kind == Kind::Menu && underMouse() && isEnabled();
-    painter.setOpacity(!isEnabled() ? disabledOpacity : isHighlighted ? hoveredOpacity : 1);
+    painter.setOpacity(!isEnabled() ? disabledOpacity : isHighlighted ? hoveredRowOpacity : 1);
     if (isHighlighted)
-        fillRounded(painter, rect(), cornerRadius, theme.hover);
+        fillRounded(painter, rect(), controlRadius, theme.hover);
 
     const QRect line = rect().marginsRemoved(padding(m_kind));
     const QRect place(line.right() + 1 - switchWidth, line.center().y() + 1 - switchHeight / 2, switchWidth,
@@ -139,7 +136,7 @@ void SwitchRow::paintEvent(QPaintEvent *)
                      static_cast<int>(style()->visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter)),
                      text());
     if (showsFocusRing(*this))
-        drawFocusRing(painter, m_kind == Kind::Form ? rect().adjusted(4, 3, -4, -3) : rect(), cornerRadius,
+        drawFocusRing(painter, m_kind == Kind::Form ? rect().adjusted(4, 3, -4, -3) : rect(), controlRadius,
                       theme.accent);
 }
 

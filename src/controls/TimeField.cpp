@@ -15,7 +15,6 @@ namespace ambertide {
 
 namespace {
 
-constexpr double cornerRadius = 6;
 constexpr int paddingX = 8;
 constexpr int paddingY = 3;
 constexpr int chevronSize = 9;
@@ -89,10 +88,10 @@ void TimeField::paintEvent(QPaintEvent *)
 {
     const auto theme = Theme::of(palette());
     QPainter painter(this);
-    fillRounded(painter, rect(), cornerRadius, theme.button);
-    strokeRounded(painter, rect(), cornerRadius, theme.buttonOutline);
+    fillRounded(painter, rect(), controlRadius, theme.button);
+    strokeRounded(painter, rect(), controlRadius, theme.buttonOutline);
     if (m_edit->hasFocus())
-        drawFocusRing(painter, rect(), cornerRadius, theme.accent);
+        drawFocusRing(painter, rect(), controlRadius, theme.accent);
 }
 
 } // namespace ambertide

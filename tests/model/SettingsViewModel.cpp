@@ -1,14 +1,8 @@
 #include "model/SettingsViewModel.h"
 
-#include "model/DefaultsKeys.h"
 #include "model/Notifications.h"
 #include "support/CapturedConsole.h"
-#include "support/FakeCalendar.h"
-#include "support/FakeDisplayServices.h"
-#include "support/FakeDistributedNotificationCenter.h"
-#include "support/FakeSystemWake.h"
-#include "support/FakeTaskExecutor.h"
-#include "support/FakeUserDefaults.h"
+#include "support/ModelBench.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -41,18 +35,13 @@ class SettingsViewModelTest : public QObject
     Q_OBJECT
 
     /// Both models with everything that they work on.
-    struct Bench
+    struct Bench : ModelBench
     {
-        FakeDisplayServices displays;
-        FakeSystemWake wake;
-        FakeUserDefaults userDefaults;
-        NotificationCenter notifications;
-        FakeDistributedNotificationCenter distributed;
-        FakeCalendar calendar;
+        Bench() : ModelBench(AppViewModel::neutralTemperature) {}
+
         EnabledLoginItem loginItem;
-        FakeTaskExecutor executor;
         CapturedConsole console;
-        AppViewModel application{{displays, executor, wake, userDefaults, notifications, distributed, calendar}};
+        AppViewModel &application = *ModelBench::model;
         SettingsViewModel model{application, {userDefaults, notifications, calendar, loginItem}};
         QSignalSpy changes{&model, &SettingsViewModel::changed};
         int checks = 0;

@@ -6,16 +6,10 @@
 #include "controls/ValueSlider.h"
 #include "integration/CLIInstaller.h"
 #include "integration/LaunchHelper.h"
-#include "model/DefaultsKeys.h"
 #include "platform/PrivilegedRunner.h"
 #include "support/CapturedConsole.h"
-#include "support/FakeCalendar.h"
-#include "support/FakeDisplayServices.h"
-#include "support/FakeDistributedNotificationCenter.h"
 #include "support/FakeMainBundle.h"
-#include "support/FakeSystemWake.h"
-#include "support/FakeTaskExecutor.h"
-#include "support/FakeUserDefaults.h"
+#include "support/ModelBench.h"
 #include "ui/settings/ScheduleEntryRow.h"
 #include "ui/settings/SettingsView.h"
 
@@ -63,16 +57,9 @@ struct FakeUpdaterController final : UpdaterController
 };
 
 /// An open Settings window with everything that it works on.
-struct Bench
+struct Bench : ModelBench
 {
     QTemporaryDir folder;
-    FakeDisplayServices displays;
-    FakeSystemWake wake;
-    FakeUserDefaults userDefaults;
-    NotificationCenter notifications;
-    FakeDistributedNotificationCenter distributed;
-    FakeCalendar calendar;
-    FakeTaskExecutor executor;
     FakeTaskExecutor installerExecutor;
     FakePrivilegedRunner runner;
     FakeLoginItem loginItem;
@@ -82,10 +69,9 @@ struct Bench
     fs::path link = bundle.bundlePath / "link";
     CLIInstaller installer = CLIInstaller(bundle, runner, link);
     LaunchHelper launchHelper = LaunchHelper(loginItem);
-    AppViewModel model = AppViewModel({displays, executor, wake, userDefaults, notifications, distributed, calendar});
     QPointer<SettingsView> window;
 
-    Bench()
+    Bench() : ModelBench(AppViewModel::neutralTemperature)
     {
         const auto tool = bundle.bundlePath / "Contents/MacOS/AmbertideCLI";
         fs::create_directories(tool.parent_path());
@@ -95,9 +81,9 @@ struct Bench
 
     void open()
     {
-        window = new SettingsView(model, {installer, launchHelper, bundle,
-                                          [this] { return std::make_unique<FakeUpdaterController>(updaterCalls); },
-                                          userDefaults, notifications, calendar, loginItem, installerExecutor});
+        window = new SettingsView(*model, {installer, launchHelper, bundle,
+                                           [this] { return std::make_unique<FakeUpdaterController>(updaterCalls); },
+                                           userDefaults, notifications, calendar, loginItem, installerExecutor});
         window->show();
         QVERIFY(QTest::qWaitForWindowActive(window));
     }
@@ -194,6 +180,21 @@ private Q_SLOTS:
                                             "Automatically check for updates|Install"));
         QCOMPARE(bench.window->width(), 600);
         QVERIFY(bench.window->height() >= 300);
+    }
+
+    void nothingIsCutAtLargeText()
+    {
+        const QFont font = QApplication::font();
+        QFont larger = font;
+        larger.setPointSize(32);
+        QApplication::setFont(larger);
+        Bench bench;
+        bench.open();
+        for (const auto *control : bench.window->findChildren<QWidget *>()) {
+            const int left = control->mapTo(bench.window, QPoint()).x();
+            QVERIFY(!control->isVisible() || (left >= 0 && left + control->width() <= bench.window->width()));
+        }
+        QApplication::setFont(font);
     }
 
     void tellsWhatTheBundleSays_data()

@@ -1,3 +1,4 @@
+#include "controls/HouseStyle.h"
 #include "update/UpdateFixture.h"
 #include "update/ui/UpdateWindow.h"
 
@@ -124,6 +125,7 @@ private Q_SLOTS:
 
     void thePageGrowsWithTheFont()
     {
+        QApplication::setStyle(new HouseStyle); // which tells the controls
         UpdateFixture fixture;
         const auto updates = service(fixture);
         updates->check(Origin::Manual);

@@ -92,10 +92,9 @@ QWidget *MenuBarView::header()
     auto *row = new QWidget;
     auto *layout = new QHBoxLayout(row);
     layout->setContentsMargins(headerPadding, headerPadding, headerPadding, 0);
-    layout->setSpacing(defaultSpacing);
+    layout->setSpacing(0);
     layout->addSpacing(titlePadding);
     layout->addWidget(new TextLabel(QStringLiteral("Ambertide"), TextStyle::Title3));
-    layout->setSpacing(0);
     layout->addStretch();
     auto *gear = new IconButton({.symbol = symbols::gearshape, .symbolSize = gearSize, .hoverInk = &Theme::text},
                                 tr("Settings"));

@@ -15,6 +15,7 @@ constexpr int paddingX = 14;
 constexpr int paddingY = 10;
 constexpr int lineGap = 2;
 constexpr int usageGap = 4;
+constexpr int buttonGap = 8;
 constexpr int spinnerPaddingX = 8;
 
 TextLabel *caption(const QString &text)
@@ -47,6 +48,7 @@ CommandLineToolView::CommandLineToolView()
     head->setSpacing(0);
     head->addSpacing(paddingX);
     head->addLayout(title, 1);
+    head->addSpacing(buttonGap);
     head->addWidget(m_button);
     head->addWidget(m_spinner);
     head->addSpacing(paddingX - Button::ringGap);

@@ -23,7 +23,6 @@ constexpr int symbolSize = 16;
 constexpr int buttonPadding = 6; // around each symbol, so that two stand 12 apart
 constexpr int disabledPadding = 8;
 constexpr int highlightInset = 4;
-constexpr double highlightRadius = 6;
 
 TextLabel *label(TextStyle style, TextLabel::Ink ink = &Theme::secondaryText)
 {
@@ -115,14 +114,14 @@ void ScheduleEntryRow::paintEvent(QPaintEvent *)
     QPainter painter(this);
     const QRectF highlight = QRectF(rect()).adjusted(highlightInset, highlightInset, -highlightInset, -highlightInset);
     if (underMouse())
-        fillRounded(painter, highlight, highlightRadius, theme.hover);
-    const int size = qRound(symbolSize * textScale());
+        fillRounded(painter, highlight, controlRadius, theme.hover);
+    const int size = qMin(statusWidth, qRound(symbolSize * textScale()));
     const QRect status(paddingX + (statusWidth - size) / 2, (height() - size) / 2, size, size);
     drawSymbol(painter, style()->visualRect(layoutDirection(), rect(), status),
                m_isActive ? symbols::checkmarkCircleFill : symbols::clock,
                m_isActive ? theme.green : theme.accentOnHover, theme.card);
     if (showsFocusRing(*this))
-        drawFocusRing(painter, highlight, highlightRadius, theme.accent);
+        drawFocusRing(painter, highlight, controlRadius, theme.accent);
 }
 
 } // namespace ambertide

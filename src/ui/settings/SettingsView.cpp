@@ -101,19 +101,20 @@ void SettingsView::moveEvent(QMoveEvent *) { fit(); }
 
 void SettingsView::fit()
 {
-    const auto margins = layout()->contentsMargins();
-    const auto *page = static_cast<const Page *>(m_pages->currentWidget());
-    int wanted = margins.top() + m_tabs->sizeHint().height() + layout()->spacing() + page->idealHeight(windowWidth);
+    const QRect available = screen()->availableGeometry();
+    const QSize room = available.size() - (frameGeometry().size() - size());
+    QSize wanted(std::max(windowWidth, layout()->minimumSize().width()), smallestHeight);
     for (const auto *sheet : findChildren<Sheet *>(Qt::FindDirectChildrenOnly)) {
         if (!sheet->isHidden())
-            wanted = std::max(wanted, sheet->neededSize().height());
+            wanted = wanted.expandedTo(sheet->neededSize());
     }
-    const QRect available = screen()->availableGeometry();
-    const int frame = frameGeometry().height() - height();
-    const int fitting = std::min(std::max(wanted, smallestHeight), available.height() - frame);
-    if (fitting == height() && width() == windowWidth)
+    const auto *page = static_cast<const Page *>(m_pages->currentWidget());
+    const int height = layout()->contentsMargins().top() + m_tabs->sizeHint().height() + layout()->spacing() +
+                       page->idealHeight(std::min(wanted.width(), room.width()));
+    const QSize fitting = wanted.expandedTo({0, height}).boundedTo(room);
+    if (fitting == size())
         return;
-    setFixedSize(windowWidth, fitting);
+    setFixedSize(fitting);
     const int beyond = frameGeometry().bottom() - available.bottom();
     if (isVisible() && beyond > 0)
         move(x(), std::max(available.top(), y() - beyond));

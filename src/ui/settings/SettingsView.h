@@ -19,8 +19,8 @@ class MainBundle;
 class Page;
 
 /// The Settings window with its two tabs, and the model behind them. Main thread. It opens on General, in front, as
-/// high as its tab needs and the screen allows. Closing deletes it, whatever is under way in it: its owner makes one
-/// each time that the user asks for it, and holds it in a QPointer.
+/// high as its tab needs and the screen allows; wider than usual for large text alone. Closing deletes it, whatever is
+/// under way in it: its owner makes one each time that the user asks for it, and holds it in a QPointer.
 class SettingsView final : public QWidget
 {
     Q_OBJECT

@@ -1,6 +1,5 @@
 #include "update/ui/UpdateWindow.h"
 
-#include "controls/ApplicationIcon.h"
 #include "controls/Button.h"
 #include "controls/Card.h"
 #include "controls/ProgressBar.h"
@@ -9,7 +8,6 @@
 #include "update/ui/UpdateFailureText.h"
 #include "update/ui/UpdatePage.h"
 
-#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QEvent>
 #include <QLocale>
@@ -46,7 +44,6 @@ UpdateWindow::UpdateWindow(UpdateSession &session, std::function<void()> relaunc
     : m_session(session), m_relaunch(std::move(relaunch))
 {
     setWindowTitle(tr("Software Update"));
-    setWindowIcon(applicationIcon());
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetNoConstraint);
@@ -95,11 +92,6 @@ void UpdateWindow::fit()
 bool UpdateWindow::event(QEvent *event)
 {
     const bool isHandled = QDialog::event(event);
-    if (event->type() == QEvent::ApplicationFontChange) {
-        // Qt tells the windows alone.
-        for (auto *widget : findChildren<QWidget *>())
-            QCoreApplication::sendEvent(widget, event);
-    }
     if (event->type() == QEvent::LayoutRequest && m_page != nullptr)
         fit();
     return isHandled;
