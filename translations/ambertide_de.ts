@@ -25,6 +25,29 @@
     </message>
 </context>
 <context>
+    <name>ambertide::CLIInstaller</name>
+    <message>
+        <source>Unknown error</source>
+        <translation>Unbekannter Fehler</translation>
+    </message>
+    <message>
+        <source>Failed to install the CLI tool: %1</source>
+        <translation>Das Befehlszeilenwerkzeug konnte nicht installiert werden: %1</translation>
+    </message>
+    <message>
+        <source>Failed to uninstall the CLI tool: %1</source>
+        <translation>Das Befehlszeilenwerkzeug konnte nicht entfernt werden: %1</translation>
+    </message>
+    <message>
+        <source>Could not find CLI executable in app bundle</source>
+        <translation>Das Befehlszeilenwerkzeug fehlt im Programmordner von Ambertide</translation>
+    </message>
+    <message>
+        <source>Failed to create installation script</source>
+        <translation>Das Installationsskript konnte nicht erstellt werden</translation>
+    </message>
+</context>
+<context>
     <name>ambertide::CommandLineToolView</name>
     <message>
         <source>Waiting for the system</source>
@@ -141,6 +164,37 @@
     </message>
 </context>
 <context>
+    <name>ambertide::PrivilegedRunner</name>
+    <message>
+        <source>the request for administrator rights was cancelled</source>
+        <translation>Die Anfrage nach Administratorrechten wurde abgebrochen</translation>
+    </message>
+    <message>
+        <source>administrator rights were not granted</source>
+        <translation>Administratorrechte wurden nicht erteilt</translation>
+    </message>
+    <message>
+        <source>nothing in this session can ask for an administrator&apos;s password (no polkit authentication agent is running)</source>
+        <translation>In dieser Sitzung kann nichts nach einem Administratorpasswort fragen (es läuft kein Authentifizierungsagent von polkit)</translation>
+    </message>
+    <message>
+        <source>the service that grants administrator rights (polkit) cannot be reached</source>
+        <translation>Der Dienst, der Administratorrechte erteilt (polkit), ist nicht erreichbar</translation>
+    </message>
+    <message>
+        <source>the service that grants administrator rights (polkit) gave no answer</source>
+        <translation>Der Dienst, der Administratorrechte erteilt (polkit), hat nicht geantwortet</translation>
+    </message>
+    <message>
+        <source>pkexec, which asks for administrator rights, is not set up to do so on this system</source>
+        <translation>pkexec, das Administratorrechte anfordert, ist auf diesem System nicht dafür eingerichtet</translation>
+    </message>
+    <message>
+        <source>pkexec, which asks for administrator rights, is not installed</source>
+        <translation>pkexec, das Administratorrechte anfordert, ist nicht installiert</translation>
+    </message>
+</context>
+<context>
     <name>ambertide::ReleaseNotesView</name>
     <message>
         <source>Release Notes</source>
@@ -159,7 +213,7 @@
     </message>
     <message>
         <source>%1K</source>
-        <translation>%1 K</translation>
+        <translation>%1&#xa0;K</translation>
     </message>
 </context>
 <context>

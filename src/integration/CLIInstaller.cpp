@@ -3,6 +3,8 @@
 #include "platform/MainBundle.h"
 #include "platform/PrivilegedRunner.h"
 
+#include <QCoreApplication>
+
 #include <cassert>
 #include <system_error>
 #include <utility>
@@ -15,20 +17,27 @@ using CLIError = CLIInstaller::CLIError;
 
 CLIInstaller *sharedInstaller = nullptr;
 
-std::string describe(CLIError::Case code, const std::string &message)
+struct Texts
 {
-    switch (code) {
-    case CLIError::Case::InstallationFailed:
-        return "Failed to install the CLI tool: " + message;
-    case CLIError::Case::UninstallationFailed:
-        return "Failed to uninstall the CLI tool: " + message;
-    case CLIError::Case::BundleNotFound:
-        return "Could not find CLI executable in app bundle";
-    case CLIError::Case::ScriptCreationFailed:
-        return "Failed to create installation script";
+    Q_DECLARE_TR_FUNCTIONS(ambertide::CLIInstaller)
+
+public:
+    static QString describe(CLIError::Case code, const std::optional<std::string> &reason)
+    {
+        const QString message = reason ? QString::fromStdString(*reason) : tr("Unknown error");
+        switch (code) {
+        case CLIError::Case::InstallationFailed:
+            return tr("Failed to install the CLI tool: %1").arg(message);
+        case CLIError::Case::UninstallationFailed:
+            return tr("Failed to uninstall the CLI tool: %1").arg(message);
+        case CLIError::Case::BundleNotFound:
+            return tr("Could not find CLI executable in app bundle");
+        case CLIError::Case::ScriptCreationFailed:
+            return tr("Failed to create installation script");
+        }
+        return {};
     }
-    return message;
-}
+};
 
 void runAsAdministrator(PrivilegedRunner &runner, const std::string &command, CLIError::Case failure)
 {
@@ -48,7 +57,7 @@ bool fileExists(const std::filesystem::path &path)
 } // namespace
 
 CLIInstaller::CLIError::CLIError(Case code, const std::optional<std::string> &message)
-    : m_code(code), m_description(describe(code, message.value_or("Unknown error")))
+    : m_code(code), m_description(Texts::describe(code, message).toStdString())
 {
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/linux/ChildProcess.h"
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <sys/eventfd.h>
@@ -33,17 +34,27 @@ struct Refusal
 };
 constexpr std::array refusals = {
     Refusal{"Error executing command as another user: Request dismissed",
-            "the request for administrator rights was cancelled"},
-    Refusal{"Error executing command as another user: Not authorized", "administrator rights were not granted"},
-    Refusal{
-        "Error executing command as another user: No authentication agent found",
-        "nothing in this session can ask for an administrator's password (no polkit authentication agent is running)"},
-    Refusal{"Error getting authority: ", "the service that grants administrator rights (polkit) cannot be reached"},
+            QT_TRANSLATE_NOOP("ambertide::PrivilegedRunner", "the request for administrator rights was cancelled")},
+    Refusal{"Error executing command as another user: Not authorized",
+            QT_TRANSLATE_NOOP("ambertide::PrivilegedRunner", "administrator rights were not granted")},
+    Refusal{"Error executing command as another user: No authentication agent found",
+            QT_TRANSLATE_NOOP("ambertide::PrivilegedRunner", "nothing in this session can ask for an administrator's "
+                                                             "password (no polkit authentication agent is running)")},
+    Refusal{"Error getting authority: ",
+            QT_TRANSLATE_NOOP("ambertide::PrivilegedRunner",
+                              "the service that grants administrator rights (polkit) cannot be reached")},
     Refusal{"Error checking for authorization ",
-            "the service that grants administrator rights (polkit) gave no answer"},
+            QT_TRANSLATE_NOOP("ambertide::PrivilegedRunner",
+                              "the service that grants administrator rights (polkit) gave no answer")},
     Refusal{"pkexec must be setuid root",
-            "pkexec, which asks for administrator rights, is not set up to do so on this system"},
+            QT_TRANSLATE_NOOP("ambertide::PrivilegedRunner",
+                              "pkexec, which asks for administrator rights, is not set up to do so on this system")},
 };
+
+std::string translated(const char *message)
+{
+    return QCoreApplication::translate("ambertide::PrivilegedRunner", message).toStdString();
+}
 
 /// One line of valid text without control characters.
 std::string oneLine(const std::string &output)
@@ -67,7 +78,7 @@ std::string messageOfExit(int code, const std::string &errorOutput)
     if (code == 126 || code == 127) {
         for (const auto &[sign, message] : refusals) {
             if (hasLine(errorOutput, sign))
-                return message;
+                return translated(message);
         }
     }
     const auto text = oneLine(errorOutput);
@@ -79,7 +90,8 @@ std::string messageOf(const ChildProcessEnd &end)
     switch (end.kind) {
     case Kind::NotStarted:
         if (end.code == ENOENT)
-            return "pkexec, which asks for administrator rights, is not installed";
+            return translated(QT_TRANSLATE_NOOP("ambertide::PrivilegedRunner",
+                                                "pkexec, which asks for administrator rights, is not installed"));
         return "pkexec, which asks for administrator rights, could not be started: " +
                std::generic_category().message(end.code);
     case Kind::Signalled:
