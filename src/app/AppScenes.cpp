@@ -15,7 +15,7 @@ AppScenes::~AppScenes() { delete m_settings; }
 
 void AppScenes::activate()
 {
-    if (m_settings && m_menuBarExtra.isIconShown())
+    if (m_settings && m_settings->isVisible() && m_menuBarExtra.isIconShown())
         bringSettingsForward();
     else
         m_menuBarExtra.openAsWindow();
@@ -23,16 +23,17 @@ void AppScenes::activate()
 
 void AppScenes::showSettings()
 {
-    if (m_settings)
-        return bringSettingsForward();
-    m_settings = new SettingsView(m_ports.viewModel, m_ports.settings);
-    connect(m_settings, &SettingsView::quitRequested, this, [this] { m_ports.quit(); });
+    if (!m_settings) {
+        m_settings = new SettingsView(m_ports.viewModel, m_ports.settings);
+        connect(m_settings, &SettingsView::quitRequested, this, [this] { m_ports.quit(); });
+    }
     m_settings->show();
+    bringSettingsForward();
 }
 
 void AppScenes::bringSettingsForward()
 {
-    if (!m_settings)
+    if (!m_settings || !m_settings->isVisible())
         return;
     if (m_settings->isMinimized())
         m_settings->showNormal();

@@ -89,6 +89,16 @@ void MenuBarExtra::panelClosed()
     onMainAfter(2s, &MenuBarExtra::reapplyIfTinted);
 }
 
+void MenuBarExtra::forgetClosing()
+{
+    const bool isButtonHeld = m_ports.placement.isButtonHeld();
+    // A release is waited for as long as a click.
+    if (std::exchange(m_wasButtonHeld, isButtonHeld) || isButtonHeld)
+        m_justClosed = onMainAfter(sameClick, &MenuBarExtra::forgetClosing);
+    else
+        m_hasJustClosed = false;
+}
+
 void MenuBarExtra::reapplyIfTinted()
 {
     if (!m_ports.viewModel.isNeutralTemperature())

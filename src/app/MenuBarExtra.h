@@ -51,7 +51,7 @@ public:
 private:
     void open(PanelPlacement::Manner manner, std::optional<QPoint> place);
     void panelClosed();
-    void forgetClosing() { m_hasJustClosed = false; }
+    void forgetClosing();
     void reapplyIfTinted();
     Task onMainAfter(std::chrono::nanoseconds delay, void (MenuBarExtra::*action)());
     void updateMenu();
@@ -60,7 +60,8 @@ private:
     Ports m_ports;
     std::unique_ptr<TrayIcon> m_icon;
     QPointer<PanelWindow> m_panel;
-    bool m_hasJustClosed = false;
+    bool m_hasJustClosed = false;         ///< maybe with a press on the icon, which the icon has yet to hear of
+    bool m_wasButtonHeld = false;         ///< when that was last looked at
     Task m_justClosed;                    ///< ends that
     std::shared_ptr<MenuBarExtra> m_self; ///< owns nothing; tasks hold it weakly and look on the main thread
     Observation m_updaterObservation;

@@ -40,8 +40,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <future>
 #include <memory>
@@ -101,15 +103,26 @@ void explainToolkitPlatform()
                    ": the compositor does not answer, or Qt's Wayland plugin (package qt6-wayland) is missing.");
 }
 
-} // namespace
+/// Whatever windows are open: QCoreApplication::quit() would ask them, and the one of an update under way says no.
+void quit() { QCoreApplication::exit(); }
 
-int main(int argc, char *argv[])
+/// Puts the program that the file now holds in the place of this one. Returns when that fails.
+void startAnew(const std::filesystem::path &program, char *argv[])
 {
-    openStandardDescriptors();
-    confineEndingSignals();
-    std::signal(SIGPIPE, SIG_IGN);
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int signal : {SIGTERM, SIGINT}) {
+        std::signal(signal, SIG_DFL);
+        sigaddset(&ending, signal);
+    }
+    pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
+    execv(program.c_str(), argv);
+    console::print("The new version cannot be started: " + std::string(std::strerror(errno)));
+}
+
+/// The application from its start to its end. Sets `isRestartWanted` when it ends to be started again.
+int run(int argc, char *argv[], const std::filesystem::path &program, bool &isRestartWanted)
+{
     const auto displays = makeSessionDisplayServices(program.parent_path());
 
     const bool isPlatformOurChoice = !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
@@ -140,7 +153,12 @@ int main(int argc, char *argv[])
 
     PkexecUpdateInstaller updateInstaller(program.parent_path() / "AmbertideInstallHelper");
     UpdateService updates(UpdateConfiguration::fromBundle(mainBundle), userDefaults, calendar, updateInstaller,
-                          [](UpdateSession &session) { return std::make_unique<UpdateWindow>(session); });
+                          [&](UpdateSession &session) {
+                              return std::make_unique<UpdateWindow>(session, [&] {
+                                  isRestartWanted = true;
+                                  quit();
+                              });
+                          });
     const auto createUpdaterController = [&] { return std::make_unique<AppcastUpdaterController>(updates, executor); };
 
     std::optional<AppScenes> scenes;
@@ -172,8 +190,6 @@ int main(int argc, char *argv[])
         return std::make_unique<DesktopTrayIcon>(sessionBus, mainBundle.path() / "Contents/Resources/icons",
                                                  std::move(callbacks));
     };
-    // QCoreApplication::quit() would ask the windows, and the one of an update under way says no.
-    const auto quit = [] { QCoreApplication::exit(); };
     scenes.emplace(AppScenes::Ports{
         ambertide->viewModel(), ambertide->updater(), executor, appearance, haptics, placement, createTrayIcon,
         SettingsView::Ports{CLIInstaller::shared(), LaunchHelper::shared(), mainBundle, createUpdaterController,
@@ -186,7 +202,7 @@ int main(int argc, char *argv[])
             qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
         scenes->activate();
     });
-    busObject.setAction("quit", [quit](const std::string &) { quit(); });
+    busObject.setAction("quit", [](const std::string &) { quit(); });
     busObject.setAction("settings", [&](const std::string &) { scenes->showSettings(); });
     busObject.setAction("check-for-updates", [&](const std::string &) { ambertide->updater().checkForUpdates(); });
     const auto perform = [&](ColorTemperature preset) {
@@ -211,5 +227,22 @@ int main(int argc, char *argv[])
         userDefaults.flush(300ms);
         std::_Exit(status);
     }
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    openStandardDescriptors();
+    confineEndingSignals();
+    std::signal(SIGPIPE, SIG_IGN);
+    std::error_code error;
+    // Now: an update may put another file in the place of this one.
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    bool isRestartWanted = false;
+    const int status = run(argc, argv, program, isRestartWanted);
+    if (isRestartWanted)
+        startAnew(program, argv);
     return status;
 }

@@ -24,6 +24,8 @@ public:
     virtual Manner manner() const = 0;
     /// Whether parts of a window can be see-through at present.
     virtual bool hasTransparency() const = 0;
+    /// For Manner::Popup: whether a mouse button is down at present, wherever the pointer is.
+    virtual bool isButtonHeld() const = 0;
     /// For Manner::Layer: anchors a window that has its size and is not shown yet, beside the icon at `place`, in
     /// logical pixels, or where the desktop usually has it.
     virtual void anchor(QWindow &window, std::optional<QPoint> place) = 0;

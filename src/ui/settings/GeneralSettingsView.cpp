@@ -79,7 +79,7 @@ void GeneralSettingsView::refresh()
 void GeneralSettingsView::installOrUninstall()
 {
     setProcessing(true);
-    // The window may be closed, and this gone, long before the prompt has been answered.
+    // The application may end, and this be gone, before the prompt has been answered.
     Task::start(
         m_installerExecutor,
         [view = QPointer(this), &installer = m_installer, wasInstalled = m_cliInstalled](TaskContext task) -> Async {
@@ -99,12 +99,14 @@ void GeneralSettingsView::finish(bool wasInstalled, const std::optional<std::str
     setProcessing(false);
     if (error)
         showAlert(*window(), tr("CLI Installation"), QString::fromStdString(*error), tr("OK"));
+    Q_EMIT processingEnded();
 }
 
 void GeneralSettingsView::setProcessing(bool isProcessing)
 {
     if (isProcessing)
         m_formerFocus = window()->focusWidget();
+    m_isProcessing = isProcessing;
     m_commandLineTool->setProcessing(isProcessing);
     setDisabled(isProcessing);
     if (isProcessing)

@@ -38,6 +38,12 @@ public:
 
     GeneralSettingsView(SettingsViewModel &viewModel, const Ports &ports);
 
+    /// Whether the tool is being installed or uninstalled, which may wait for a person.
+    bool isProcessing() const { return m_isProcessing; }
+
+Q_SIGNALS:
+    void processingEnded();
+
 private:
     void refresh();
     void installOrUninstall();
@@ -50,6 +56,7 @@ private:
     SparkleUpdater m_sparkleUpdater;
     Observation m_updaterObservation;
     bool m_cliInstalled;
+    bool m_isProcessing = false;
     QPointer<QWidget> m_formerFocus;    ///< before the tab was disabled
     QPointer<QWidget> m_focusMeanwhile; ///< where it went then; elsewhere it is by the user's will
     AboutView *m_about = nullptr;

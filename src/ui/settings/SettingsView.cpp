@@ -8,6 +8,7 @@
 #include "ui/settings/GeneralSettingsView.h"
 #include "ui/settings/ScheduleSettingsView.h"
 
+#include <QCloseEvent>
 #include <QScreen>
 #include <QShortcut>
 #include <QShowEvent>
@@ -29,6 +30,9 @@ constexpr int gapBelowTabs = 10;
 
 SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
     : m_settingsViewModel(appViewModel, {ports.userDefaults, ports.notifications, ports.calendar, ports.loginItem}),
+      m_general(new GeneralSettingsView(m_settingsViewModel,
+                                        {ports.installer, ports.launchHelper, ports.mainBundle,
+                                         ports.createUpdaterController, ports.userDefaults, ports.installerExecutor})),
       m_tabs(new IconTabBar), m_pages(new QStackedWidget)
 {
     setObjectName(QStringLiteral("Settings"));
@@ -42,13 +46,15 @@ SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
     column->addWidget(m_tabs, 0, Qt::AlignHCenter);
     column->addWidget(m_pages);
 
-    addTab(symbols::gearshape, tr("General"),
-           new GeneralSettingsView(m_settingsViewModel,
-                                   {ports.installer, ports.launchHelper, ports.mainBundle,
-                                    ports.createUpdaterController, ports.userDefaults, ports.installerExecutor}));
+    addTab(symbols::gearshape, tr("General"), m_general);
     addTab(symbols::clock, tr("Schedule"), new ScheduleSettingsView(m_settingsViewModel, ports.calendar));
     connect(m_tabs, &IconTabBar::currentChanged, &m_settingsViewModel, &SettingsViewModel::setSelectedTab);
     connect(&m_settingsViewModel, &SettingsViewModel::changed, this, &SettingsView::showSelectedTab);
+
+    connect(m_general, &GeneralSettingsView::processingEnded, this, [this] {
+        if (isHidden())
+            deleteLater();
+    });
 
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &SettingsView::close);
     connect(new QShortcut(QKeySequence::Quit, this), &QShortcut::activated, this, &SettingsView::quitRequested);
@@ -94,6 +100,15 @@ void SettingsView::showEvent(QShowEvent *event)
     fit();
     raise();
     activateWindow();
+}
+
+void SettingsView::closeEvent(QCloseEvent *event)
+{
+    if (!m_general->isProcessing())
+        return;
+    // Another window would begin the same once more.
+    hide();
+    event->ignore();
 }
 
 // Only once it has been placed is its frame known, and then its screen may be another one.

@@ -13,14 +13,16 @@ class QStackedWidget;
 namespace ambertide {
 
 class CLIInstaller;
+class GeneralSettingsView;
 class IconTabBar;
 class LaunchHelper;
 class MainBundle;
 class Page;
 
 /// The Settings window with its two tabs, and the model behind them. Main thread. It opens on General, in front, as
-/// high as its tab needs and the screen allows; wider than usual for large text alone. Closing deletes it, whatever is
-/// under way in it: its owner makes one each time that the user asks for it, and holds it in a QPointer.
+/// high as its tab needs and the screen allows; wider than usual for large text alone. Closing deletes it,
+/// but while the tool is being installed it only hides until that has ended: its owner holds it in a QPointer, and
+/// makes one when the user asks for it and there is none.
 class SettingsView final : public QWidget
 {
     Q_OBJECT
@@ -52,6 +54,7 @@ Q_SIGNALS:
 protected:
     bool event(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
     void moveEvent(QMoveEvent *event) override;
 
 private:
@@ -60,6 +63,7 @@ private:
     void fit();
 
     SettingsViewModel m_settingsViewModel;
+    GeneralSettingsView *m_general = nullptr;
     IconTabBar *m_tabs = nullptr;
     QStackedWidget *m_pages = nullptr;
 };

@@ -1,8 +1,7 @@
 #include "platform/linux/placement/DesktopPanelPlacement.h"
 
-#include "platform/linux/placement/LayerShell.h"
-
 #include "platform/linux/ToolkitConnection.h"
+#include "platform/linux/placement/LayerShell.h"
 #include "platform/linux/randr/XcbReply.h"
 
 #include <QGuiApplication>
@@ -48,6 +47,17 @@ bool DesktopPanelPlacement::hasTransparency() const
         return true;
     auto *connection = toolkitConnection();
     return connection != nullptr && hasCompositor(connection);
+}
+
+bool DesktopPanelPlacement::isButtonHeld() const
+{
+    auto *connection = toolkitConnection();
+    if (connection == nullptr)
+        return false;
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const auto pointer = owned(xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
+    return pointer &&
+           (pointer->mask & (XCB_KEY_BUT_MASK_BUTTON_1 | XCB_KEY_BUT_MASK_BUTTON_2 | XCB_KEY_BUT_MASK_BUTTON_3)) != 0;
 }
 
 void DesktopPanelPlacement::anchor(QWindow &window, std::optional<QPoint> place)

@@ -10,6 +10,7 @@ class DesktopPanelPlacement final : public PanelPlacement
 public:
     Manner manner() const override;
     bool hasTransparency() const override;
+    bool isButtonHeld() const override;
     void anchor(QWindow &window, std::optional<QPoint> place) override;
 };
 
