@@ -27,7 +27,7 @@ def expect_controls(*window, controls):
         shown = screen_reader.elements(within=screen_reader.element(*window))
         return [(each.get_role_name(), each.get_name()) for each in shown if each.get_role_name() in CONTROLS]
 
-    wait_until(lambda: found() == controls, f"{window}: {found()}")
+    wait_until(lambda: found() == controls, f"{window} does not have just {controls}")
     for control in controls:
         assert screen_reader.has_state(screen_reader.element(*control), State.ENABLED), control
 

@@ -113,16 +113,24 @@ class Desktop:
         os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={self.home}/no-system-bus"
 
     def _start_panel(self, panel):
+        log = open(self.home / "panel.log", "wb")
         if panel == "xfce4-panel":
             folder = self.home / "config/xfce4/xfconf/xfce-perchannel-xml"
             folder.mkdir(parents=True)
             shutil.copy(PANELS / "xfce4-panel.xml", folder)
-            self.start("xfce4-panel", "--disable-wm-check")
-        elif panel == "lxqt-panel":
-            self.start("lxqt-panel", "-c", str(PANELS / "lxqt-panel.conf"))
-        else:
-            self.start("tint2", "-c", str(PANELS / "tint2rc"))
-        wait_until(lambda: self.xdotool("search", "--onlyvisible", "--class", panel), f"{panel} shows no window")
+        arguments = {"xfce4-panel": ["--disable-wm-check"], "lxqt-panel": ["-c", str(PANELS / "lxqt-panel.conf")],
+                     "tint2": ["-c", str(PANELS / "tint2rc")]}[panel]
+        for attempt in (1, 2):  # Xfce's now and then comes up without a window
+            process = self.start(panel, *arguments, stdout=log, stderr=log)
+            try:
+                wait_until(lambda: self.xdotool("search", "--onlyvisible", "--class", panel), f"{panel} shows no window")
+                return
+            except TimeoutError:
+                said = (self.home / "panel.log").read_text(errors="replace")
+                print(f"{panel} shows no window, status {process.poll()}: {said}", file=sys.stderr)
+                process.kill()
+                process.wait()
+        raise TimeoutError(f"{panel} shows no window")
 
     # The application
 

@@ -59,7 +59,7 @@ class Day:
         return [name for name in names if ":" in name and not name.startswith(("Edit ", "Delete "))]
 
     def expect_rows(self, *rows):
-        wait_until(lambda: self.rows() == list(rows), f"the rows are not {rows}: {self.rows()}")
+        wait_until(lambda: self.rows() == list(rows), f"the rows are not {rows}")
 
     def expect_white_point(self, white_point):
         wait_until(lambda: self.desktop.white_point() == white_point, f"the display does not show {white_point}")
