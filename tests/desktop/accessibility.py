@@ -23,11 +23,7 @@ CONTROLS = {role for role, _ in PANEL + TABS + GENERAL + EDITOR} | {"text", "com
 
 def expect_controls(*window, controls):
     """Just these, in this order, each of them working."""
-    def found():
-        shown = screen_reader.elements(within=screen_reader.element(*window))
-        return [(each.get_role_name(), each.get_name()) for each in shown if each.get_role_name() in CONTROLS]
-
-    wait_until(lambda: found() == controls, f"{window} does not have just {controls}")
+    wait_until(lambda: screen_reader.outline(*window, roles=CONTROLS) == controls, f"{window} has not just {controls}")
     for control in controls:
         assert screen_reader.has_state(screen_reader.element(*control), State.ENABLED), control
 

@@ -46,6 +46,15 @@ def elements(role=None, name=None, within=None):
     return found
 
 
+def outline(role, name, roles):
+    """Roles and names, in reading order, of what is shown in that element and has one of the roles."""
+    try:
+        return [(each.get_role_name(), each.get_name()) for each in elements(within=element(role, name))
+                if each.get_role_name() in roles]
+    except GLib.Error:
+        return []  # it changed while it was looked at
+
+
 def element(role, name):
     return wait_until(lambda: elements(role, name), f"no {role} {name!r} is shown")[0]
 
