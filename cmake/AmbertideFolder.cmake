@@ -54,7 +54,8 @@ function(ambertide_test folder test)
     set_source_files_properties(${PROJECT_SOURCE_DIR}/tests/${folder}/${test}.cpp PROPERTIES
       COMPILE_OPTIONS -Wno-conversion)
   endif()
-  target_compile_definitions(${target} PRIVATE AMBERTIDE_BUNDLE="${AMBERTIDE_BUNDLE_DIR}")
+  target_compile_definitions(${target} PRIVATE
+    AMBERTIDE_BUNDLE="${AMBERTIDE_BUNDLE_DIR}" AMBERTIDE_SOURCES="${PROJECT_SOURCE_DIR}")
   add_test(NAME ${folder}.${test} COMMAND ${target})
   set_tests_properties(${folder}.${test} PROPERTIES
     TIMEOUT 120 LABELS "${TEST_LABEL}"

@@ -30,7 +30,7 @@ private Q_SLOTS:
     void everyTextIsTranslatedWithItsPlaces_data()
     {
         QTest::addColumn<QString>("path");
-        const QDir folder(QStringLiteral(AMBERTIDE_TRANSLATIONS));
+        const QDir folder(QStringLiteral(AMBERTIDE_SOURCES "/translations"));
         const auto files = folder.entryList({QStringLiteral("*.ts")});
         QVERIFY(!files.isEmpty());
         for (const auto &file : files)

@@ -69,7 +69,7 @@ private Q_SLOTS:
         const auto runs = [this](const std::string &command, const char *ran) {
             QProcess shell;
             shell.setEnvironment({QStringLiteral("PATH=") + m_temporary.path()});
-            shell.start(QFINDTESTDATA("../../packaging/polkit/administrator-shell"),
+            shell.start(QStringLiteral(AMBERTIDE_SOURCES "/packaging/polkit/administrator-shell"),
                         {QStringLiteral("-c"), QString::fromStdString(command)});
             QVERIFY(shell.waitForFinished());
             QCOMPARE(shell.readAllStandardOutput(), ran);

@@ -107,7 +107,7 @@ private Q_SLOTS:
         QVERIFY(Download(TransportSecurity::HttpsOnly).run(plain.url("/"), {.mostBytes = 9}) == Kind::NotSecure);
         QCOMPARE(plain.requestCount("/"), 0);
         // Used by no other test: a certificate for 127.0.0.1, signed by itself, good until 2120.
-        QFile file(QFINDTESTDATA("../support/loopback.pem"));
+        QFile file(QStringLiteral(AMBERTIDE_SOURCES "/tests/support/loopback.pem"));
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray identity = file.readAll();
         LoopbackServer server(identity);

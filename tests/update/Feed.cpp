@@ -13,7 +13,7 @@ namespace {
 
 std::optional<Appcast> corpus(const char *name)
 {
-    QFile feed(QFINDTESTDATA(QStringLiteral("../corpus/appcast/") + QLatin1String(name)));
+    QFile feed(QStringLiteral(AMBERTIDE_SOURCES "/tests/corpus/appcast/") + QLatin1String(name));
     if (!feed.open(QIODevice::ReadOnly))
         qFatal("the corpus lacks %s", name);
     QString problem;
