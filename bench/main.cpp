@@ -211,7 +211,7 @@ void measureApplication()
     session.store("6500");
     session.start();
     session.waitUntilReached();
-    std::this_thread::sleep_for(4s);
+    std::this_thread::sleep_for(8s); // a tray is waited for during the first five
     print("memory, no window opened: proportional set size",
           static_cast<double>(memoryOf(session.process(), "Pss:")) / 1024, 22, "MB");
     measureIdle(session, "neutral", 60, 2);
