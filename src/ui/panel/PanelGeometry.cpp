@@ -10,6 +10,8 @@ namespace {
 constexpr int gap = 4;
 constexpr int halfIcon = 16; // kept free around a pointer on a panel of unknown thickness
 
+enum Edge { Top, Bottom, Left, Right };
+
 /// Of `length` from `from`, the whole of it within [low, high] and not at their very edge, where a fractional scale
 /// factor rounds it beyond; at `low` if it does not fit.
 int kept(int from, int length, int low, int high)
@@ -31,29 +33,29 @@ QPoint panelPosition(const QSize &panel, const QPoint &pointer, const QRect &scr
 
     const std::array distances{pointer.y() - screen.top(), screen.bottom() - pointer.y(), pointer.x() - screen.left(),
                                screen.right() - pointer.x()};
-    auto edge = std::ranges::min_element(distances) - distances.begin();
+    auto edge = static_cast<Edge>(std::ranges::min_element(distances) - distances.begin());
     if (pointer.y() < top)
-        edge = 0;
+        edge = Top;
     else if (pointer.y() >= bottom)
-        edge = 1;
+        edge = Bottom;
     else if (pointer.x() < left)
-        edge = 2;
+        edge = Left;
     else if (pointer.x() >= right)
-        edge = 3;
+        edge = Right;
 
     int x = pointer.x() - panel.width() / 2;
     int y = pointer.y() - panel.height() / 2;
     switch (edge) {
-    case 0:
+    case Top:
         y = std::max(top, inset > 0 ? pointer.y() + inset : top) + gap;
         break;
-    case 1:
+    case Bottom:
         y = std::min(bottom, inset > 0 ? pointer.y() - inset : bottom) - gap - panel.height();
         break;
-    case 2:
+    case Left:
         x = std::max(left, inset > 0 ? pointer.x() + inset : left) + gap;
         break;
-    default:
+    case Right:
         x = std::min(right, inset > 0 ? pointer.x() - inset : right) - gap - panel.width();
         break;
     }
