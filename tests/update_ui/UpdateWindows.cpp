@@ -23,6 +23,7 @@ private:
     {
         return fixture.service([this](UpdateSession &session) {
             auto window = std::make_unique<UpdateWindow>(session);
+            window->bringForward(); // at once
             m_window = window.get();
             return window;
         });

@@ -12,16 +12,21 @@
 #include <QEvent>
 #include <QLocale>
 #include <QScreen>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace ambertide {
 
+using namespace std::chrono_literals;
+
 namespace {
 
 constexpr int usualWidth = 480; // logical pixels
+constexpr auto timeToAnswer = 200ms;
 constexpr int progressSteps = 1000;
 
 Card *releaseNotesCard(const UpdateSession &session)
@@ -37,7 +42,6 @@ Card *releaseNotesCard(const UpdateSession &session)
     card->addRow(notes);
     return card;
 }
-
 } // namespace
 
 UpdateWindow::UpdateWindow(UpdateSession &session, std::function<void()> relaunch)
@@ -49,7 +53,12 @@ UpdateWindow::UpdateWindow(UpdateSession &session, std::function<void()> relaunc
     layout->setSizeConstraint(QLayout::SetNoConstraint);
     connect(&m_session, &UpdateSession::stateChanged, this, &UpdateWindow::showState);
     showState();
-    show();
+    // An answer that comes at once is shown at once; and a window that changes its size before the window manager has
+    // placed it would end up in the screen's corner.
+    QTimer::singleShot(timeToAnswer, this, [this] {
+        if (m_session.state() != UpdateSession::State::Ended)
+            show();
+    });
 }
 
 void UpdateWindow::bringForward()

@@ -16,8 +16,8 @@ class UpdateWindow final : public QDialog, public UpdateView
     Q_OBJECT
 
 public:
-    /// Shows itself. `session` must outlive it. `relaunch` starts the new version in the place of this one; without it
-    /// a person is told to do so.
+    /// Shows itself after a moment, as far as the session has come by then. `session` must outlive it. `relaunch`
+    /// starts the new version in the place of this one; without it a person is told to do so.
     explicit UpdateWindow(UpdateSession &session, std::function<void()> relaunch = {});
 
     void bringForward() override;
