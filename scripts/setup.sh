@@ -9,7 +9,7 @@ test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x
 desktop_packages=(openbox xfce4-panel lxqt-panel tint2 adwaita-icon-theme at-spi2-core gir1.2-atspi-2.0 python3-gi
     imagemagick libfaketime xdotool)
 picture_packages=(fonts-inter optipng util-linux)
-check_packages=(clang-format)
+check_packages=(clang-format git)
 
 # install_packages <package>...: installs those that are missing.
 install_packages() {

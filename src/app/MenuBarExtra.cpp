@@ -4,6 +4,7 @@
 #include "ui/panel/PanelWindow.h"
 
 #include <QGuiApplication>
+#include <QTimer>
 
 #include <chrono>
 #include <utility>
@@ -30,11 +31,8 @@ MenuBarExtra::MenuBarExtra(Ports ports) : m_ports(std::move(ports)), m_self(this
         if (state == Qt::ApplicationActive)
             reapplyIfTinted();
     });
-    const auto updateMenuLater = [this] {
-        QMetaObject::invokeMethod(
-            this, [this] { updateMenu(); }, Qt::QueuedConnection);
-    };
-    m_updaterObservation = m_ports.updater.observe(updateMenuLater);
+    // It is told before the change.
+    m_updaterObservation = m_ports.updater.observe([this] { QTimer::singleShot(0, this, &MenuBarExtra::updateMenu); });
 }
 
 MenuBarExtra::~MenuBarExtra()

@@ -39,7 +39,7 @@ struct AppcastItem
 /// The feed that announces releases: RSS 2.0 with the elements of the appcast namespace.
 struct Appcast
 {
-    static constexpr qsizetype mostBytes = 1024 * 1024;
+    static constexpr qsizetype mostBytes = qsizetype{1024} * 1024;
 
     std::vector<AppcastItem> items; ///< in the feed's order; items without a version are left out
 

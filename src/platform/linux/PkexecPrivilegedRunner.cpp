@@ -24,7 +24,7 @@ using Kind = ChildProcessEnd::Kind;
 using Status = PrivilegedResult::Status;
 
 /// What Linux takes as one argument of a program, its final NUL counted.
-constexpr std::size_t maximumArgument = 128 * 1024;
+constexpr std::size_t maximumArgument = std::size_t{128} * 1024;
 
 /// What pkexec writes before its own exit with 126 or 127, and what that means to a person. It translates none of it.
 struct Refusal

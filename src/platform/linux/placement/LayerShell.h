@@ -11,7 +11,8 @@ namespace ambertide::layer_shell {
 /// Whether the compositor has it, and this build. Only where the toolkit runs on Wayland.
 bool isOffered();
 
-/// A window that has not been shown yet; a press elsewhere closes it. On no particular screen: on the one that the compositor takes for active.
+/// A window that has not been shown yet; a press elsewhere closes it. On no particular screen: on the one that the
+/// compositor takes for active.
 void anchor(QWindow &window, const LayerPosition &position, QScreen *screen);
 
 } // namespace ambertide::layer_shell
