@@ -14,6 +14,7 @@ AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(ap
     // A platform theme that knows the desktop's colours tells them, and their changes, by itself.
     m_hasDesktopPalette =
         QApplication::palette().color(QPalette::Window) != m_style->standardPalette().color(QPalette::Window);
+    m_isDesktopDark = Theme::of(QApplication::palette()).isDark;
     m_observation = m_appearance.observe([this] { follow(); });
     follow();
 }
@@ -21,7 +22,9 @@ AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(ap
 void AppearanceFollower::follow()
 {
     m_style->setMotionReduced(m_appearance.prefersReducedMotion());
-    const bool isDark = m_appearance.colorScheme() == Appearance::ColorScheme::Dark;
+    const auto scheme = m_appearance.colorScheme();
+    const bool isDark =
+        scheme == Appearance::ColorScheme::Dark || (scheme == Appearance::ColorScheme::NoPreference && m_isDesktopDark);
     if (!m_hasDesktopPalette || m_appearance.prefersHighContrast())
         QApplication::setPalette(housePalette(isDark, m_appearance.prefersHighContrast()));
     else

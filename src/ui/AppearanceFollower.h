@@ -22,6 +22,7 @@ private:
     Appearance &m_appearance;
     HouseStyle *m_style; ///< the application's
     bool m_hasDesktopPalette;
+    bool m_isDesktopDark; ///< at the start, by that palette
     Observation m_observation;
 };
 
