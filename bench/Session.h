@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Measuring.h"
-#include "platform/linux/BusNames.h"
-#include "platform/linux/SdBus.h"
+#include "adapters/linux/bus/BusNames.h"
+#include "adapters/linux/bus/SdBus.h"
 #include "support/PrivateBus.h"
 #include "support/PrivateXServer.h"
 #include "support/RandrClient.h"

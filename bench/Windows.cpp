@@ -2,7 +2,7 @@
 
 #include "ProcessCost.h"
 #include "Session.h"
-#include "platform/linux/randr/XcbReply.h"
+#include "adapters/linux/x11/XcbReply.h"
 #include "support/FakeWatcher.h"
 
 #include <xcb/xcb.h>

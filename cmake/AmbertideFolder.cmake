@@ -1,10 +1,11 @@
 # Qt 6.4's meta-object compiler stumbles over some of libstdc++'s headers, which it need not read: these are the guards of
-# <compare> and <coroutine>.
-set(CMAKE_AUTOMOC_MOC_OPTIONS -D_COMPARE -D_GLIBCXX_COROUTINE)
+# <chrono>, <compare> and <coroutine>.
+set(CMAKE_AUTOMOC_MOC_OPTIONS -D_GLIBCXX_CHRONO -D_COMPARE -D_GLIBCXX_COROUTINE)
+# Told which standard the compiler follows, moc 6.4 fails to parse libstdc++'s <concepts> and <coroutine>.
+set(CMAKE_AUTOMOC_COMPILER_PREDEFINES OFF)
 
 # What every target of the project is compiled with.
 add_library(ambertide_options INTERFACE)
-target_include_directories(ambertide_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(ambertide_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
   $<$<BOOL:${AMBERTIDE_WERROR}>:-Werror>)
@@ -15,59 +16,85 @@ if(AMBERTIDE_SANITIZE)
   target_link_options(ambertide_options INTERFACE -fsanitize=${AMBERTIDE_SANITIZE})
 endif()
 
-# Told which standard the compiler follows, moc 6.4 fails to parse libstdc++'s <concepts> and <coroutine>.
-set(CMAKE_AUTOMOC_COMPILER_PREDEFINES OFF)
-
-# ambertide_folder(<name> [MOC] [SOURCES files...] [LINK targets...] [TESTS names...] [TEST_LINK targets...] [LABEL label])
-#
-# Declares the library ambertide_<name> of the folder that calls it and one Qt Test program for each of TESTS,
-# read from tests/<name>/<test>.cpp. A folder without SOURCES holds headers alone. MOC runs Qt's meta-object
-# compiler over it. LABEL is given to its tests: those of the label "threads" also run under the thread sanitizer.
-function(ambertide_folder name)
-  cmake_parse_arguments(FOLDER "MOC" "LABEL" "SOURCES;LINK;TESTS;TEST_LINK" ${ARGN})
-  set(library ambertide_${name})
-  if(FOLDER_SOURCES)
-    add_library(${library} STATIC ${FOLDER_SOURCES})
-    target_link_libraries(${library} PUBLIC ambertide_options ${FOLDER_LINK})
-    set_target_properties(${library} PROPERTIES AUTOMOC ${FOLDER_MOC})
-  else()
-    add_library(${library} INTERFACE)
-    target_link_libraries(${library} INTERFACE ambertide_options ${FOLDER_LINK})
-  endif()
-  if(NOT BUILD_TESTING)
-    return()
-  endif()
-  foreach(test IN LISTS FOLDER_TESTS)
-    ambertide_test(${name} ${test} LINK ${library} ${FOLDER_TEST_LINK} LABEL "${FOLDER_LABEL}")
-  endforeach()
+# ambertide_targets(<variable> <path>...): the targets of these folders of src/.
+function(ambertide_targets variable)
+  list(TRANSFORM ARGN REPLACE "/" "_")
+  list(TRANSFORM ARGN PREPEND ambertide_)
+  set(${variable} ${ARGN} PARENT_SCOPE)
 endfunction()
 
-# ambertide_test(<folder> <test> [LINK targets...] [LABEL label])
-function(ambertide_test folder test)
-  cmake_parse_arguments(TEST "" "LABEL" "LINK" ${ARGN})
-  set(target test_${folder}_${test})
-  add_executable(${target} ${PROJECT_SOURCE_DIR}/tests/${folder}/${test}.cpp)
+# ambertide_folder(<path> [MOC] [SEES paths...] [LINK targets...] [TESTS_SEE paths...] [LABEL label])
+#
+# Declares the library of src/<path>, made of its .cpp files other than main.cpp, and a Qt Test program for each .cpp file
+# of tests/<path>. The compiler finds the headers of this folder and of the folders that it SEES, under their path in
+# src/, and no others. MOC runs Qt's meta-object compiler over it. LABEL is given to its tests: those of the label
+# "threads" also run under the thread sanitizer.
+function(ambertide_folder path)
+  cmake_parse_arguments(FOLDER "MOC" "LABEL" "SEES;LINK;TESTS_SEE" ${ARGN})
+  ambertide_targets(library ${path})
+  ambertide_targets(seen ${FOLDER_SEES})
+
+  set(headers ${PROJECT_BINARY_DIR}/headers/${library})
+  cmake_path(GET path PARENT_PATH parent)
+  file(MAKE_DIRECTORY ${headers}/${parent})
+  file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${path} ${headers}/${path} SYMBOLIC)
+
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${path}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "/main.cpp$")
+  if(sources)
+    file(GLOB member_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${path}/*.h)
+    add_library(${library} STATIC ${sources} ${member_headers})
+    set_target_properties(${library} PROPERTIES AUTOMOC ${FOLDER_MOC})
+    set(scope PUBLIC)
+  else()
+    add_library(${library} INTERFACE)
+    set(scope INTERFACE)
+  endif()
+  target_include_directories(${library} ${scope} ${headers})
+  target_link_libraries(${library} ${scope} ambertide_options ${seen} ${FOLDER_LINK})
+
+  if(BUILD_TESTING)
+    file(GLOB tests RELATIVE ${PROJECT_SOURCE_DIR}/tests/${path} CONFIGURE_DEPENDS
+      ${PROJECT_SOURCE_DIR}/tests/${path}/*.cpp)
+    foreach(test IN LISTS tests)
+      ambertide_test(${path}/${test} SEES ${path} ${FOLDER_TESTS_SEE} LABEL "${FOLDER_LABEL}")
+    endforeach()
+  endif()
+endfunction()
+
+# ambertide_test(<file in tests/> [SEES paths...] [LINK targets...] [LABEL label]): the Qt Test program of one file. It
+# finds the programs of the bundle, which are built before it.
+function(ambertide_test file)
+  cmake_parse_arguments(TEST "" "LABEL" "SEES;LINK" ${ARGN})
+  cmake_path(REMOVE_EXTENSION file OUTPUT_VARIABLE name)
+  string(REPLACE "/" "_" target test_${name})
+  ambertide_targets(seen ${TEST_SEES})
+  add_executable(${target} ${PROJECT_SOURCE_DIR}/tests/${file})
   set_target_properties(${target} PROPERTIES AUTOMOC ON)
-  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${target} PRIVATE ${TEST_LINK} ambertide_test_support Qt6::Test)
+  target_link_libraries(${target} PRIVATE ${seen} ${TEST_LINK} ambertide_test_support Qt6::Test)
   if(Qt6_VERSION VERSION_GREATER_EQUAL 6.6) # its QTRY macros shorten a number of milliseconds
-    set_source_files_properties(${PROJECT_SOURCE_DIR}/tests/${folder}/${test}.cpp PROPERTIES
-      COMPILE_OPTIONS -Wno-conversion)
+    set_source_files_properties(${PROJECT_SOURCE_DIR}/tests/${file} PROPERTIES COMPILE_OPTIONS -Wno-conversion)
   endif()
   target_compile_definitions(${target} PRIVATE
     AMBERTIDE_BUNDLE="${AMBERTIDE_BUNDLE_DIR}" AMBERTIDE_SOURCES="${PROJECT_SOURCE_DIR}")
-  add_test(NAME ${folder}.${test} COMMAND ${target})
-  set_tests_properties(${folder}.${test} PROPERTIES
-    TIMEOUT 120 LABELS "${TEST_LABEL}"
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+  add_test(NAME ${name} COMMAND ${target})
+  set_tests_properties(${name} PROPERTIES
+    TIMEOUT 120 LABELS "${TEST_LABEL}" ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
 endfunction()
 
 # Where the build puts the application: the same bundle folder that is installed.
 set(AMBERTIDE_BUNDLE_DIR ${PROJECT_BINARY_DIR}/Ambertide.app)
+# The programs of the bundle, and all that lies beside them there.
+add_custom_target(bundle)
 
-# ambertide_bundle_program(<target> <file name>): puts a program beside the others of the bundle.
-function(ambertide_bundle_program target file)
-  set_target_properties(${target} PROPERTIES
-    OUTPUT_NAME ${file} RUNTIME_OUTPUT_DIRECTORY ${AMBERTIDE_BUNDLE_DIR}/Contents/MacOS)
-  install(TARGETS ${target} RUNTIME DESTINATION lib/ambertide/Contents/MacOS)
+# ambertide_program(<path> <name> [SEES paths...] [LINK targets...]): the program src/<path>/main.cpp, over the folder's
+# library when it has one, put among the bundle's programs.
+function(ambertide_program path name)
+  cmake_parse_arguments(PROGRAM "" "" "SEES;LINK" ${ARGN})
+  ambertide_targets(seen ${path} ${PROGRAM_SEES})
+  add_executable(${name} ${PROJECT_SOURCE_DIR}/src/${path}/main.cpp)
+  target_link_libraries(${name} PRIVATE ${seen} ${PROGRAM_LINK})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${AMBERTIDE_BUNDLE_DIR}/Contents/MacOS)
+  add_dependencies(bundle ${name})
+  install(TARGETS ${name} RUNTIME DESTINATION ${AMBERTIDE_INSTALLED_BUNDLE}/Contents/MacOS)
 endfunction()

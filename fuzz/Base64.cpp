@@ -1,4 +1,4 @@
-#include "signature/Base64.h"
+#include "update/signature/Base64.h"
 
 #include "Require.h"
 

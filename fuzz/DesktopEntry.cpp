@@ -1,4 +1,4 @@
-#include "platform/linux/DesktopEntry.h"
+#include "adapters/linux/desktop/DesktopEntry.h"
 
 #include "Require.h"
 

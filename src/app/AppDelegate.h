@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/DistributedNotificationCenter.h"
-#include "platform/MainBundle.h"
-#include "platform/NotificationCenter.h"
-#include "platform/RunningApplications.h"
-#include "platform/SystemWake.h"
-#include "platform/Task.h"
-#include "platform/UserDefaults.h"
+#include "base/NotificationCenter.h"
+#include "base/Task.h"
+#include "ports/DistributedNotificationCenter.h"
+#include "ports/MainBundle.h"
+#include "ports/RunningApplications.h"
+#include "ports/SystemWake.h"
+#include "ports/UserDefaults.h"
 
 #include <functional>
 

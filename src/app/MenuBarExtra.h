@@ -2,9 +2,9 @@
 
 #include "integration/SparkleUpdater.h"
 #include "model/AppViewModel.h"
-#include "platform/HapticPerformer.h"
-#include "platform/PanelPlacement.h"
-#include "platform/TrayIcon.h"
+#include "ports/HapticPerformer.h"
+#include "ports/PanelPlacement.h"
+#include "ports/TrayIcon.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/TemperatureControl.h"
+#include "ports/TemperatureControl.h"
 
 namespace ambertide {
 

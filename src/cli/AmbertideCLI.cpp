@@ -1,6 +1,6 @@
 #include "cli/AmbertideCLI.h"
 
-#include "model/Notifications.h"
+#include "protocol/Notifications.h"
 
 #include <algorithm>
 #include <charconv>

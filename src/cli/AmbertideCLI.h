@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ApplicationConnection.h"
+#include "ports/ApplicationConnection.h"
 
 #include <span>
 #include <string>

@@ -1,5 +1,5 @@
+#include "adapters/linux/bus/SdBusApplicationConnection.h"
 #include "cli/AmbertideCLI.h"
-#include "platform/linux/SdBusApplicationConnection.h"
 
 #include <csignal>
 #include <cstdio>

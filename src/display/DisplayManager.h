@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/DisplayServices.h"
-#include "platform/Observation.h"
-#include "platform/SystemWake.h"
-#include "platform/Task.h"
+#include "base/Observation.h"
+#include "base/Task.h"
+#include "ports/DisplayServices.h"
+#include "ports/SystemWake.h"
 
 #include <atomic>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "integration/CLIInstaller.h"
 
-#include "platform/MainBundle.h"
-#include "platform/PrivilegedRunner.h"
+#include "ports/MainBundle.h"
+#include "ports/PrivilegedRunner.h"
 
 #include <QCoreApplication>
 

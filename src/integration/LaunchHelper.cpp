@@ -1,7 +1,7 @@
 #include "integration/LaunchHelper.h"
 
-#include "platform/Console.h"
-#include "platform/LoginItem.h"
+#include "base/Console.h"
+#include "ports/LoginItem.h"
 
 #include <cassert>
 #include <optional>

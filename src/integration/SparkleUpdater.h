@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/Observation.h"
-#include "platform/UpdaterController.h"
-#include "platform/UserDefaults.h"
+#include "base/Observation.h"
+#include "ports/UpdaterController.h"
+#include "ports/UserDefaults.h"
 
 #include <cstdint>
 #include <functional>

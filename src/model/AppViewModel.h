@@ -1,11 +1,11 @@
 #pragma once
 
+#include "base/NotificationCenter.h"
+#include "base/Task.h"
 #include "display/DisplayManager.h"
-#include "platform/Calendar.h"
-#include "platform/DistributedNotificationCenter.h"
-#include "platform/NotificationCenter.h"
-#include "platform/Task.h"
-#include "platform/UserDefaults.h"
+#include "ports/Calendar.h"
+#include "ports/DistributedNotificationCenter.h"
+#include "ports/UserDefaults.h"
 
 #include <QObject>
 

@@ -1,8 +1,8 @@
 #include "model/SettingsViewModel.h"
 
-#include "model/DefaultsKeys.h"
-#include "model/Notifications.h"
-#include "platform/Console.h"
+#include "base/Console.h"
+#include "protocol/DefaultsKeys.h"
+#include "protocol/Notifications.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include "model/AppViewModel.h"
 #include "model/ScheduleEntry.h"
-#include "platform/LoginItem.h"
+#include "ports/LoginItem.h"
 
 #include <QObject>
 

@@ -1,7 +1,7 @@
 #include "ui/AppearanceFollower.h"
 
-#include "controls/HouseStyle.h"
-#include "controls/Theme.h"
+#include "ui/controls/HouseStyle.h"
+#include "ui/controls/Theme.h"
 
 #include <QApplication>
 #include <QStyle>

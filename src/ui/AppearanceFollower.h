@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Appearance.h"
+#include "ports/Appearance.h"
 
 #include <QPalette>
 

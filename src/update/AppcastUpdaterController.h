@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Task.h"
-#include "platform/UpdaterController.h"
+#include "base/Task.h"
+#include "ports/UpdaterController.h"
 #include "update/UpdateService.h"
 
 namespace ambertide {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/MainBundle.h"
-#include "signature/SignatureVerifier.h"
+#include "ports/MainBundle.h"
 #include "update/HttpsDownloader.h"
 #include "update/UpdateChoice.h"
+#include "update/signature/SignatureVerifier.h"
 
 #include <QUrl>
 

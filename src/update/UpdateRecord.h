@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Calendar.h"
-#include "platform/UserDefaults.h"
+#include "ports/Calendar.h"
+#include "ports/UserDefaults.h"
 
 #include <QString>
 

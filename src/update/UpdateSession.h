@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/UpdateInstaller.h"
+#include "ports/UpdateInstaller.h"
 #include "update/Appcast.h"
 #include "update/HttpsDownloader.h"
 #include "update/UpdateConfiguration.h"

@@ -1,7 +1,7 @@
 #include "app/AppDelegate.h"
 
-#include "model/DefaultsKeys.h"
-#include "model/Notifications.h"
+#include "protocol/DefaultsKeys.h"
+#include "protocol/Notifications.h"
 #include "support/CapturedConsole.h"
 #include "support/FakeDistributedNotificationCenter.h"
 #include "support/FakeMainBundle.h"

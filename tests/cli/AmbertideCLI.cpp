@@ -1,6 +1,6 @@
-#include "model/Notifications.h"
-#include "platform/linux/DBusNotificationCenter.h"
-#include "platform/linux/DBusRunningApplications.h"
+#include "adapters/linux/bus/DBusNotificationCenter.h"
+#include "adapters/linux/bus/DBusRunningApplications.h"
+#include "protocol/Notifications.h"
 #include "support/PrivateBus.h"
 
 #include <QElapsedTimer>

@@ -1,11 +1,11 @@
 // show-update: shows the window of an update that a feed of its own announces, in the desktop's look, until it is
 // closed. For pictures.
 
-#include "platform/linux/DBusSession.h"
-#include "platform/linux/PortalAppearance.h"
+#include "adapters/linux/bus/DBusSession.h"
+#include "adapters/linux/desktop/PortalAppearance.h"
 #include "ui/AppearanceFollower.h"
+#include "ui/updates/UpdateWindow.h"
 #include "update/UpdateFixture.h"
-#include "update/ui/UpdateWindow.h"
 
 #include <QApplication>
 

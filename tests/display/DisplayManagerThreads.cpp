@@ -1,5 +1,5 @@
+#include "adapters/qt/ThreadTaskExecutor.h"
 #include "display/DisplayManager.h"
-#include "platform/qt/ThreadTaskExecutor.h"
 #include "support/FakeDisplayServices.h"
 #include "support/FakeSystemWake.h"
 

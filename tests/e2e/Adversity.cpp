@@ -1,6 +1,6 @@
+#include "adapters/linux/bus/DBusNotificationCenter.h"
 #include "e2e/ApplicationProcess.h"
-#include "model/Notifications.h"
-#include "platform/linux/DBusNotificationCenter.h"
+#include "protocol/Notifications.h"
 
 #include <QFile>
 #include <QTest>

@@ -1,7 +1,7 @@
+#include "adapters/qt/SettingsUserDefaults.h"
+#include "adapters/qt/SystemCalendar.h"
 #include "e2e/ApplicationProcess.h"
 #include "model/ScheduleEntry.h"
-#include "platform/qt/SettingsUserDefaults.h"
-#include "platform/qt/SystemCalendar.h"
 #include "support/ChildProcess.h"
 
 #include <QRandomGenerator>

@@ -1,8 +1,8 @@
 #include "e2e/ApplicationProcess.h"
 
+#include "adapters/linux/bus/BusNames.h"
+#include "adapters/linux/bus/SdBus.h"
 #include "display/DisplayManager.h"
-#include "platform/linux/BusNames.h"
-#include "platform/linux/SdBus.h"
 
 #include <QDeadlineTimer>
 #include <QDir>

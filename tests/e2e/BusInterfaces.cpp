@@ -1,5 +1,5 @@
+#include "adapters/linux/bus/BusNames.h"
 #include "e2e/ApplicationProcess.h"
-#include "platform/linux/BusNames.h"
 #include "support/busctl.h"
 
 using namespace ambertide;

@@ -1,6 +1,6 @@
 #include "integration/CLIInstaller.h"
 
-#include "platform/PrivilegedRunner.h"
+#include "ports/PrivilegedRunner.h"
 #include "support/FakeMainBundle.h"
 
 #include <QProcess>

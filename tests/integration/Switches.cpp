@@ -1,6 +1,6 @@
 #include "integration/LaunchHelper.h"
 #include "integration/SparkleUpdater.h"
-#include "platform/LoginItem.h"
+#include "ports/LoginItem.h"
 #include "support/CapturedConsole.h"
 #include "support/FakeUserDefaults.h"
 

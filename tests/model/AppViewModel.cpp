@@ -1,8 +1,8 @@
 #include "model/AppViewModel.h"
 
-#include "model/DefaultsKeys.h"
-#include "model/Notifications.h"
 #include "model/ScheduleEntry.h"
+#include "protocol/DefaultsKeys.h"
+#include "protocol/Notifications.h"
 #include "support/FakeCalendar.h"
 #include "support/FakeDisplayServices.h"
 #include "support/FakeDistributedNotificationCenter.h"

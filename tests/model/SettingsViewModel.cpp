@@ -1,6 +1,6 @@
 #include "model/SettingsViewModel.h"
 
-#include "model/Notifications.h"
+#include "protocol/Notifications.h"
 #include "support/CapturedConsole.h"
 #include "support/ModelBench.h"
 

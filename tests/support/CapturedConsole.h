@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Console.h"
+#include "base/Console.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Calendar.h"
+#include "ports/Calendar.h"
 
 #include <cmath>
 

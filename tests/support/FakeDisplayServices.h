@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DisplayServices.h"
+#include "ports/DisplayServices.h"
 
 #include <mutex>
 #include <utility>

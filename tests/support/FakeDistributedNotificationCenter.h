@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/DistributedNotificationCenter.h"
-#include "platform/NotificationCenter.h"
+#include "base/NotificationCenter.h"
+#include "ports/DistributedNotificationCenter.h"
 
 #include <string>
 #include <utility>

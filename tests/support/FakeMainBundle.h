@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/MainBundle.h"
+#include "ports/MainBundle.h"
 
 #include <functional>
 #include <map>

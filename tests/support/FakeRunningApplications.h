@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/RunningApplications.h"
+#include "ports/RunningApplications.h"
 
 #include <string>
 

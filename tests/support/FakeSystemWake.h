@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/SystemWake.h"
+#include "ports/SystemWake.h"
 
 #include <functional>
 #include <map>

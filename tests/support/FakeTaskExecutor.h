@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/TaskExecutor.h"
+#include "base/TaskExecutor.h"
 
 #include <chrono>
 #include <cstdint>

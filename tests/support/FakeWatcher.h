@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/linux/DBusSession.h"
-#include "platform/linux/SdBusReader.h"
+#include "adapters/linux/bus/DBusSession.h"
+#include "adapters/linux/bus/SdBusReader.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/AppViewModel.h"
-#include "model/DefaultsKeys.h"
+#include "protocol/DefaultsKeys.h"
 #include "support/FakeCalendar.h"
 #include "support/FakeDisplayServices.h"
 #include "support/FakeDistributedNotificationCenter.h"

@@ -1,10 +1,10 @@
 #include "ui/panel/MenuBarView.h"
 
-#include "controls/Button.h"
-#include "controls/Divider.h"
-#include "controls/SwitchRow.h"
-#include "controls/Symbol.h"
-#include "controls/TextLabel.h"
+#include "ui/controls/Button.h"
+#include "ui/controls/Divider.h"
+#include "ui/controls/SwitchRow.h"
+#include "ui/controls/Symbol.h"
+#include "ui/controls/TextLabel.h"
 #include "ui/panel/Color.h"
 #include "ui/panel/TemperatureSlider.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/AppViewModel.h"
-#include "platform/HapticPerformer.h"
+#include "ports/HapticPerformer.h"
 
 #include <QWidget>
 

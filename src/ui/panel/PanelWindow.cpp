@@ -1,7 +1,7 @@
 #include "ui/panel/PanelWindow.h"
 
-#include "controls/Drawing.h"
-#include "controls/Theme.h"
+#include "ui/controls/Drawing.h"
+#include "ui/controls/Theme.h"
 #include "ui/panel/PanelGeometry.h"
 
 #include <QBitmap>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PanelPlacement.h"
+#include "ports/PanelPlacement.h"
 
 #include <QWidget>
 

@@ -1,10 +1,10 @@
 #include "ui/settings/AboutView.h"
 
-#include "controls/ApplicationIcon.h"
-#include "controls/Button.h"
-#include "controls/Symbol.h"
-#include "controls/TextLabel.h"
-#include "platform/MainBundle.h"
+#include "ports/MainBundle.h"
+#include "ui/controls/ApplicationIcon.h"
+#include "ui/controls/Button.h"
+#include "ui/controls/Symbol.h"
+#include "ui/controls/TextLabel.h"
 
 #include <QDesktopServices>
 #include <QGridLayout>

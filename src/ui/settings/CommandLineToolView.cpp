@@ -1,8 +1,8 @@
 #include "ui/settings/CommandLineToolView.h"
 
-#include "controls/Button.h"
-#include "controls/Spinner.h"
-#include "controls/TextLabel.h"
+#include "ui/controls/Button.h"
+#include "ui/controls/Spinner.h"
+#include "ui/controls/TextLabel.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

@@ -1,11 +1,11 @@
 #include "ui/settings/GeneralSettingsView.h"
 
-#include "controls/Alert.h"
-#include "controls/Card.h"
-#include "controls/SwitchRow.h"
+#include "base/Task.h"
 #include "integration/CLIInstaller.h"
 #include "integration/LaunchHelper.h"
-#include "platform/Task.h"
+#include "ui/controls/Alert.h"
+#include "ui/controls/Card.h"
+#include "ui/controls/SwitchRow.h"
 #include "ui/settings/AboutView.h"
 #include "ui/settings/CommandLineToolView.h"
 

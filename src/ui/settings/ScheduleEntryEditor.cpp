@@ -1,9 +1,9 @@
 #include "ui/settings/ScheduleEntryEditor.h"
 
-#include "controls/Button.h"
-#include "controls/SwitchRow.h"
-#include "controls/TimeField.h"
-#include "controls/ValueSlider.h"
+#include "ui/controls/Button.h"
+#include "ui/controls/SwitchRow.h"
+#include "ui/controls/TimeField.h"
+#include "ui/controls/ValueSlider.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>

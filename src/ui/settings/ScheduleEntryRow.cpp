@@ -1,8 +1,8 @@
 #include "ui/settings/ScheduleEntryRow.h"
 
-#include "controls/Button.h"
-#include "controls/Drawing.h"
-#include "controls/Symbol.h"
+#include "ui/controls/Button.h"
+#include "ui/controls/Drawing.h"
+#include "ui/controls/Symbol.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>

@@ -1,10 +1,10 @@
 #include "ui/settings/ScheduleSettingsView.h"
 
-#include "controls/Button.h"
-#include "controls/Card.h"
-#include "controls/Sheet.h"
-#include "controls/SwitchRow.h"
-#include "controls/Symbol.h"
+#include "ui/controls/Button.h"
+#include "ui/controls/Card.h"
+#include "ui/controls/Sheet.h"
+#include "ui/controls/SwitchRow.h"
+#include "ui/controls/Symbol.h"
 #include "ui/settings/ScheduleEntryEditor.h"
 #include "ui/settings/ScheduleEntryRow.h"
 

@@ -1,10 +1,10 @@
 #include "ui/settings/SettingsView.h"
 
-#include "controls/AccessibleRole.h"
-#include "controls/IconTabBar.h"
-#include "controls/Page.h"
-#include "controls/Sheet.h"
-#include "controls/Symbol.h"
+#include "ui/controls/AccessibleRole.h"
+#include "ui/controls/IconTabBar.h"
+#include "ui/controls/Page.h"
+#include "ui/controls/Sheet.h"
+#include "ui/controls/Symbol.h"
 #include "ui/settings/GeneralSettingsView.h"
 #include "ui/settings/ScheduleSettingsView.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/TaskExecutor.h"
 #include "integration/SparkleUpdater.h"
 #include "model/SettingsViewModel.h"
-#include "platform/TaskExecutor.h"
 
 #include <QWidget>
 

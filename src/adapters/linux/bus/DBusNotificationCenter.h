@@ -1,0 +1,30 @@
+#pragma once
+
+#include "adapters/linux/bus/DBusSession.h"
+#include "base/NotificationCenter.h"
+#include "ports/DistributedNotificationCenter.h"
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace ambertide {
+
+/// Notifications as signals on the session bus, which never holds any back. Each observed name is matched by itself, so
+/// that posts of other names wake nobody up.
+class DBusNotificationCenter final : public DistributedNotificationCenter
+{
+public:
+    /// `session` must outlive the centre.
+    explicit DBusNotificationCenter(DBusSession &session) : m_session(session) {}
+
+    Observation observe(std::string name, Delivery delivery, NotificationHandler handler) override;
+    void post(const Notification &notification, Delivery delivery) override;
+
+private:
+    DBusSession &m_session;
+    NotificationCenter m_observers;
+    std::map<std::string, std::weak_ptr<Observation>> m_matches; ///< each is held by the observations of its name
+};
+
+} // namespace ambertide

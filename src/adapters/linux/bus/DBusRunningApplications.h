@@ -1,0 +1,37 @@
+#pragma once
+
+#include "adapters/linux/bus/DBusSession.h"
+#include "ports/RunningApplications.h"
+
+#include <optional>
+#include <string>
+
+namespace ambertide {
+
+/// The running copy is the owner of the well-known name that equals the bundle identifier. Asking for the copies claims
+/// that name for this one, so the bus itself settles who was first. Other copies are never asked anything: one that
+/// hangs holds nobody up.
+class DBusRunningApplications final : public RunningApplications
+{
+public:
+    /// `session` must outlive this.
+    explicit DBusRunningApplications(DBusSession &session) : m_session(session) {}
+
+    std::vector<RunningApplication> withIdentifier(std::string_view bundleIdentifier) override;
+    /// The copy that withIdentifier() has found. It gets the activation token that this process was started with,
+    /// without which a compositor would not let it come to the front.
+    void activate(const RunningApplication &application) override;
+    std::int64_t currentProcessIdentifier() const override;
+
+private:
+    void claimName();
+    void noteClaim(sd_bus_message *reply);
+    std::optional<std::int64_t> processOf(sd_bus *bus, const std::string &connection, SdBusDeadline deadline) const;
+
+    DBusSession &m_session;
+    std::string m_name;
+    Observation m_claim;
+    bool m_ownsName = false;
+};
+
+} // namespace ambertide

@@ -1,0 +1,161 @@
+#include "adapters/linux/bus/DBusSession.h"
+
+#include "base/Console.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <utility>
+
+namespace ambertide {
+
+namespace {
+
+/// How long a flood of messages may keep the rest of the main thread waiting at a stretch.
+constexpr std::chrono::milliseconds longestTurn{10};
+
+const char *absenceOf(SdBusKind kind)
+{
+    return kind == SdBusKind::session
+               ? "No session bus: the ambertide command and a second start of Ambertide cannot reach this copy"
+               : "No system bus: waking from sleep is not noticed at once";
+}
+
+std::string nameOf(SdBusKind kind) { return kind == SdBusKind::session ? "session bus" : "system bus"; }
+
+} // namespace
+
+DBusSession::DBusSession(SdBusKind kind, std::chrono::milliseconds retryInterval) : m_kind(kind)
+{
+    QObject::connect(&m_readable, &QSocketNotifier::activated, &m_readable, [this] { processMessages(); });
+    QObject::connect(&m_writable, &QSocketNotifier::activated, &m_writable, [this] { processMessages(); });
+    m_nextTurn.setSingleShot(true);
+    QObject::connect(&m_nextTurn, &QTimer::timeout, &m_nextTurn, [this] { processMessages(); });
+    m_retry.setInterval(retryInterval);
+    m_retry.setSingleShot(true);
+    QObject::connect(&m_retry, &QTimer::timeout, &m_retry, [this] {
+        if (!connect())
+            m_retry.start();
+    });
+    if (!connect()) {
+        console::print(absenceOf(kind));
+        m_isLost = true;
+        m_retry.start();
+    }
+}
+
+bool DBusSession::connect()
+{
+    m_bus = openSdBus(m_kind);
+    if (!m_bus)
+        return false;
+    for (auto &[number, installation] : m_installations)
+        installation.slot = installation.installer(m_bus.get());
+    scheduleNextTurn();
+    return true;
+}
+
+Observation DBusSession::install(Installer installer)
+{
+    const auto number = m_nextInstallation++;
+    auto slot = m_bus ? installer(m_bus.get()) : SdBusSlot();
+    m_installations.emplace(number, Installation{std::move(installer), std::move(slot)});
+    scheduleNextTurn();
+    return Observation([this, number] {
+        m_installations.erase(number);
+        scheduleNextTurn();
+    });
+}
+
+void DBusSession::afterMessage(std::function<void()> work) { m_afterMessage.push_back(std::move(work)); }
+
+void DBusSession::send(const SdBusMessage &message)
+{
+    if (!m_bus || !message)
+        return;
+    sd_bus_send(m_bus.get(), message.get(), nullptr);
+    scheduleNextTurn();
+}
+
+sd_bus *DBusSession::readyBus(SdBusDeadline deadline)
+{
+    if (!m_bus)
+        return nullptr;
+    // What has been received by now, or will be during calls on this connection, waits where no notifier sees it.
+    m_nextTurn.start(0);
+    if (waitUntilReady(m_bus.get(), deadline))
+        return m_bus.get();
+    console::print("The " + nameOf(m_kind) + " does not answer");
+    return nullptr;
+}
+
+void DBusSession::processMessages()
+{
+    const auto end = std::chrono::steady_clock::now() + longestTurn;
+    while (m_bus && std::chrono::steady_clock::now() < end) {
+        const int result = sd_bus_process(m_bus.get(), nullptr);
+        if (result < 0)
+            noteLoss();
+        while (!m_afterMessage.empty()) {
+            const auto work = std::move(m_afterMessage.front());
+            m_afterMessage.pop_front();
+            work();
+        }
+        if (result <= 0)
+            break;
+    }
+    noteReturn();
+    scheduleNextTurn();
+}
+
+void DBusSession::noteLoss()
+{
+    watch(m_readable, false);
+    watch(m_writable, false);
+    for (auto &[number, installation] : m_installations)
+        installation.slot.reset();
+    m_bus.reset();
+    m_retry.start();
+    if (!std::exchange(m_isLost, true))
+        console::print("Lost the " + nameOf(m_kind) + "; trying to reach it again");
+}
+
+void DBusSession::noteReturn()
+{
+    if (m_isLost && m_bus && sd_bus_is_ready(m_bus.get()) > 0) {
+        m_isLost = false;
+        console::print("The " + nameOf(m_kind) + " is back");
+    }
+}
+
+void DBusSession::scheduleNextTurn()
+{
+    m_nextTurn.stop();
+    if (!m_bus)
+        return;
+    const int events = sd_bus_get_events(m_bus.get());
+    watch(m_readable, true);
+    watch(m_writable, events > 0 && (events & POLLOUT) != 0);
+
+    std::uint64_t due = std::numeric_limits<std::uint64_t>::max(); // monotonic clock, microseconds
+    if (sd_bus_get_timeout(m_bus.get(), &due) < 0 || !m_afterMessage.empty())
+        due = 0;
+    if (due == std::numeric_limits<std::uint64_t>::max())
+        return;
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    const auto left = std::chrono::microseconds(due) - now;
+    m_nextTurn.start(std::max(std::chrono::ceil<std::chrono::milliseconds>(left), std::chrono::milliseconds(0)));
+}
+
+void DBusSession::watch(QSocketNotifier &notifier, bool isWanted)
+{
+    const int socket = isWanted ? sd_bus_get_fd(m_bus.get()) : -1;
+    if (socket >= 0 && notifier.socket() != socket)
+        notifier.setSocket(socket);
+    if (notifier.isEnabled() != (socket >= 0))
+        notifier.setEnabled(socket >= 0);
+}
+
+} // namespace ambertide

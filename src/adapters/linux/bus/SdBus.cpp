@@ -1,0 +1,97 @@
+#include "adapters/linux/bus/SdBus.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+
+namespace ambertide {
+
+namespace {
+
+std::uint64_t microsecondsUntil(SdBusDeadline deadline)
+{
+    using std::chrono::microseconds;
+    const auto left = std::chrono::duration_cast<microseconds>(deadline - std::chrono::steady_clock::now());
+    return static_cast<std::uint64_t>(std::max(left, microseconds(0)).count());
+}
+
+/// A refused rule leaves its observer without posts, which nobody can act on; sd-bus by itself would end the
+/// connection.
+int ignoreReply(sd_bus_message *, void *, sd_bus_error *) { return 0; }
+
+} // namespace
+
+SdBusConnection openSdBus(SdBusKind kind)
+{
+    sd_bus *bus = nullptr;
+    const int result = kind == SdBusKind::session ? sd_bus_open_user(&bus) : sd_bus_open_system(&bus);
+    return SdBusConnection(result < 0 ? nullptr : bus);
+}
+
+bool processUntil(sd_bus *bus, SdBusDeadline deadline, const std::function<bool()> &isDone)
+{
+    while (!isDone()) {
+        const auto left = microsecondsUntil(deadline);
+        const int handled = left > 0 ? sd_bus_process(bus, nullptr) : -ETIMEDOUT;
+        if (handled < 0)
+            return false;
+        if (handled > 0)
+            continue;
+        const int waited = sd_bus_wait(bus, left);
+        if (waited < 0 && waited != -EINTR)
+            return false;
+    }
+    return true;
+}
+
+bool waitUntilReady(sd_bus *bus, SdBusDeadline deadline)
+{
+    return processUntil(bus, deadline, [bus] { return sd_bus_is_ready(bus) > 0; });
+}
+
+SdBusMessage callUntil(sd_bus *bus, sd_bus_message *call, SdBusDeadline deadline, int *error)
+{
+    sd_bus_message *reply = nullptr;
+    const auto left = microsecondsUntil(deadline); // to sd-bus, 0 stands for its own default
+    const int result = left > 0 ? sd_bus_call(bus, call, left, nullptr, &reply) : -ETIMEDOUT;
+    if (error != nullptr)
+        *error = result < 0 ? -result : 0;
+    return SdBusMessage(reply);
+}
+
+SdBusMessage askBus(sd_bus *bus, const char *method, const std::string &name, SdBusDeadline deadline, int *error)
+{
+    sd_bus_message *call = nullptr;
+    int result = sd_bus_message_new_method_call(bus, &call, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                "org.freedesktop.DBus", method);
+    const SdBusMessage owner(call);
+    if (result >= 0)
+        result = sd_bus_message_append_basic(call, 's', name.c_str());
+    if (result >= 0)
+        return callUntil(bus, call, deadline, error);
+    if (error != nullptr)
+        *error = -result;
+    return nullptr;
+}
+
+std::optional<std::string> ownerOfName(sd_bus *bus, const std::string &name, SdBusDeadline deadline)
+{
+    int error = 0;
+    const auto reply = askBus(bus, "GetNameOwner", name, deadline, &error);
+    const char *owner = nullptr;
+    if (reply && sd_bus_message_read_basic(reply.get(), 's', static_cast<void *>(&owner)) > 0)
+        return owner;
+    // What sd-bus makes of org.freedesktop.DBus.Error.NameHasNoOwner.
+    if (error == ENXIO)
+        return std::string();
+    return std::nullopt;
+}
+
+SdBusSlot addMatch(sd_bus *bus, const std::string &rule, sd_bus_message_handler_t handler, void *context)
+{
+    sd_bus_slot *slot = nullptr;
+    sd_bus_add_match_async(bus, &slot, rule.c_str(), handler, ignoreReply, context);
+    return SdBusSlot(slot);
+}
+
+} // namespace ambertide

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "adapters/linux/bus/SdBus.h"
+#include "base/UserInfo.h"
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ambertide {
+
+/// Reads a message from a stranger in bounded time and memory.
+///
+/// Any false or empty result means that the message is malformed, or so large that it could only be meant to hold the
+/// reader up; nothing more can be read then. The message must outlive the reader.
+class SdBusReader
+{
+public:
+    static constexpr std::size_t mostEntries = 64;
+    /// Bytes. Longer texts are cut after a whole character.
+    static constexpr std::size_t longestText = 1024;
+
+    explicit SdBusReader(sd_bus_message *message) : m_message(message) {}
+
+    std::optional<std::string> text();
+
+    /// An array `as`, cut to its first entries.
+    std::optional<std::vector<std::string>> texts();
+
+    /// A dictionary `a{sv}`, cut to its first entries; `alwaysKept` is among them wherever it stands. Values that are
+    /// no number, truth value or text become opaque; an unsigned number too large for an integer becomes a double; one
+    /// that is wrapped more than once is unwrapped.
+    std::optional<UserInfo> dictionary(std::string_view alwaysKept = {});
+
+    /// A dictionary `a{sa{sv}}` of such, cut likewise.
+    std::optional<std::map<std::string, UserInfo, std::less<>>> dictionaries(std::string_view alwaysKept);
+
+    /// One value like those of a dictionary.
+    std::optional<UserInfoValue> variant();
+
+    /// Passes over the next value, whatever it is. sd-bus can do that too, but looks at each element of the largest
+    /// arrays that a bus lets through.
+    bool skip();
+
+private:
+    bool enter(char type, const char *contents);
+    bool leave();
+    bool isAtEnd();
+    template <typename Value>
+    std::optional<Value> basic(char type);
+    template <typename Wire>
+    std::optional<UserInfoValue> integer(char type);
+    std::optional<UserInfoValue> variantContents(const std::string &signature);
+
+    sd_bus_message *m_message;
+    int m_valuesLeft = 100'000; ///< nested ones included; reading that many takes some 20 ms
+};
+
+} // namespace ambertide

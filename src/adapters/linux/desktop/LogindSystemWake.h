@@ -1,0 +1,28 @@
+#pragma once
+
+#include "adapters/linux/bus/DBusSession.h"
+#include "base/NotificationCenter.h"
+#include "ports/SystemWake.h"
+
+namespace ambertide {
+
+/// Wake-ups as systemd-logind and its replacements announce them on the system bus.
+class LogindSystemWake final : public SystemWake
+{
+public:
+    /// `systemBus` must outlive this.
+    explicit LogindSystemWake(DBusSession &systemBus);
+    LogindSystemWake(const LogindSystemWake &) = delete;
+    LogindSystemWake &operator=(const LogindSystemWake &) = delete;
+
+    Observation observe(std::function<void()> handler) override;
+
+private:
+    static int receive(sd_bus_message *message, void *context, sd_bus_error *error);
+
+    DBusSession &m_systemBus;
+    NotificationCenter m_observers;
+    Observation m_match;
+};
+
+} // namespace ambertide

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "ports/LoginItem.h"
+
+#include <filesystem>
+
+namespace ambertide {
+
+class MainBundle;
+
+/// The autostart entry of the user, as the Desktop Application Autostart Specification has it:
+/// $XDG_CONFIG_HOME/autostart/me.tovanu.Ambertide.desktop, ~/.config by default.
+///
+/// The file is replaced in one step: a session that starts at that moment reads the old entry or the new one. A
+/// symbolic link in its place is replaced, never followed.
+class XdgLoginItem final : public LoginItem
+{
+public:
+    /// The bundle must outlive the item.
+    explicit XdgLoginItem(const MainBundle &bundle);
+
+    LoginItemStatus status() const override;
+    std::optional<std::string> registerItem() override;
+    std::optional<std::string> unregisterItem() override;
+
+private:
+    std::string entryText() const;
+
+    const MainBundle &m_bundle;
+};
+
+} // namespace ambertide

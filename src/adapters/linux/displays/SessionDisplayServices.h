@@ -1,0 +1,16 @@
+#pragma once
+
+#include "ports/DisplayServices.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace ambertide {
+
+/// The displays of the session that the environment names. A Wayland session never falls through to X11, whose tables
+/// have no effect there. Where nothing serves, that is said in one line and there are no displays.
+///
+/// `programs` is the folder with the application's own programs.
+std::unique_ptr<DisplayServices> makeSessionDisplayServices(const std::filesystem::path &programs);
+
+} // namespace ambertide

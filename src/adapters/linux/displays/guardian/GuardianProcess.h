@@ -1,0 +1,52 @@
+#pragma once
+
+#include "adapters/linux/displays/guardian/GuardianMessage.h"
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+
+namespace ambertide {
+
+/// The application's end of its guardian: starts the process with the first tint, another one when it has died (at most
+/// one a second), and tells it what it has to watch. One thread at a time.
+///
+/// A guardian that cannot be started is said in one line, and everything runs on without it.
+class GuardianProcess
+{
+public:
+    /// `program` is the guardian's file, `display` the name of the X server.
+    GuardianProcess(std::filesystem::path program, std::string display);
+    /// Waits for the guardian's end, half a second at most. The connection that tints should be closed before.
+    ~GuardianProcess();
+    GuardianProcess(const GuardianProcess &) = delete;
+    GuardianProcess &operator=(const GuardianProcess &) = delete;
+
+    /// To be called before each write of a tint: `claim` is the window of the claim under which it is made.
+    void guard(GuardianMessage claim);
+    /// The displays have the system's own colours: nothing is to be done when the application ends.
+    void dismiss();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    bool isRunning();
+    bool start();
+    int spawn(int channel);
+    void tell(GuardianMessage message);
+    void forget();
+    void sayUnguarded(const char *reason);
+
+    const std::filesystem::path m_program;
+    const std::string m_display;
+    pid_t m_process = 0; ///< 0: none
+    int m_channel = -1;
+    GuardianMessage m_told = 0;
+    Clock::time_point m_earliestStart{};
+    int m_failures = 0; ///< of guardians in a row that gave up by themselves
+    bool m_failureSaid = false;
+};
+
+} // namespace ambertide

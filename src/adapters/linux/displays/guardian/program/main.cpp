@@ -1,0 +1,24 @@
+#include "adapters/linux/displays/guardian/program/Guardian.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+
+/// Standard input is the channel from the application, the only argument the name of the X server.
+int main(int argc, char **argv)
+{
+    if (argc != 2 || chdir("/") != 0)
+        return EXIT_FAILURE;
+    // What a terminal or a session manager sends to the group is meant for the application; whoever sends it gets the
+    // displays back by the application's end.
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_BLOCK, &all, nullptr);
+
+    ambertide::RandrConnection server(argv[1]);
+    if (server.state() != ambertide::RandrConnection::State::usable)
+        return EXIT_FAILURE;
+    ambertide::Guardian(server, STDIN_FILENO).run();
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,180 @@
+#include "adapters/linux/displays/randr/RandrConnection.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace ambertide {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+/// Far beyond any hardware, and three such tables fit in a request of every server.
+constexpr std::uint16_t largestTable = 16384;
+constexpr std::uint16_t smallestTable = 2;
+
+std::vector<xcb_window_t> rootsOf(xcb_connection_t *connection)
+{
+    std::vector<xcb_window_t> roots;
+    if (xcb_connection_has_error(connection))
+        return roots;
+    for (auto screen = xcb_setup_roots_iterator(xcb_get_setup(connection)); screen.rem > 0; xcb_screen_next(&screen))
+        roots.push_back(screen.data->root);
+    return roots;
+}
+
+} // namespace
+
+RandrConnection::RandrConnection(const std::string &display)
+    : m_xcb(xcb_connect(display.c_str(), nullptr)), m_roots(rootsOf(m_xcb.get())), m_state(examineServer())
+{
+}
+
+RandrConnection::State RandrConnection::examineServer()
+{
+    auto *const xcb = m_xcb.get();
+    if (m_roots.empty())
+        return State::unreachable;
+    const auto *randr = xcb_get_extension_data(xcb, &xcb_randr_id);
+    if (!randr || !randr->present)
+        return State::withoutRandr;
+
+    constexpr auto xwaylandExtension = "XWAYLAND"sv;
+    const auto versionCookie = xcb_randr_query_version(xcb, 1, 3);
+    const auto xwaylandCookie =
+        xcb_query_extension(xcb, static_cast<std::uint16_t>(xwaylandExtension.size()), xwaylandExtension.data());
+    const auto version = owned(xcb_randr_query_version_reply(xcb, versionCookie, nullptr));
+    const auto xwayland = owned(xcb_query_extension_reply(xcb, xwaylandCookie, nullptr));
+    if (!version || version->major_version < 1 || (version->major_version == 1 && version->minor_version < 3))
+        return State::withoutRandr;
+    if ((xwayland && xwayland->present) || hasXwaylandOutput())
+        return State::xwayland;
+    return State::usable;
+}
+
+/// Older releases have no extension that tells them apart, but a name for their outputs that nothing else uses.
+bool RandrConnection::hasXwaylandOutput()
+{
+    constexpr auto prefix = "XWAYLAND"sv;
+    std::vector<xcb_randr_get_output_info_cookie_t> cookies;
+    for (const auto &resources : screenResources()) {
+        const std::span outputs(xcb_randr_get_screen_resources_current_outputs(resources.get()),
+                                resources->num_outputs);
+        for (const auto output : outputs)
+            cookies.push_back(xcb_randr_get_output_info(m_xcb.get(), output, resources->config_timestamp));
+    }
+    bool found = false;
+    for (const auto cookie : cookies) {
+        const auto info = owned(xcb_randr_get_output_info_reply(m_xcb.get(), cookie, nullptr));
+        if (!info)
+            continue;
+        const std::span name(xcb_randr_get_output_info_name(info.get()), info->name_len);
+        found = found || std::ranges::equal(name.first(std::min(name.size(), prefix.size())), prefix);
+    }
+    return found;
+}
+
+RandrConnection::State RandrConnection::state() const
+{
+    return xcb_connection_has_error(m_xcb.get()) ? State::unreachable : m_state;
+}
+
+std::span<const RandrConnection::Crtc> RandrConnection::crtcs()
+{
+    const bool hasChanged = takeEvents();
+    if (hasChanged || !m_isWatching) {
+        watchChanges(true); // before reading, so that no change falls between
+        readCrtcs();
+    }
+    return m_crtcs;
+}
+
+const RandrConnection::Crtc *RandrConnection::find(xcb_randr_crtc_t identifier) const
+{
+    const auto found = std::ranges::find(m_crtcs, identifier, &Crtc::identifier);
+    return found == m_crtcs.end() ? nullptr : &*found;
+}
+
+std::vector<RandrConnection::Resources> RandrConnection::screenResources()
+{
+    // The form that does not probe the hardware, which takes long and makes some displays blink.
+    std::vector<xcb_randr_get_screen_resources_current_cookie_t> cookies;
+    for (const auto root : m_roots)
+        cookies.push_back(xcb_randr_get_screen_resources_current(m_xcb.get(), root));
+    std::vector<Resources> resources;
+    for (const auto cookie : cookies) {
+        if (auto reply = owned(xcb_randr_get_screen_resources_current_reply(m_xcb.get(), cookie, nullptr)))
+            resources.push_back(std::move(reply));
+    }
+    return resources;
+}
+
+void RandrConnection::watchChanges(bool watch)
+{
+    constexpr int changes =
+        XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE;
+    if (watch == std::exchange(m_isWatching, watch))
+        return;
+    for (const auto root : m_roots)
+        xcb_randr_select_input(m_xcb.get(), root, static_cast<std::uint16_t>(watch ? changes : 0));
+}
+
+/// Empties the queue and says whether anything was in it: beside the changes these are errors, after which a write may
+/// have gone to a CRTC that is no longer as it was, and the few events that every client is sent.
+bool RandrConnection::takeEvents()
+{
+    bool any = false;
+    while (owned(xcb_poll_for_event(m_xcb.get())))
+        any = true;
+    return any;
+}
+
+void RandrConnection::readCrtcs()
+{
+    struct Questions
+    {
+        xcb_randr_crtc_t crtc;
+        xcb_randr_get_crtc_info_cookie_t info;
+        xcb_randr_get_crtc_gamma_size_cookie_t tableSize;
+    };
+    std::vector<Questions> asked;
+    for (const auto &resources : screenResources()) {
+        const std::span listed(xcb_randr_get_screen_resources_current_crtcs(resources.get()), resources->num_crtcs);
+        for (const auto crtc : listed) {
+            asked.push_back({crtc, xcb_randr_get_crtc_info(m_xcb.get(), crtc, resources->config_timestamp),
+                             xcb_randr_get_crtc_gamma_size(m_xcb.get(), crtc)});
+        }
+    }
+    m_crtcs.clear();
+    for (const auto &[crtc, infoCookie, sizeCookie] : asked) {
+        const auto info = owned(xcb_randr_get_crtc_info_reply(m_xcb.get(), infoCookie, nullptr));
+        const auto table = owned(xcb_randr_get_crtc_gamma_size_reply(m_xcb.get(), sizeCookie, nullptr));
+        const bool isActive = info && info->mode != XCB_NONE;
+        const bool hasTable = table && table->size >= smallestTable && table->size <= largestTable;
+        m_crtcs.push_back({crtc, isActive, hasTable ? table->size : std::uint16_t{0}});
+    }
+}
+
+void RandrConnection::setGamma(xcb_randr_crtc_t crtc, const GammaRamp &ramp)
+{
+    xcb_randr_set_crtc_gamma(m_xcb.get(), crtc, ramp.size(), ramp.red(), ramp.green(), ramp.blue());
+}
+
+void RandrConnection::setIdentityEverywhere()
+{
+    takeEvents();
+    watchChanges(false);
+    readCrtcs();
+    for (const auto &crtc : m_crtcs) {
+        if (crtc.tableSize > 0)
+            setGamma(crtc.identifier, GammaRamp::identity(crtc.tableSize));
+    }
+}
+
+bool RandrConnection::synchronise()
+{
+    return owned(xcb_get_input_focus_reply(m_xcb.get(), xcb_get_input_focus(m_xcb.get()), nullptr)) != nullptr;
+}
+
+} // namespace ambertide

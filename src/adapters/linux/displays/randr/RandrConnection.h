@@ -1,0 +1,82 @@
+#pragma once
+
+#include "adapters/linux/displays/randr/GammaRamp.h"
+#include "adapters/linux/x11/XcbReply.h"
+
+#include <xcb/randr.h>
+#include <xcb/xcb.h>
+
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace ambertide {
+
+/// A connection to an X server, apart from any toolkit's, through which the gamma tables of all CRTCs of all its
+/// screens are found and written. One thread at a time.
+///
+/// No call fails: on a connection that is not usable the lists are empty and the writes do nothing. A CRTC that the
+/// server answers for with an error (vanished, leased to another program) counts as inactive and without a table.
+class RandrConnection
+{
+public:
+    enum class State {
+        usable,
+        unreachable,  ///< no server answers at that name, or the connection has broken
+        withoutRandr, ///< the server has no RandR 1.3
+        xwayland,     ///< the server accepts tables and does not show them
+    };
+
+    struct Crtc
+    {
+        xcb_randr_crtc_t identifier;
+        bool isActive;           ///< has a mode
+        std::uint16_t tableSize; ///< entries in each of its tables; 0 when it has none
+    };
+
+    explicit RandrConnection(const std::string &display);
+
+    State state() const;
+
+    /// The CRTCs as they are now. From the first call on the server tells of changes and errors, so that this costs
+    /// nothing where there are none, and two round trips, whatever the number of CRTCs, where there are.
+    std::span<const Crtc> crtcs();
+    /// What was last read about a CRTC; null when it is not among those.
+    const Crtc *find(xcb_randr_crtc_t identifier) const;
+
+    /// Queues a write. `ramp` must have the size of the CRTC's table.
+    void setGamma(xcb_randr_crtc_t crtc, const GammaRamp &ramp);
+    /// Reads the CRTCs and queues the identity for each that has a table, active or not. The server no longer tells of
+    /// changes: nobody would read what it says until crtcs() is called again.
+    void setIdentityEverywhere();
+
+    void flush() { xcb_flush(m_xcb.get()); }
+    /// Waits until the server has processed all that was queued; false when it could not be learned.
+    bool synchronise();
+
+    xcb_connection_t *xcb() const { return m_xcb.get(); }
+    xcb_window_t root() const { return m_roots.front(); }
+
+private:
+    using Resources = XcbReply<xcb_randr_get_screen_resources_current_reply_t>;
+    struct Disconnect
+    {
+        void operator()(xcb_connection_t *connection) const { xcb_disconnect(connection); }
+    };
+
+    State examineServer();
+    bool hasXwaylandOutput();
+    std::vector<Resources> screenResources();
+    void watchChanges(bool watch);
+    bool takeEvents();
+    void readCrtcs();
+
+    std::unique_ptr<xcb_connection_t, Disconnect> m_xcb;
+    std::vector<xcb_window_t> m_roots;
+    State m_state;
+    bool m_isWatching = false; ///< the server tells of changes, and m_crtcs is as of the last event
+    std::vector<Crtc> m_crtcs;
+};
+
+} // namespace ambertide

@@ -1,0 +1,105 @@
+#include "adapters/linux/displays/randr/RandrDisplayServices.h"
+
+#include "base/Console.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ambertide {
+
+using State = RandrConnection::State;
+
+RandrDisplayServices::RandrDisplayServices(std::string display, std::filesystem::path guardian)
+    : m_display(std::move(display)), m_guardian(std::move(guardian), m_display)
+{
+    connect();
+}
+
+std::vector<DisplayIdentifier> RandrDisplayServices::activeDisplays()
+{
+    const std::scoped_lock lock(m_lock);
+    std::vector<DisplayIdentifier> active;
+    if (!connect())
+        return active;
+    for (const auto &crtc : m_server->crtcs()) {
+        if (crtc.isActive)
+            active.push_back(crtc.identifier);
+    }
+    return active;
+}
+
+void RandrDisplayServices::setTransferTables(std::span<const DisplayIdentifier> displays, const GammaTables &tables)
+{
+    const std::scoped_lock lock(m_lock);
+    if (m_server->state() != State::usable)
+        return;
+    std::vector<GammaRamp> ramps; // one for each size that occurs
+    for (const auto display : displays) {
+        const auto *const crtc = m_server->find(display);
+        if (!crtc || crtc->tableSize == 0)
+            continue;
+        if (ramps.empty())
+            beginTint();
+        auto ramp = std::ranges::find(ramps, crtc->tableSize, &GammaRamp::size);
+        if (ramp == ramps.end())
+            ramp = ramps.emplace(ramps.end(), tables, crtc->tableSize);
+        m_server->setGamma(crtc->identifier, *ramp);
+    }
+    m_server->flush();
+}
+
+void RandrDisplayServices::restoreSystemColours()
+{
+    const std::scoped_lock lock(m_lock);
+    if (!connect())
+        return;
+    m_server->setIdentityEverywhere();
+    m_claim.reset();
+    if (m_server->synchronise())
+        m_guardian.dismiss();
+}
+
+bool RandrDisplayServices::connect()
+{
+    if (!m_server || m_server->state() == State::unreachable) {
+        m_claim.reset();
+        m_server.emplace(m_display);
+        if (m_server->state() == State::usable)
+            m_selection = TintClaim::selectionAtom(m_server->xcb());
+    }
+    const auto state = m_server->state();
+    report(state);
+    return state == State::usable;
+}
+
+void RandrDisplayServices::report(State state)
+{
+    if (state == std::exchange(m_reported, state))
+        return;
+    switch (state) {
+    case State::usable:
+        console::print("The X server " + m_display + " can be reached again.");
+        break;
+    case State::unreachable:
+        console::print("Cannot reach the X server " + m_display + "; trying again whenever displays are to be tinted.");
+        break;
+    case State::withoutRandr:
+        console::print("The X server " + m_display + " has no RandR 1.3, so displays cannot be tinted.");
+        break;
+    case State::xwayland:
+        console::print("The X server " + m_display + " is Xwayland, through which displays cannot be tinted.");
+        break;
+    }
+}
+
+/// The guardian has to know before the first tint can reach the server, and to find the claim there when it looks.
+void RandrDisplayServices::beginTint()
+{
+    if (!m_claim) {
+        m_claim.emplace(m_server->xcb(), m_server->root(), m_selection);
+        m_server->synchronise();
+    }
+    m_guardian.guard(m_claim->window());
+}
+
+} // namespace ambertide

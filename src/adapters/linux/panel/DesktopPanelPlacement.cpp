@@ -1,0 +1,71 @@
+#include "adapters/linux/panel/DesktopPanelPlacement.h"
+
+#include "adapters/linux/panel/LayerShell.h"
+#include "adapters/linux/x11/ToolkitConnection.h"
+#include "adapters/linux/x11/XcbReply.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWindow>
+
+#include <xcb/xcb.h>
+
+#include <string>
+
+namespace ambertide {
+
+namespace {
+
+bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
+
+/// EWMH: a compositing manager owns this selection.
+bool hasCompositor(xcb_connection_t *connection)
+{
+    const std::string name = "_NET_WM_CM_S0";
+    const auto atom = owned(xcb_intern_atom_reply(
+        connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()), nullptr));
+    if (!atom)
+        return false;
+    const auto owner =
+        owned(xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
+    return owner && owner->owner != XCB_WINDOW_NONE;
+}
+
+} // namespace
+
+PanelPlacement::Manner DesktopPanelPlacement::manner() const
+{
+    if (isWayland())
+        return layer_shell::isOffered() ? Manner::Layer : Manner::Window;
+    // Xwayland neither tells the pointer's place nor of presses outside of its windows.
+    return qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? Manner::Popup : Manner::Window;
+}
+
+bool DesktopPanelPlacement::hasTransparency() const
+{
+    if (isWayland())
+        return true;
+    auto *connection = toolkitConnection();
+    return connection != nullptr && hasCompositor(connection);
+}
+
+bool DesktopPanelPlacement::isButtonHeld() const
+{
+    auto *connection = toolkitConnection();
+    if (connection == nullptr)
+        return false;
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const auto pointer = owned(xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
+    return pointer &&
+           (pointer->mask & (XCB_KEY_BUT_MASK_BUTTON_1 | XCB_KEY_BUT_MASK_BUTTON_2 | XCB_KEY_BUT_MASK_BUTTON_3)) != 0;
+}
+
+void DesktopPanelPlacement::anchor(QWindow &window, std::optional<QPoint> place)
+{
+    auto *screen = place ? QGuiApplication::screenAt(*place) : nullptr;
+    const auto position = screen != nullptr ? layerPosition(window.size(), place, screen->geometry())
+                                            : layerPosition(window.size(), std::nullopt, {});
+    layer_shell::anchor(window, position, screen);
+}
+
+} // namespace ambertide

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "adapters/linux/bus/DBusSession.h"
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace ambertide {
+
+/// Exports `org.freedesktop.Application` at the application's path, for launchers, a second copy and other desktop
+/// programs. The caller is answered first; the callbacks run after that, on the main thread.
+class DBusApplicationObject
+{
+public:
+    /// Gets the token with which the desktop lets a window come to the front; empty when there is none.
+    using Callback = std::function<void(const std::string &activationToken)>;
+
+    /// `activate` also stands for opening files, of which this application knows none. `session` must outlive this.
+    DBusApplicationObject(DBusSession &session, Callback activate);
+    DBusApplicationObject(const DBusApplicationObject &) = delete;
+    DBusApplicationObject &operator=(const DBusApplicationObject &) = delete;
+
+    /// As if somebody had called Activate.
+    void activate(const std::string &activationToken) const { m_activate(activationToken); }
+
+    /// Actions of other names are refused. Parameters are ignored.
+    void setAction(std::string name, Callback callback);
+
+private:
+    struct Methods;
+
+    DBusSession &m_session;
+    Callback m_activate;
+    std::map<std::string, Callback> m_actions;
+    Observation m_object;
+};
+
+} // namespace ambertide

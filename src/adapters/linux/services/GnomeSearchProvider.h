@@ -1,0 +1,31 @@
+#pragma once
+
+#include "adapters/linux/bus/DBusSession.h"
+#include "model/presets/ColorTemperature.h"
+
+#include <functional>
+
+namespace ambertide {
+
+/// Answers the searches of GNOME Shell, by the interface `org.gnome.Shell.SearchProvider2`, with the presets that the
+/// terms may mean. The caller is answered before a callback runs, on the main thread.
+class GnomeSearchProvider
+{
+public:
+    using Perform = std::function<void(ColorTemperature)>;
+
+    /// `launch` is for a search that is to go on in the application. `session` must outlive this.
+    GnomeSearchProvider(DBusSession &session, Perform perform, std::function<void()> launch);
+    GnomeSearchProvider(const GnomeSearchProvider &) = delete;
+    GnomeSearchProvider &operator=(const GnomeSearchProvider &) = delete;
+
+private:
+    struct Methods;
+
+    DBusSession &m_session;
+    Perform m_perform;
+    std::function<void()> m_launch;
+    Observation m_object;
+};
+
+} // namespace ambertide

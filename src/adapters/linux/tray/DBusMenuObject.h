@@ -1,0 +1,39 @@
+#pragma once
+
+#include "adapters/linux/bus/DBusSession.h"
+#include "adapters/linux/tray/DBusMenuItems.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace ambertide {
+
+/// A menu of one level that the desktop's panel draws: exported by the interface `com.canonical.dbusmenu`. Main thread.
+class DBusMenuObject
+{
+public:
+    /// Absolute, in the manner of D-Bus.
+    static constexpr char path[] = "/MenuBar";
+
+    /// `session` must outlive this.
+    explicit DBusMenuObject(DBusSession &session);
+    DBusMenuObject(const DBusMenuObject &) = delete;
+    DBusMenuObject &operator=(const DBusMenuObject &) = delete;
+
+    /// What a host still shows of the former items does nothing, unless their texts are the same.
+    void setItems(std::vector<TrayMenuItem> items);
+
+private:
+    struct Methods;
+
+    void sendLayoutUpdated();
+    void sendStates();
+    void activate(std::int32_t identifier);
+
+    DBusSession &m_session;
+    DBusMenuItems m_items;
+    std::uint32_t m_revision = 1;
+    Observation m_object;
+};
+
+} // namespace ambertide

@@ -1,0 +1,107 @@
+#include "adapters/linux/tray/DesktopTrayIcon.h"
+
+#include "adapters/linux/tray/XembedTrayIcon.h"
+#include "base/Console.h"
+
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+namespace ambertide {
+
+namespace {
+
+constexpr char applicationName[] = "Ambertide";
+
+std::unique_ptr<TrayIcon> makeXembedTrayIcon(const TrayArtwork &artwork, TrayIcon::Callbacks callbacks)
+{
+    return std::make_unique<XembedTrayIcon>(artwork, applicationName, std::move(callbacks));
+}
+
+/// In GNOME Shell it is an extension that shows the icons. It opens the menu at a click and activates at a double
+/// click; without a menu it does not show the icon, and without entries a click does nothing.
+StatusNotifierItem::Click clickOfDesktop()
+{
+    const char *desktops = std::getenv("XDG_CURRENT_DESKTOP"); // a list with colons, such as "ubuntu:GNOME"
+    const bool isGnome = desktops != nullptr && std::string_view(desktops).find("GNOME") != std::string_view::npos;
+    return isGnome ? StatusNotifierItem::Click::OpensMenu : StatusNotifierItem::Click::Activates;
+}
+
+} // namespace
+
+DesktopTrayIcon::DesktopTrayIcon(DBusSession &session, std::filesystem::path iconsFolder, Callbacks callbacks)
+    : DesktopTrayIcon(session, std::move(iconsFolder), std::move(callbacks), makeXembedTrayIcon, defaultPatience)
+{
+}
+
+DesktopTrayIcon::DesktopTrayIcon(DBusSession &session, std::filesystem::path iconsFolder, Callbacks callbacks,
+                                 MakeFallback makeFallback, std::chrono::milliseconds patience)
+    : m_artwork(std::move(iconsFolder)), m_callbacks(std::move(callbacks)), m_makeFallback(std::move(makeFallback)),
+      m_item(session, m_artwork, applicationName, clickOfDesktop(), {m_callbacks.activated, [this] { followItem(); }})
+{
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patience);
+    QObject::connect(&m_patience, &QTimer::timeout, &m_patience, [this] { fallBack(); });
+    if (session.bus() == nullptr)
+        fallBack();
+    m_isReady = true;
+}
+
+void DesktopTrayIcon::followItem()
+{
+    switch (m_item.presence()) {
+    case Presence::Shown:
+        m_patience.stop();
+        m_fallback.reset();
+        setPresence(Presence::Shown);
+        break;
+    case Presence::Pending: // a watcher is there
+        m_patience.stop();
+        setPresence(m_fallback ? m_fallback->presence() : Presence::Pending);
+        break;
+    case Presence::Nowhere:
+        if (m_fallback)
+            break;
+        setPresence(Presence::Pending);
+        m_patience.start();
+        break;
+    }
+}
+
+void DesktopTrayIcon::fallBack()
+{
+    const auto followFallback = [this] {
+        if (m_fallback)
+            setPresence(m_fallback->presence());
+    };
+    m_fallback = m_makeFallback(m_artwork, {m_callbacks.activated, followFallback});
+    m_fallback->setMenu(m_menu);
+    m_fallback->setToolTip(m_toolTip);
+    followFallback();
+    if (m_presence == Presence::Nowhere && !std::exchange(m_hasExplained, true))
+        console::print("This desktop shows no tray icons: start Ambertide again to open its panel");
+}
+
+void DesktopTrayIcon::setPresence(Presence presence)
+{
+    if (std::exchange(m_presence, presence) != presence && m_isReady)
+        m_callbacks.presenceChanged();
+}
+
+void DesktopTrayIcon::setMenu(std::vector<TrayMenuItem> items)
+{
+    m_menu = std::move(items);
+    m_item.setMenu(m_menu);
+    if (m_fallback)
+        m_fallback->setMenu(m_menu);
+}
+
+void DesktopTrayIcon::setToolTip(std::string text)
+{
+    m_toolTip = std::move(text);
+    m_item.setToolTip(m_toolTip);
+    if (m_fallback)
+        m_fallback->setToolTip(m_toolTip);
+}
+
+} // namespace ambertide

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "base/Async.h"
+#include "base/TaskExecutor.h"
+
+#include <chrono>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+namespace ambertide {
+
+/// Thrown inside a task's body by a sleep or a check once the task has been cancelled; ends the task without noise.
+struct CancellationError : std::exception
+{
+    const char *what() const noexcept override { return "the task was cancelled"; }
+};
+
+/// What a task's body can ask for. A cheap copy; belongs to one task.
+class TaskContext
+{
+public:
+    explicit TaskContext(std::shared_ptr<TaskState> task) : m_task(std::move(task)) {}
+
+    bool isCancelled() const { return m_task->isCancelled; }
+
+    /// Throws CancellationError when the task has been cancelled.
+    void throwIfCancelled() const;
+
+    struct Sleep
+    {
+        std::shared_ptr<TaskState> task;
+        std::chrono::nanoseconds duration;
+
+        bool await_ready() const { return task->isCancelled; }
+        void await_suspend(std::coroutine_handle<> frame);
+        void await_resume() const;
+    };
+
+    struct HopToMain
+    {
+        std::shared_ptr<TaskState> task;
+
+        bool await_ready() const { return false; }
+        void await_suspend(std::coroutine_handle<> frame);
+        void await_resume() const {}
+    };
+
+    /// `co_await sleep(d)`: goes on in the background after `d`. Throws CancellationError at once on cancellation.
+    Sleep sleep(std::chrono::nanoseconds duration) const { return {m_task, duration}; }
+
+    /// `co_await onMain()`: goes on on the main thread. Does not look at cancellation.
+    HopToMain onMain() const { return {m_task}; }
+
+    /// For the outermost coroutine, as its last act.
+    void markEnded() const { m_task->hasEnded = true; }
+
+private:
+    std::shared_ptr<TaskState> m_task;
+};
+
+/// Handle of an asynchronous task. Copyable; letting go of it neither cancels nor joins. Safe from any thread as long
+/// as one handle object is not written and read at once (TaskSlot is for that).
+class Task
+{
+public:
+    /// The body may be a lambda with captures: they live as long as the task. Anything but a CancellationError that
+    /// leaves the body ends the process.
+    using Body = std::function<Async(TaskContext)>;
+
+    Task() = default;
+
+    /// Starts the body on the background executor. Both calls return before it runs.
+    static Task start(TaskExecutor &executor, Body body);
+    /// Starts the body on the main thread.
+    static Task startOnMain(TaskExecutor &executor, Body body);
+
+    explicit operator bool() const { return m_task != nullptr; }
+
+    /// Marks the task as cancelled and ends its sleep. Does nothing on an empty handle or a task that has ended.
+    void cancel() const;
+
+private:
+    explicit Task(std::shared_ptr<TaskState> task) : m_task(std::move(task)) {}
+    static Continuation prepare(TaskExecutor &executor, Body body);
+
+    std::shared_ptr<TaskState> m_task;
+};
+
+/// A place for one task, used from several threads. A task that is replaced is cancelled: no other than the one stored
+/// here runs on.
+class TaskSlot
+{
+public:
+    void cancel();
+    void store(Task task);
+
+private:
+    std::mutex m_lock;
+    Task m_task;
+};
+
+} // namespace ambertide

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "model/presets/ColorTemperature.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace ambertide {
+
+class DistributedNotificationCenter;
+class UserDefaults;
+
+/// The one action that is offered to launchers and shortcuts: every display gets a preset's temperature. It asks for
+/// that in the way of any other program, and has no word from the application whether it was done.
+struct SetColorTemperatureShortcut
+{
+    static constexpr std::string_view title = "Set Color Temperature";
+    static constexpr std::string_view parameterTitle = "Temperature";
+
+    ColorTemperature temperature = ColorTemperature::k6500;
+
+    /// Stores the temperature, for the next start should the application not run, and posts the request. On the thread
+    /// of the notification centre.
+    void perform(UserDefaults &userDefaults, DistributedNotificationCenter &notifications) const;
+
+    /// "Set display temperature to 3400K (Halogen)".
+    std::string parameterSummary() const;
+
+    /// What a person says to have it done, the usual phrase first.
+    std::array<std::string, 2> phrases(std::string_view applicationName) const;
+};
+
+} // namespace ambertide

@@ -1,9 +1,0 @@
-#include "platform/linux/placement/LayerShell.h"
-
-namespace ambertide::layer_shell {
-
-bool isOffered() { return false; }
-
-void anchor(QWindow &, const LayerPosition &, QScreen *) {}
-
-} // namespace ambertide::layer_shell

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "base/Observation.h"
+
+#include <functional>
+
+namespace ambertide {
+
+/// Port: tells when the machine has woken from sleep. Main thread. Silent on systems that cannot tell.
+class SystemWake
+{
+public:
+    virtual ~SystemWake() = default;
+
+    virtual Observation observe(std::function<void()> handler) = 0;
+};
+
+} // namespace ambertide

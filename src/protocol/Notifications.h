@@ -1,0 +1,40 @@
+#pragma once
+
+#include "base/Notification.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// The notifications that tie the processes and the models of this system together.
+namespace ambertide::notifications {
+
+inline constexpr char updateTemperature[] = "Ambertide.UpdateTemperature";
+inline constexpr char getTemperature[] = "Ambertide.GetTemperature";
+inline constexpr char temperatureResponse[] = "Ambertide.TemperatureResponse";
+inline constexpr char instance[] = "com.ambertide.instance";
+inline constexpr char checkScheduleNow[] = "CheckScheduleNow";
+
+/// Kelvin, under this key of the user info.
+inline constexpr char temperatureKey[] = "temperature";
+
+inline Notification withoutUserInfo(std::string name) { return {std::move(name), std::nullopt}; }
+
+inline Notification withTemperature(std::string name, std::int64_t kelvin)
+{
+    return {std::move(name), UserInfo{{temperatureKey, kelvin}}};
+}
+
+/// Nothing when there is none or it is no whole number. The range is not looked at.
+inline std::optional<std::int64_t> integerTemperature(const Notification &notification)
+{
+    return notification.userInfo ? integerValue(*notification.userInfo, temperatureKey) : std::nullopt;
+}
+
+/// Nothing when there is none or it is no number. The range is not looked at.
+inline std::optional<double> anyTemperature(const Notification &notification)
+{
+    return notification.userInfo ? numberValue(*notification.userInfo, temperatureKey) : std::nullopt;
+}
+
+} // namespace ambertide::notifications

@@ -1,0 +1,72 @@
+#include "ui/controls/Drawing.h"
+
+#include <QPainter>
+#include <QRadialGradient>
+#include <QStyle>
+#include <QWidget>
+
+namespace ambertide {
+
+bool showsFocusRing(const QWidget &control)
+{
+    return control.hasFocus() && control.window()->testAttribute(Qt::WA_KeyboardFocusChange);
+}
+
+void drawFocusRing(QPainter &painter, const QRectF &outline, double radius, const QColor &color)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color, 2));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(outline.adjusted(1, 1, -1, -1), radius, radius);
+}
+
+void fillRounded(QPainter &painter, const QRectF &shape, double radius, const QColor &fill)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fill);
+    painter.drawRoundedRect(shape, radius, radius);
+}
+
+void strokeRounded(QPainter &painter, const QRectF &shape, double radius, const QColor &stroke)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(stroke, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(shape.adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+}
+
+void drawThumb(QPainter &painter, const QRectF &disc, bool isOutlined)
+{
+    constexpr double blur = 2; // logical pixels, as is the offset
+    constexpr double offset = 1;
+    constexpr float shadowOpacity = 0.15F;
+    constexpr float faintOutline = 0.08F;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const double radius = disc.width() / 2;
+    const QPointF shadowCentre = disc.center() + QPointF(0, offset);
+    QRadialGradient shadow(shadowCentre, radius + blur);
+    QColor ink = Qt::black;
+    ink.setAlphaF(shadowOpacity * 2);
+    shadow.setColorAt((radius - blur) / (radius + blur), ink);
+    ink.setAlphaF(shadowOpacity);
+    shadow.setColorAt(radius / (radius + blur), ink);
+    ink.setAlphaF(0);
+    shadow.setColorAt(1, ink);
+    painter.setBrush(shadow);
+    painter.drawEllipse(shadowCentre, radius + blur, radius + blur);
+    painter.setBrush(Qt::white);
+    painter.drawEllipse(disc);
+    ink.setAlphaF(isOutlined ? 1 : faintOutline);
+    painter.setPen(QPen(ink, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(isOutlined ? disc.adjusted(0.5, 0.5, -0.5, -0.5) : disc);
+}
+
+bool areAnimationsWanted(const QWidget &control)
+{
+    return control.style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, &control) > 0;
+}
+
+} // namespace ambertide

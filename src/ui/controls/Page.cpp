@@ -1,0 +1,57 @@
+#include "ui/controls/Page.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QLayout>
+
+namespace ambertide {
+
+namespace {
+
+constexpr int marginOfFocus = 8;
+
+} // namespace
+
+Page::Page(QWidget *content, QWidget *parent) : QScrollArea(parent)
+{
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWidgetResizable(true);
+    setWidget(content);
+    content->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+    connect(qApp, &QApplication::focusChanged, this, &Page::revealFocus);
+}
+
+// The content's end may move the focus.
+Page::~Page() { qApp->disconnect(this); }
+
+int Page::idealHeight(int width) const
+{
+    const auto *layout = widget()->layout();
+    const int height =
+        layout->hasHeightForWidth() ? layout->totalHeightForWidth(width) : layout->totalSizeHint().height();
+    return qMax(height, layout->totalMinimumSize().height());
+}
+
+QSize Page::minimumSizeHint() const
+{
+    return {widget()->minimumSizeHint().width(), QScrollArea::minimumSizeHint().height()};
+}
+
+bool Page::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isEaten = QScrollArea::eventFilter(watched, event);
+    if (watched == widget() && event->type() == QEvent::LayoutRequest)
+        Q_EMIT idealHeightChanged();
+    return isEaten;
+}
+
+void Page::revealFocus(QWidget *, QWidget *focused)
+{
+    if (focused != nullptr && widget() != nullptr && widget()->isAncestorOf(focused))
+        ensureWidgetVisible(focused, 0, marginOfFocus);
+}
+
+} // namespace ambertide

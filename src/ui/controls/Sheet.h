@@ -1,0 +1,49 @@
+#pragma once
+
+#include "ui/controls/Page.h"
+
+#include <QPointer>
+#include <QWidget>
+
+namespace ambertide {
+
+/// A small surface over a window that has to be answered before the window can be used again. It keeps the keyboard to
+/// itself, and Escape dismisses it. Belongs to the window it covers.
+class Sheet final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Shows `content`, which it takes over, in the middle of `host`, at `size` or what the content needs beyond that.
+    /// A host that is too small for it can grow: it is asked to lay itself out anew whenever neededSize() changes.
+    Sheet(QWidget &host, QWidget *content, const QSize &size, const QString &accessibleName);
+
+    /// Takes the sheet away and gives the focus back. `content` lives until control returns to the event loop.
+    void dismiss();
+
+    /// What the host has to be at least for the whole sheet to be seen.
+    QSize neededSize() const;
+
+Q_SIGNALS:
+    /// Escape was pressed. The owner decides and calls dismiss().
+    void cancelled();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void cover();
+    QSize surfaceSize() const;
+
+    QSize m_smallest;
+    QSize m_askedFor;
+    Page m_surface;
+    QPointer<QWidget> m_formerFocus;
+};
+
+} // namespace ambertide

@@ -1,0 +1,106 @@
+#include "adapters/linux/bus/PostedSignal.h"
+
+#include "adapters/linux/bus/SdBusReader.h"
+#include "support/PrivateBus.h"
+
+#include <QTest>
+
+using namespace ambertide;
+
+class PostedSignalTest : public QObject
+{
+    Q_OBJECT
+
+    PrivateBus m_daemon;
+    SdBusConnection m_bus = openSdBus(SdBusKind::session);
+
+    static std::optional<Notification> received(const SdBusMessage &message)
+    {
+        if (!message || sd_bus_message_seal(message.get(), 1, 0) < 0)
+            qFatal("The message is not complete");
+        return posted_signal::decode(message.get());
+    }
+    /// Reads what another program has written.
+    template <typename Write>
+    std::optional<Notification> receivedFrom(Write write) const
+    {
+        sd_bus_message *message = nullptr;
+        sd_bus_message_new_signal(m_bus.get(), &message, "/a", "a.b", "C");
+        write(message);
+        return received(SdBusMessage(message));
+    }
+
+private Q_SLOTS:
+    void whatIsPostedArrivesUnchanged()
+    {
+        const Notification full = {"Some.Name", UserInfo{{"", true},
+                                                         {"temperature", std::int64_t{3400}},
+                                                         {"least", std::numeric_limits<std::int64_t>::min()},
+                                                         {"fraction", 3450.5},
+                                                         {"text", std::string("warm \u2600")}}};
+        for (const auto &posted : {Notification{"Some.Name", std::nullopt}, full}) {
+            const auto notification = received(posted_signal::encode(m_bus.get(), posted));
+            QVERIFY(notification && notification->name == posted.name && notification->userInfo == posted.userInfo);
+        }
+        QVERIFY(!posted_signal::encode(m_bus.get(), {"Name", UserInfo{{"no UTF-8", std::string("\xff")}}}));
+    }
+
+    void valuesOfOtherProgramsAreReadAndMessagesOfAnotherShapeAreNothing()
+    {
+        const auto isRead = [this](const UserInfoValue &expected, const char *type, auto... values) {
+            const auto notification = receivedFrom([=](auto *message) {
+                sd_bus_message_append(message, "sa{sv}", "Name", 2, "value", type, values..., "after", "b", 1);
+            });
+            return notification && notification->userInfo == UserInfo{{"value", expected}, {"after", true}};
+        };
+        QVERIFY(isRead(std::int64_t{-5}, "n", -5));
+        QVERIFY(isRead(std::int64_t{4294967295}, "u", 4294967295U));
+        QVERIFY(isRead(18446744073709551615.0, "t", ~std::uint64_t{0}));
+        QVERIFY(isRead(OpaqueValue{"h"}, "h", 0));
+        QVERIFY(isRead(OpaqueValue{"ai"}, "ai", 2, 1, 2));
+        QVERIFY(isRead(OpaqueValue{"a{sv}"}, "a{sv}", 2, "temperature", "x", std::int64_t{1}, "b", "s", "c"));
+
+        const auto isNothing = [this](const char *types, auto... values) {
+            return !receivedFrom([=](auto *message) { sd_bus_message_append(message, types, values...); });
+        };
+        QVERIFY(isNothing(""));
+        QVERIFY(isNothing("s", "Name"));
+        QVERIFY(isNothing("sa{ss}", "Name", 1, "temperature", "3400"));
+        QVERIFY(isNothing("sa{sv}s", "Name", 0, ""));
+    }
+
+    void largeContentIsCutButTheTemperatureIsKept()
+    {
+        UserInfo entries = {{"temperature", std::int64_t{3400}},
+                            {"a", std::string(1023, 'a') + "\u2600" + std::string(1'000'000, 'a')}};
+        for (int i = 0; i < 5000; ++i)
+            entries.emplace("key" + std::to_string(i), std::int64_t{i});
+        const auto notification = received(posted_signal::encode(m_bus.get(), {"Name", entries}));
+        QCOMPARE(notification.value().userInfo.value().size(), SdBusReader::mostEntries);
+        QCOMPARE(integerValue(*notification->userInfo, "temperature"), std::int64_t{3400});
+        QVERIFY(notification->userInfo->at("a") == UserInfoValue(std::string(1023, 'a')));
+    }
+
+    void largeArraysArePassedOverAsOneOrNotAtAll()
+    {
+        for (const char *type : {"u", "s"}) {
+            const auto notification = receivedFrom([type](sd_bus_message *message) {
+                sd_bus_message_append(message, "s", "Name");
+                sd_bus_message_open_container(message, 'a', "{sv}");
+                sd_bus_message_open_container(message, 'e', "sv");
+                sd_bus_message_append(message, "s", "value");
+                sd_bus_message_open_container(message, 'v', (std::string("a") + type).c_str());
+                sd_bus_message_open_container(message, 'a', type);
+                const std::uint32_t zero = 0; // or an empty text
+                for (int i = 0; i < 2'000'000; ++i)
+                    sd_bus_message_append_basic(message, *type, &zero);
+                for (int depth = 0; depth < 4; ++depth)
+                    sd_bus_message_close_container(message);
+            });
+            QCOMPARE(notification.has_value(), *type == 'u');
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(PostedSignalTest)
+#include "PostedSignal.moc"

@@ -1,0 +1,141 @@
+#include "adapters/linux/displays/randr/RandrDisplayServices.h"
+#include "support/ChildProcess.h"
+#include "support/PrivateXServer.h"
+#include "support/RandrClient.h"
+
+#include <QTest>
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+
+#include <csignal>
+#include <iostream>
+
+using namespace ambertide;
+
+namespace {
+
+/// A copy of the application, in a process group of its own.
+class Copy : public QProcess
+{
+public:
+    explicit Copy(const PrivateXServer &server)
+    {
+        setChildProcessModifier([] { setpgid(0, 0); });
+        start(QCoreApplication::applicationFilePath(),
+              {QStringLiteral("tint"), QString::fromStdString(server.display())});
+    }
+    /// Shows this level of blue, and at 1 restores the displays.
+    void show(const QByteArray &level)
+    {
+        write(level + '\n');
+        while (state() != NotRunning && !canReadLine())
+            waitForReadyRead(100);
+        readAll();
+    }
+    void signalGroup(int signal)
+    {
+        ::kill(-static_cast<pid_t>(processId()), signal);
+        waitForFinished();
+    }
+    pid_t guardian() const { return childOf(static_cast<pid_t>(processId()), "AmbertideGuardian"); }
+};
+
+int runCopy(const char *display)
+{
+    RandrDisplayServices services(display, AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
+    for (float level = 0; std::cin >> level; std::cout << level << std::endl) {
+        GammaTables tables{};
+        tables.blue.fill(level);
+        if (level < 1)
+            services.setTransferTables(services.activeDisplays(), tables);
+        else
+            services.restoreSystemColours();
+    }
+    return 0;
+}
+
+/// Of a guardian whose application has ended.
+bool endsInTime(pid_t guardian)
+{
+    return QTest::qWaitFor([guardian] { return waitpid(guardian, nullptr, WNOHANG) == guardian; }, 500);
+}
+
+} // namespace
+
+class GuardianTest : public QObject
+{
+    Q_OBJECT
+
+    const PrivateXServer m_server{PrivateXServer::Kind::framebuffer};
+    RandrClient m_client{m_server.display()};
+    const xcb_randr_crtc_t m_display = m_client.crtcs().front();
+
+private Q_SLOTS:
+    void displaysAreGivenBackWhateverEndsTheApplication()
+    {
+        for (const int signal : {0, SIGKILL, SIGINT}) {
+            Copy copy(m_server);
+            for (const auto *level : {"0.5", "1", "0.5"})
+                copy.show(level);
+            QTRY_COMPARE(m_client.ramp(m_display)[2][0], 32768);
+            const auto guardian = copy.guardian();
+            QVERIFY(guardian > 0);
+            for (const int harmless : {SIGTERM, SIGINT, SIGQUIT, SIGHUP, SIGTSTP, SIGPIPE})
+                QCOMPARE(kill(guardian, harmless), 0);
+            if (signal == 0)
+                copy.closeWriteChannel(); // and it returns from main
+            copy.signalGroup(signal);
+            // An application that can still does so waits for its guardian.
+            QVERIFY(signal == 0 ? kill(guardian, 0) != 0 : endsInTime(guardian));
+            QVERIFY(m_client.showsIdentityEverywhere());
+        }
+    }
+
+    void displaysThatWereGivenBackAreLeftAlone()
+    {
+        Copy copy(m_server);
+        copy.show("0.5");
+        copy.show("1");
+        m_server.xrandr(QStringLiteral("--output screen --gamma 0.5:0.8:0.9"));
+        const auto foreign = m_client.ramp(m_display);
+        const auto guardian = copy.guardian();
+        copy.signalGroup(SIGKILL);
+        QVERIFY(endsInTime(guardian));
+        QCOMPARE(m_client.ramp(m_display), foreign);
+        QVERIFY(!m_client.showsIdentityEverywhere());
+    }
+
+    void anotherCopyThatHasTakenOverKeepsItsTintAndAGuardian()
+    {
+        Copy old(m_server);
+        old.show("0.5");
+        const auto oldGuardian = old.guardian();
+        Copy young(m_server);
+        young.show("0.25");
+        const auto youngGuardian = young.guardian();
+        old.signalGroup(SIGKILL);
+        QVERIFY(endsInTime(oldGuardian));
+        QTRY_COMPARE(m_client.ramp(m_display)[2][0], 16384);
+
+        // A guardian that dies is replaced.
+        QVERIFY(youngGuardian > 0);
+        kill(youngGuardian, SIGKILL);
+        QTRY_VERIFY((young.show("0.5"), young.guardian() != 0 && young.guardian() != youngGuardian));
+        const auto newGuardian = young.guardian();
+        young.signalGroup(SIGKILL);
+        QVERIFY(endsInTime(newGuardian));
+        QVERIFY(m_client.showsIdentityEverywhere());
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    if (argc == 3 && qstrcmp(argv[1], "tint") == 0)
+        return runCopy(argv[2]);
+    const QCoreApplication application(argc, argv);
+    prctl(PR_SET_CHILD_SUBREAPER, 1); // orphaned guardians become children of this test
+    GuardianTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "Guardian.moc"

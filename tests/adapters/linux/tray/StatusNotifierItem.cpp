@@ -1,0 +1,184 @@
+#include "adapters/linux/tray/StatusNotifierItem.h"
+
+#include "support/FakeWatcher.h"
+#include "support/PrivateBus.h"
+#include "support/busctl.h"
+
+#include <unistd.h>
+
+using namespace ambertide;
+using Presence = TrayIcon::Presence;
+
+namespace {
+
+constexpr char itemInterface[] = "/StatusNotifierItem org.kde.StatusNotifierItem ";
+constexpr char menuInterface[] = "/MenuBar com.canonical.dbusmenu ";
+
+QString itemName() { return QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(getpid()); }
+
+/// An item that a panel shows, and what comes of it.
+struct ShownItem
+{
+    PrivateBus bus;
+    FakeWatcher watcher;
+    QStringList events;
+    DBusSession session{SdBusKind::session};
+    StatusNotifierItem item;
+
+    explicit ShownItem(StatusNotifierItem::Click click = StatusNotifierItem::Click::Activates)
+        : item(session, TrayArtwork(AMBERTIDE_BUNDLE "/Contents/Resources/icons"), "Ambertide", click,
+               {[this](auto place) {
+                    events += place ? QStringLiteral("activated at %1,%2").arg(place->x()).arg(place->y())
+                                    : QStringLiteral("activated");
+                },
+                [] {}})
+    {
+        item.setMenu({entry("Set_tings"), entry("Updates", false), {}, entry("Quit")});
+        [this] { QTRY_COMPARE(item.presence(), Presence::Shown); }();
+    }
+
+    TrayMenuItem entry(const char *text, bool isEnabled = true)
+    {
+        return {text, isEnabled, [this, text] { events += QString::fromLatin1(text); }};
+    }
+
+    QString call(const char *interface, const QString &call)
+    {
+        return busctl(QStringLiteral("-- call %1 %2 %3").arg(itemName(), QLatin1String(interface), call));
+    }
+};
+
+} // namespace
+
+class StatusNotifierItemTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyWatcherThatComesUpIsTold()
+    {
+        PrivateBus bus;
+        DBusSession session(SdBusKind::session);
+        int changes = 0;
+        StatusNotifierItem item(session, TrayArtwork("/"), "Ambertide", StatusNotifierItem::Click::Activates,
+                                {[](auto) {}, [&] { ++changes; }});
+        QCOMPARE(item.presence(), Presence::Pending);
+        QTRY_COMPARE(item.presence(), Presence::Nowhere);
+        for (int panelStart = 0; panelStart < 2; ++panelStart) {
+            changes = 0;
+            auto watcher = std::make_unique<FakeWatcher>();
+            QTRY_COMPARE(item.presence(), Presence::Shown);
+            QCOMPARE(watcher->registered, QStringList(itemName()));
+            watcher.reset();
+            QTRY_COMPARE(item.presence(), Presence::Nowhere);
+            QCOMPARE(changes, 3); // with a Pending before the answer
+        }
+        const FakeWatcher refusing(FakeWatcher::Answer::Refuses);
+        QTRY_COMPARE(refusing.registered.size(), 1);
+        QTRY_COMPARE(item.presence(), Presence::Pending);
+    }
+
+    void callsAreAnsweredAndPerformed_data()
+    {
+        QTest::addColumn<QByteArray>("interface");
+        QTest::addColumn<QString>("reply"); // begins with it
+        QTest::addColumn<QString>("events");
+        const auto row = [](const char *interface, const char *call, const char *reply, const char *events = "") {
+            QTest::newRow(call) << QByteArray(interface) << QString::fromLatin1(reply) << QString::fromLatin1(events);
+        };
+        const char *const missing = "Call failed: There is no such item";
+        row(itemInterface, "Activate ii 1 2", "", "activated at 1,2");
+        row(itemInterface, "Activate ii 0 0", "", "activated");
+        row(itemInterface, "SecondaryActivate ii -1 2147483647", "", "activated at -1,2147483647");
+        row(itemInterface, "Activate s wrong", "Call failed: Invalid arguments");
+        row(itemInterface, "Scroll is 120 vertical", "");
+        row(itemInterface, "ContextMenu ii 1 2", "");
+        row(menuInterface, "GetLayout iias 0 -1 0",
+            R"(u(ia{sv}av) 2 0 1 "children-display" s "submenu" 4 )"
+            R"((ia{sv}av) 1 2 "label" s "Set__tings" "enabled" b true 0 )"
+            R"((ia{sv}av) 2 2 "label" s "Updates" "enabled" b false 0 (ia{sv}av) 3 1 "type" s "separator" 0 )"
+            R"((ia{sv}av) 4 2 "label" s "Quit" "enabled" b true 0)");
+        row(menuInterface, "GetLayout iias 0 0 0", R"(u(ia{sv}av) 2 0 1 "children-display" s "submenu" 0)");
+        row(menuInterface, "GetLayout iias 4 -1 1 label", R"(u(ia{sv}av) 2 4 2 "label" s "Quit" "enabled" b true 0)");
+        row(menuInterface, "GetLayout iias 5 -1 0", missing);
+        row(menuInterface, "GetLayout iias -2147483648 -1 0", missing);
+        row(menuInterface, "GetGroupProperties aias 3 3 99 -1 0", R"(a(ia{sv}) 1 3 1 "type" s "separator")");
+        row(menuInterface, "GetProperty is 2 enabled", "v b false");
+        row(menuInterface, "GetProperty is 2 colour", "Call failed: There is no such property");
+        row(menuInterface, "AboutToShow i 0", "b false");
+        row(menuInterface, "AboutToShowGroup ai 3 0 4 9", "aiai 0 1 9");
+        row(menuInterface, "Event isvu 1 clicked i 0 0", "", "Set_tings");
+        row(menuInterface, "Event isvu 1 hovered s any 0", "");
+        row(menuInterface, "Event isvu 2 clicked i 0 0", "");
+        row(menuInterface, "Event isvu 3 clicked i 0 0", "");
+        row(menuInterface, "Event isvu 0 clicked i 0 0", "");
+        row(menuInterface, "Event isvu 9 clicked i 0 0", missing);
+        row(menuInterface, "EventGroup a(isvu) 3 7 clicked i 0 0 4 clicked i 0 0 1 opened i 0 0", "ai 1 7", "Quit");
+    }
+    void callsAreAnsweredAndPerformed()
+    {
+        QFETCH(QByteArray, interface);
+        QFETCH(QString, reply);
+        ShownItem shown;
+        const auto said = shown.call(interface.constData(), QLatin1String(QTest::currentDataTag()));
+        QVERIFY2(reply.isEmpty() ? said.isEmpty() : said.startsWith(reply), qPrintable(said));
+        QTEST(shown.events.join(u' '), "events");
+    }
+
+    void panelsGetPixelsAndTextsWithoutMarkup()
+    {
+        ShownItem shown;
+        shown.item.setToolTip("<b> & 3400 K");
+        const auto said = busctl(QStringLiteral("get-property %1 %2 IconPixmap ToolTip")
+                                     .arg(itemName(), QLatin1String(itemInterface).trimmed()));
+        QVERIFY2(said.startsWith(QStringLiteral("a(iiay) 6 16 16 1024 0 0 0 0 ")), qPrintable(said.left(80)));
+        QVERIFY(said.contains(QStringLiteral(" 255 136 136 136 "))); // opaque, the grey of the drawing
+        QVERIFY(said.endsWith(QStringLiteral(R"("" 0 "Ambertide" "&lt;b&gt; &amp; 3400 K")")));
+    }
+
+    void whatAHostStillShowsOfAReplacedMenuDoesNothing()
+    {
+        ShownItem shown;
+        const auto click = [&](int identifier) {
+            return shown.call(menuInterface, QStringLiteral("Event isvu %1 clicked i 0 0").arg(identifier));
+        };
+        // The same texts: the open menu goes on to work, by the new states.
+        shown.item.setMenu({shown.entry("Set_tings", false), shown.entry("Updates"), {}, shown.entry("Quit")});
+        click(1);
+        click(2);
+        QCOMPARE(shown.events, QStringList(QStringLiteral("Updates")));
+        shown.item.setMenu({shown.entry("Quit")});
+        click(1);
+        QCOMPARE(shown.events.size(), 1);
+        click(5);
+        QCOMPARE(shown.events.last(), QStringLiteral("Quit"));
+    }
+
+    void whereAClickOpensTheMenuItsFirstEntryActivates()
+    {
+        ShownItem shown(StatusNotifierItem::Click::OpensMenu);
+        const auto layout = shown.call(menuInterface, QStringLiteral("GetLayout iias 0 1 0"));
+        const auto match =
+            QRegularExpression(QStringLiteral("av\\) (\\d+) 2 \"label\" s \"Open Ambertide\"")).match(layout);
+        QVERIFY2(match.hasMatch(), qPrintable(layout));
+        shown.call(menuInterface, QStringLiteral("Event isvu %1 clicked i 0 0").arg(match.captured(1)));
+        QCOMPARE(shown.events, QStringList(QStringLiteral("activated")));
+    }
+
+    void hugeCallsAreCutShort()
+    {
+        ShownItem shown;
+        constexpr int count = 9000;
+        const auto properties = shown.call(
+            menuInterface,
+            QStringLiteral("GetGroupProperties aias %1%2 0").arg(count).arg(QStringLiteral(" 4").repeated(count)));
+        QCOMPARE(properties, QStringLiteral(R"(a(ia{sv}) 1 4 2 "label" s "Quit" "enabled" b true)"));
+        shown.call(menuInterface, QStringLiteral("EventGroup a(isvu) %1%2")
+                                      .arg(count)
+                                      .arg(QStringLiteral(" 4 clicked s x 0").repeated(count)));
+        QCOMPARE(shown.events.size(), 256);
+    }
+};
+
+QTEST_MAIN(StatusNotifierItemTest)
+#include "StatusNotifierItem.moc"

@@ -1,0 +1,205 @@
+#include "adapters/qt/SettingsUserDefaults.h"
+
+#include "base/Console.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+using namespace ambertide;
+using namespace std::chrono_literals;
+
+class SettingsUserDefaultsTest : public QObject
+{
+    Q_OBJECT
+
+    std::optional<QTemporaryDir> folder;
+    QString path;
+    std::vector<std::string> printed;
+
+    ino_t fileNumber() const
+    {
+        struct stat status = {};
+        stat(path.toUtf8().constData(), &status);
+        return status.st_ino;
+    }
+    void writeFile(const QByteArray &content)
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+    QByteArray readFile(const QString &name)
+    {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        folder.emplace();
+        path = folder->filePath(QStringLiteral("config/ambertide/defaults.ini"));
+        printed.clear();
+        console::redirect([this](std::string_view line) { printed.emplace_back(line); });
+    }
+    void cleanup() { console::redirect({}); }
+
+    void everyKindOfValueComesBackFromTheFile()
+    {
+        const std::string bytes("[{\"a\":\"\xC3\xBC \\n\"},\n\0\xff]", 18);
+        SettingsUserDefaults written(path);
+        QVERIFY(!written.hasObject("d"));
+        written.setDouble("d", 3449.5);
+        written.setInteger("i", -3400);
+        written.setBool("b", true);
+        written.setData("x", bytes);
+        QCOMPARE(written.doubleValue("d"), 3449.5); // before it is on disk
+        written.flush(10s);
+
+        SettingsUserDefaults read(path);
+        QCOMPARE(read.doubleValue("d"), 3449.5);
+        QCOMPARE(read.doubleValue("i"), -3400.0);
+        QCOMPARE(read.boolValue("b"), true);
+        QVERIFY(read.data("x") == bytes);
+        QVERIFY(!read.data("absent") && !read.boolValue("absent") && read.doubleValue("absent") == 0);
+        QVERIFY(printed.empty());
+    }
+
+    void aChangeByAnotherProgramIsSeenAndKept()
+    {
+        SettingsUserDefaults defaults(path);
+        defaults.setDouble("Ambertide.Temperature", 3400);
+        defaults.flush(10s);
+        writeFile("[General]\nAmbertide.Temperature=2700\nOther=1\nNoFlag=maybe\n");
+        QCOMPARE(defaults.doubleValue("Ambertide.Temperature"), 2700.0);
+        QVERIFY(!defaults.boolValue("NoFlag"));
+        writeFile(readFile(path) + "B=1\n");
+        QFile leftOver(path + QStringLiteral(".lock")); // of a program that was killed while it wrote
+        QVERIFY(leftOver.open(QIODevice::WriteOnly));
+        defaults.setBool("Ambertide.ScheduleEnabled", true);
+        defaults.flush(10s);
+        QTRY_VERIFY(defaults.hasObject("B") && readFile(path).contains("Ambertide.ScheduleEnabled=true"));
+        QVERIFY(readFile(path).contains("B=1"));
+        QVERIFY(readFile(path).contains("Ambertide.Temperature=2700"));
+        QVERIFY(readFile(path).contains("Other=1"));
+    }
+
+    void aBrokenFileIsSetAsideAndReported_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<double>("kept");
+        QTest::newRow("cut off inside a key")
+            << QByteArray("[General]\nAmbertide.Temperature=2700\nAmbertide.Sched") << 2700.0;
+        QTest::newRow("binary") << QByteArray("\x7f\x45LF\0\0=\n\xff\xfe", 10) << 0.0;
+        QTest::newRow("not UTF-8") << QByteArray("[General]\nAmbertide.Temperature=27\xff\n") << 0.0;
+        QTest::newRow("huge") << QByteArray("[General]\nAmbertide.Temperature=2700\na=") + QByteArray(2'000'000, 'x')
+                              << 0.0;
+    }
+    void aBrokenFileIsSetAsideAndReported()
+    {
+        QFETCH(QByteArray, content);
+        writeFile(content);
+        {
+            SettingsUserDefaults defaults(path);
+            QTEST(defaults.doubleValue("Ambertide.Temperature"), "kept");
+            defaults.setBool("b", true);
+            defaults.flush(10s);
+            QTEST(defaults.doubleValue("Ambertide.Temperature"), "kept");
+        }
+        QVERIFY(SettingsUserDefaults(path).boolValue("b"));
+        QCOMPARE(readFile(path + QStringLiteral(".broken")), content);
+        QCOMPARE(printed.size(), std::size_t(1));
+
+        // a second broken file does not take the first one's place
+        writeFile("\xff\xff");
+        QVERIFY(!SettingsUserDefaults(path).hasObject("b"));
+        QCOMPARE(readFile(path + QStringLiteral(".broken")), content);
+        QCOMPARE(readFile(path + QStringLiteral(".broken-2")), QByteArray("\xff\xff"));
+    }
+
+    void whatIsNoFileIsSetAsideWithoutReadingIt_data()
+    {
+        QTest::addColumn<bool>("isPipe");
+        QTest::newRow("named pipe") << true;
+        QTest::newRow("folder") << false;
+    }
+    void whatIsNoFileIsSetAsideWithoutReadingIt()
+    {
+        QFETCH(bool, isPipe);
+        QVERIFY(QDir().mkpath(isPipe ? QFileInfo(path).path() : path));
+        if (isPipe)
+            QCOMPARE(mkfifo(path.toUtf8().constData(), 0600), 0);
+        SettingsUserDefaults defaults(path);
+        defaults.setDouble("d", 1);
+        defaults.flush(10s);
+        QVERIFY(QFileInfo(path).isFile());
+        QVERIFY(QFileInfo::exists(path + QStringLiteral(".broken")));
+    }
+
+    void whatCannotBeWrittenIsKeptReportedOnceAndWrittenLater()
+    {
+        writeFile({});
+        const auto blocker = QFileInfo(path).path(); // a file where the folder should be
+        QVERIFY(QFile::remove(path) && QDir().rmdir(blocker));
+        QFile file(blocker);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        SettingsUserDefaults defaults(path);
+        for (int i = 0; i < 10; ++i) {
+            defaults.setDouble("d", i);
+            defaults.flush(10s);
+            QCOMPARE(defaults.doubleValue("d"), double(i));
+        }
+        QCOMPARE(printed.size(), std::size_t(1));
+
+        QVERIFY(file.remove());
+        QCOMPARE(defaults.doubleValue("d"), 9.0);
+        QTRY_COMPARE(SettingsUserDefaults(path).doubleValue("d"), 9.0);
+    }
+
+    void aDragWaitsForNobodyAndIsWrittenTogether()
+    {
+        SettingsUserDefaults defaults(path);
+        defaults.setDouble("d", -1);
+        defaults.flush(10s);
+        auto lastFile = fileNumber();
+        qint64 writes = 0;
+        qint64 longestStep = 0;
+        QElapsedTimer timer;
+        timer.start();
+        std::optional<QLockFile> otherProgram(path + QStringLiteral(".lock")); // for which a write waits
+        QVERIFY(otherProgram->lock());
+        for (int i = 0; timer.elapsed() < 900; ++i) {
+            const auto start = timer.elapsed();
+            defaults.setDouble("d", i);
+            QCOMPARE(defaults.doubleValue("d"), double(i));
+            longestStep = std::max(longestStep, timer.elapsed() - start);
+            const auto previousFile = std::exchange(lastFile, fileNumber());
+            writes += lastFile == previousFile ? 0 : 1;
+            if (start > 450)
+                otherProgram.reset();
+            std::this_thread::sleep_for(1ms);
+        }
+        QVERIFY2(longestStep < 150, qPrintable(QString::number(longestStep)));
+        QVERIFY2(writes <= timer.elapsed() / 200, qPrintable(QString::number(writes)));
+        const auto last = defaults.doubleValue("d");
+        defaults.flush(10s);
+        lastFile = fileNumber();
+        SettingsUserDefaults(path).setDouble("d", last);
+        QCOMPARE(fileNumber(), lastFile);
+    }
+};
+
+QTEST_GUILESS_MAIN(SettingsUserDefaultsTest)
+#include "SettingsUserDefaults.moc"

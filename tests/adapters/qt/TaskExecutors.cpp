@@ -1,0 +1,79 @@
+#include "adapters/qt/QtMainActor.h"
+#include "adapters/qt/ThreadTaskExecutor.h"
+#include "base/Task.h"
+
+#include <QTest>
+
+#include <future>
+#include <memory>
+
+using namespace ambertide;
+using namespace std::chrono_literals;
+
+namespace {
+
+Async sleepLong(TaskContext context, std::promise<bool> &wasCut)
+{
+    try {
+        co_await context.sleep(1h);
+        wasCut.set_value(false);
+    } catch (const CancellationError &) {
+        wasCut.set_value(true);
+        throw;
+    }
+}
+
+} // namespace
+
+class TaskExecutorsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aCancelledSleepThrowsThroughNestedBodies()
+    {
+        QtMainActor mainActor;
+        ThreadTaskExecutor executor(mainActor);
+        std::promise<bool> wasCut;
+        std::promise<void> isAsleep;
+        const auto task = Task::start(executor, [&](TaskContext context) -> Async {
+            isAsleep.set_value();
+            co_await sleepLong(context, wasCut);
+        });
+        isAsleep.get_future().wait();
+        task.cancel(); // before or after the sleep has begun: both must end it
+        task.cancel();
+        QVERIFY(wasCut.get_future().get());
+    }
+
+    void whatATaskHoldsIsReleasedWithItsExecutor_data()
+    {
+        QTest::addColumn<int>("stage");
+        QTest::newRow("asleep") << 0;
+        QTest::newRow("waiting for the main thread") << 1;
+        QTest::newRow("asleep within a nested body") << 2;
+    }
+    void whatATaskHoldsIsReleasedWithItsExecutor()
+    {
+        QFETCH(int, stage);
+        const auto held = std::make_shared<int>(stage);
+        std::promise<bool> unused;
+        {
+            QtMainActor mainActor;
+            ThreadTaskExecutor executor(mainActor);
+            Task::start(executor, [held, stage, &unused](TaskContext context) -> Async {
+                if (stage == 0)
+                    co_await context.sleep(1h);
+                if (stage == 1)
+                    co_await context.onMain();
+                co_await sleepLong(context, unused);
+            });
+            QVERIFY(executor.waitUntilIdle(10s));
+            QVERIFY(held.use_count() > 1);
+        }
+        QCOMPARE(held.use_count(), 1L);
+    }
+};
+
+QTEST_GUILESS_MAIN(TaskExecutorsTest)
+#include "TaskExecutors.moc"
