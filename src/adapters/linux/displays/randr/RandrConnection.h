@@ -1,6 +1,6 @@
 #pragma once
 
-#include "adapters/linux/displays/randr/GammaRamp.h"
+#include "adapters/linux/displays/shared/GammaRamp.h"
 #include "adapters/linux/x11/XcbReply.h"
 
 #include <xcb/randr.h>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "adapters/linux/displays/guardian/GuardianProcess.h"
 #include "adapters/linux/displays/randr/RandrConnection.h"
 #include "adapters/linux/displays/randr/TintClaim.h"
+#include "adapters/linux/displays/shared/GuardianProcess.h"
 #include "ports/DisplayServices.h"
 
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "adapters/linux/displays/randr/RandrDisplayServices.h"
 
-#include "adapters/linux/displays/randr/GammaRamp.h"
+#include "adapters/linux/displays/shared/GammaRamp.h"
 #include "support/CapturedConsole.h"
 #include "support/PrivateXServer.h"
 #include "support/RandrClient.h"

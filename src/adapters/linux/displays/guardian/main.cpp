@@ -1,4 +1,4 @@
-#include "adapters/linux/displays/guardian/program/Guardian.h"
+#include "adapters/linux/displays/guardian/Guardian.h"
 
 #include <unistd.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "adapters/linux/displays/guardian/GuardianMessage.h"
+#include "adapters/linux/displays/shared/GuardianMessage.h"
 
 #include <sys/types.h>
 

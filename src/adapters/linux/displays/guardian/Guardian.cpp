@@ -1,4 +1,4 @@
-#include "adapters/linux/displays/guardian/program/Guardian.h"
+#include "adapters/linux/displays/guardian/Guardian.h"
 
 #include "adapters/linux/displays/randr/TintClaim.h"
 #include "adapters/linux/x11/XcbReply.h"

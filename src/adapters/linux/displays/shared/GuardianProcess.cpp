@@ -1,4 +1,4 @@
-#include "adapters/linux/displays/guardian/GuardianProcess.h"
+#include "adapters/linux/displays/shared/GuardianProcess.h"
 
 #include "base/Console.h"
 

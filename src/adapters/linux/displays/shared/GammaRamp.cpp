@@ -1,4 +1,4 @@
-#include "adapters/linux/displays/randr/GammaRamp.h"
+#include "adapters/linux/displays/shared/GammaRamp.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "adapters/linux/displays/guardian/GuardianMessage.h"
 #include "adapters/linux/displays/randr/RandrConnection.h"
+#include "adapters/linux/displays/shared/GuardianMessage.h"
 
 #include <chrono>
 
