@@ -7,7 +7,8 @@
 #include "Session.h"
 #include "Windows.h"
 #include "adapters/linux/bus/BusNames.h"
-#include "adapters/linux/displays/randr/RandrDisplayServices.h"
+#include "adapters/linux/displays/randr/RandrBackend.h"
+#include "adapters/linux/displays/shared/BackendDisplayServices.h"
 #include "adapters/qt/ThreadTaskExecutor.h"
 #include "display/DisplayManager.h"
 #include "support/ChildProcess.h"
@@ -116,7 +117,10 @@ struct Ramp
 /// One ramp between two tints on the server's displays, in this process.
 Ramp measureRamp(const PrivateXServer &server, std::size_t displayCount)
 {
-    RandrDisplayServices randr(server.display(), AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
+    BackendDisplayServices randr([&server] {
+        return std::make_unique<RandrBackend>(server.display(), AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
+    });
+    randr.restoreSystemColours(); // and it has connected
     if (randr.activeDisplays().size() != displayCount)
         throw std::runtime_error("the X server shows another number of displays");
     TimedDisplays displays(randr);

@@ -140,6 +140,11 @@ void DisplayManager::restoreSystemColours()
     m_displays.restoreSystemColours();
 }
 
+void DisplayManager::announceRamp(double to)
+{
+    m_displays.beginRamp(to < neutralTemperature ? std::optional(createGammaTables(to)) : std::nullopt);
+}
+
 void DisplayManager::publish(double temperature)
 {
     const std::scoped_lock lock(m_transitionLock);
@@ -173,8 +178,10 @@ Async DisplayManager::smoothTransition(TaskContext context, double from, double 
     double start = from;
     const double end = std::min(to, neutralTemperature);
     if (from >= neutralTemperature && to < neutralTemperature) {
-        co_await leaveNeutral(context);
+        co_await leaveNeutral(context, to);
         start = entryTemperature;
+    } else {
+        announceRamp(to);
     }
 
     const double step = (end - start) / rampSteps;
@@ -196,9 +203,10 @@ Async DisplayManager::smoothTransition(TaskContext context, double from, double 
     }
 }
 
-Async DisplayManager::leaveNeutral(TaskContext context)
+Async DisplayManager::leaveNeutral(TaskContext context, double to)
 {
     restoreSystemColours();
+    announceRamp(to);
     co_await context.sleep(500ms);
     context.throwIfCancelled();
     applyColorTemperature(entryTemperature);

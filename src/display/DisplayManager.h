@@ -58,10 +58,11 @@ private:
     void start(SystemWake &wake);
     void applyColorTemperature(double temperature);
     void restoreSystemColours();
+    void announceRamp(double to);
     void publish(double temperature);
     Async transition(TaskContext context, double from, double to);
     Async smoothTransition(TaskContext context, double from, double to);
-    Async leaveNeutral(TaskContext context);
+    Async leaveNeutral(TaskContext context, double to);
     void startMaintenanceTask();
     void handleWakeNotification();
 

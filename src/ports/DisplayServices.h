@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -24,7 +25,7 @@ struct GammaTables
 /// Port: what the colour engine asks of the display server. Safe from any thread.
 ///
 /// Nothing here fails: displays that vanish, refuse or cannot be reached are left out, since the engine writes again
-/// soon.
+/// soon. Only restoreSystemColours() waits for the server, and not for long; all else returns at once.
 class DisplayServices
 {
 public:
@@ -33,11 +34,16 @@ public:
     /// The displays that show a picture now.
     virtual std::vector<DisplayIdentifier> activeDisplays() = 0;
 
-    /// Gives each of the displays, in this order, the three tables.
+    /// Gives each of the displays, in this order, the three tables. A display that comes, wakes or changes later is
+    /// given the newest tables at once.
     virtual void setTransferTables(std::span<const DisplayIdentifier> displays, const GammaTables &tables) = 0;
 
     /// Gives every display, whether it shows a picture or not, the system's own colours.
     virtual void restoreSystemColours() = 0;
+
+    /// A ramp begins now that ends with the tables `target`, or with the system's own colours where there are none. For
+    /// systems that make ramps by themselves.
+    virtual void beginRamp(const std::optional<GammaTables> & /*target*/) {}
 };
 
 } // namespace ambertide

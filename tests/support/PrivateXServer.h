@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <string>
 
 namespace ambertide {
@@ -24,6 +25,9 @@ public:
     std::string display() const { return m_display.toStdString(); }
     void stop();
     void start();
+    /// It stays as it is, but answers nobody.
+    void suspend() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGSTOP); }
+    void resume() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGCONT); }
 
     /// Runs the `xrandr` program with these arguments.
     void xrandr(const QString &arguments) const;

@@ -1,11 +1,10 @@
 #include "adapters/linux/displays/SessionDisplayServices.h"
 
-#include "adapters/linux/displays/UnavailableDisplayServices.h"
-#include "adapters/linux/displays/randr/RandrDisplayServices.h"
+#include "adapters/linux/displays/DisplayBackends.h"
+#include "adapters/linux/displays/shared/BackendDisplayServices.h"
 #include "base/Console.h"
 
 #include <cstdlib>
-#include <string>
 
 namespace ambertide {
 
@@ -21,16 +20,15 @@ std::string environmentValue(const char *name)
 
 std::unique_ptr<DisplayServices> makeSessionDisplayServices(const std::filesystem::path &programs)
 {
-    if (!environmentValue("WAYLAND_DISPLAY").empty()) {
-        console::print("Displays cannot be tinted in this Wayland session yet; Ambertide runs on without.");
-        return std::make_unique<UnavailableDisplayServices>();
-    }
-    const auto display = environmentValue("DISPLAY");
-    if (display.empty()) {
-        console::print("There are no displays to tint: neither WAYLAND_DISPLAY nor DISPLAY is set.");
-        return std::make_unique<UnavailableDisplayServices>();
-    }
-    return std::make_unique<RandrDisplayServices>(display, programs / "AmbertideGuardian");
+    const DisplaySession session{.waylandDisplay = environmentValue("WAYLAND_DISPLAY"),
+                                 .x11Display = environmentValue("DISPLAY"),
+                                 .guardian = programs / "AmbertideGuardian"};
+    return std::make_unique<BackendDisplayServices>([session, choice = environmentValue("AMBERTIDE_DISPLAY")] {
+        auto chosen = chooseDisplayBackend(session, choice);
+        for (const auto &refusal : chosen.refusals)
+            console::print(refusal);
+        return std::move(chosen.backend);
+    });
 }
 
 } // namespace ambertide

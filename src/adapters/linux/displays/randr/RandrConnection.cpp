@@ -1,5 +1,7 @@
 #include "adapters/linux/displays/randr/RandrConnection.h"
 
+#include <poll.h>
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -82,11 +84,9 @@ RandrConnection::State RandrConnection::state() const
 
 std::span<const RandrConnection::Crtc> RandrConnection::crtcs()
 {
-    const bool hasChanged = takeEvents();
-    if (hasChanged || !m_isWatching) {
-        watchChanges(true); // before reading, so that no change falls between
+    watchChanges(); // before reading, so that no change falls between
+    if (m_isStale)
         readCrtcs();
-    }
     return m_crtcs;
 }
 
@@ -110,24 +110,53 @@ std::vector<RandrConnection::Resources> RandrConnection::screenResources()
     return resources;
 }
 
-void RandrConnection::watchChanges(bool watch)
+void RandrConnection::watchChanges()
 {
-    constexpr int changes =
-        XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE;
-    if (watch == std::exchange(m_isWatching, watch))
+    if (std::exchange(m_isWatching, true))
         return;
-    for (const auto root : m_roots)
-        xcb_randr_select_input(m_xcb.get(), root, static_cast<std::uint16_t>(watch ? changes : 0));
+    for (const auto root : m_roots) {
+        xcb_randr_select_input(m_xcb.get(), root,
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    }
 }
 
-/// Empties the queue and says whether anything was in it: beside the changes these are errors, after which a write may
-/// have gone to a CRTC that is no longer as it was, and the few events that every client is sent.
 bool RandrConnection::takeEvents()
 {
-    bool any = false;
-    while (owned(xcb_poll_for_event(m_xcb.get())))
-        any = true;
-    return any;
+    while (const auto event = owned(xcb_poll_for_event(m_xcb.get())))
+        note(*event);
+    return std::exchange(m_hasChanged, false);
+}
+
+bool RandrConnection::hasChanges()
+{
+    while (const auto event = owned(xcb_poll_for_queued_event(m_xcb.get())))
+        note(*event);
+    return m_hasChanged;
+}
+
+/// An error means that a write may have gone to a CRTC that is no longer as it was. That alone is no reason to write
+/// again, or a CRTC that refuses every write (leased to another program) would be written to without end.
+void RandrConnection::note(const xcb_generic_event_t &event)
+{
+    m_isStale = true;
+    const auto type = event.response_type & 0x7F;
+    const auto first = xcb_get_extension_data(m_xcb.get(), &xcb_randr_id)->first_event;
+    if (type == first + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == first + XCB_RANDR_NOTIFY)
+        m_hasChanged = true;
+}
+
+bool RandrConnection::isReadyToWrite() const
+{
+    if (m_isStale)
+        return false;
+    // A socket counts as writable while three quarters of its buffer, of 208 KB as a rule, are free.
+    constexpr std::size_t largestWrite = 100'000;
+    std::size_t bytes = 0;
+    for (const auto &crtc : m_crtcs)
+        bytes += 3 * sizeof(std::uint16_t) * crtc.tableSize;
+    pollfd socket{xcb_get_file_descriptor(m_xcb.get()), POLLIN | POLLOUT, 0};
+    return bytes <= largestWrite && poll(&socket, 1, 0) == 1 && socket.revents == POLLOUT;
 }
 
 void RandrConnection::readCrtcs()
@@ -146,6 +175,7 @@ void RandrConnection::readCrtcs()
                              xcb_randr_get_crtc_gamma_size(m_xcb.get(), crtc)});
         }
     }
+    m_isStale = false;
     m_crtcs.clear();
     for (const auto &[crtc, infoCookie, sizeCookie] : asked) {
         const auto info = owned(xcb_randr_get_crtc_info_reply(m_xcb.get(), infoCookie, nullptr));
@@ -163,8 +193,6 @@ void RandrConnection::setGamma(xcb_randr_crtc_t crtc, const GammaRamp &ramp)
 
 void RandrConnection::setIdentityEverywhere()
 {
-    takeEvents();
-    watchChanges(false);
     readCrtcs();
     for (const auto &crtc : m_crtcs) {
         if (crtc.tableSize > 0)

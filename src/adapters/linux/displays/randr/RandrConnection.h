@@ -42,14 +42,19 @@ public:
     /// The CRTCs as they are now. From the first call on the server tells of changes and errors, so that this costs
     /// nothing where there are none, and two round trips, whatever the number of CRTCs, where there are.
     std::span<const Crtc> crtcs();
+    /// Takes in what the server has told, without waiting. True when displays may have changed.
+    bool takeEvents();
+    /// The same for what has been received already; takeEvents() tells of it as well.
+    bool hasChanges();
     /// What was last read about a CRTC; null when it is not among those.
     const Crtc *find(xcb_randr_crtc_t identifier) const;
 
     /// Queues a write. `ramp` must have the size of the CRTC's table.
     void setGamma(xcb_randr_crtc_t crtc, const GammaRamp &ramp);
-    /// Reads the CRTCs and queues the identity for each that has a table, active or not. The server no longer tells of
-    /// changes: nobody would read what it says until crtcs() is called again.
+    /// Reads the CRTCs and queues the identity for each that has a table, active or not.
     void setIdentityEverywhere();
+    /// Whether writes to all CRTCs that were last read can be queued and flushed without waiting for the server.
+    bool isReadyToWrite() const;
 
     void flush() { xcb_flush(m_xcb.get()); }
     /// Waits until the server has processed all that was queued; false when it could not be learned.
@@ -68,14 +73,16 @@ private:
     State examineServer();
     bool hasXwaylandOutput();
     std::vector<Resources> screenResources();
-    void watchChanges(bool watch);
-    bool takeEvents();
+    void watchChanges();
+    void note(const xcb_generic_event_t &event);
     void readCrtcs();
 
     std::unique_ptr<xcb_connection_t, Disconnect> m_xcb;
     std::vector<xcb_window_t> m_roots;
     State m_state;
-    bool m_isWatching = false; ///< the server tells of changes, and m_crtcs is as of the last event
+    bool m_isWatching = false; ///< the server tells of changes
+    bool m_isStale = true;     ///< m_crtcs has to be read anew
+    bool m_hasChanged = false; ///< displays may have changed since takeEvents() said so
     std::vector<Crtc> m_crtcs;
 };
 

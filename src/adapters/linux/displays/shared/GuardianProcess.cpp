@@ -52,8 +52,8 @@ struct SpawnSettings
 
 } // namespace
 
-GuardianProcess::GuardianProcess(std::filesystem::path program, std::string display)
-    : m_program(std::move(program)), m_display(std::move(display))
+GuardianProcess::GuardianProcess(std::filesystem::path program, std::vector<std::string> arguments)
+    : m_program(std::move(program)), m_arguments(std::move(arguments))
 {
 }
 
@@ -91,7 +91,7 @@ bool GuardianProcess::isRunning()
     // Once or twice may be the X server's own coming and going.
     m_failures = WIFEXITED(status) && WEXITSTATUS(status) != 0 ? m_failures + 1 : 0;
     if (m_failures == 3)
-        sayUnguarded("it cannot use the X server");
+        sayUnguarded("it cannot use the display server");
     return false;
 }
 
@@ -129,8 +129,11 @@ int GuardianProcess::spawn(int channel)
 {
     const SpawnSettings settings(channel);
     std::string program = m_program.string();
-    std::string display = m_display;
-    std::array<char *, 3> arguments{program.data(), display.data(), nullptr};
+    auto texts = m_arguments;
+    std::vector<char *> arguments{program.data()};
+    for (auto &text : texts)
+        arguments.push_back(text.data());
+    arguments.push_back(nullptr);
     pid_t process = 0;
     const int failure =
         posix_spawn(&process, program.c_str(), &settings.files, &settings.attributes, arguments.data(), environ);

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace ambertide {
 
@@ -17,8 +18,8 @@ namespace ambertide {
 class GuardianProcess
 {
 public:
-    /// `program` is the guardian's file, `display` the name of the X server.
-    GuardianProcess(std::filesystem::path program, std::string display);
+    /// `program` is the guardian's file; `arguments` name the kind of display server and where it is.
+    GuardianProcess(std::filesystem::path program, std::vector<std::string> arguments);
     /// Waits for the guardian's end, half a second at most. The connection that tints should be closed before.
     ~GuardianProcess();
     GuardianProcess(const GuardianProcess &) = delete;
@@ -40,7 +41,7 @@ private:
     void sayUnguarded(const char *reason);
 
     const std::filesystem::path m_program;
-    const std::string m_display;
+    const std::vector<std::string> m_arguments;
     pid_t m_process = 0; ///< 0: none
     int m_channel = -1;
     GuardianMessage m_told = 0;

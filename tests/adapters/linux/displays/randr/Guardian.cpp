@@ -1,4 +1,5 @@
-#include "adapters/linux/displays/randr/RandrDisplayServices.h"
+#include "adapters/linux/displays/randr/RandrBackend.h"
+#include "adapters/linux/displays/shared/BackendDisplayServices.h"
 #include "support/ChildProcess.h"
 #include "support/PrivateXServer.h"
 #include "support/RandrClient.h"
@@ -43,7 +44,10 @@ public:
 
 int runCopy(const char *display)
 {
-    RandrDisplayServices services(display, AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
+    BackendDisplayServices services([display] {
+        return std::make_unique<RandrBackend>(display, AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
+    });
+    services.restoreSystemColours(); // and it has connected
     for (float level = 0; std::cin >> level; std::cout << level << std::endl) {
         GammaTables tables{};
         tables.blue.fill(level);
@@ -110,16 +114,17 @@ private Q_SLOTS:
     {
         Copy old(m_server);
         old.show("0.5");
+        QTRY_VERIFY(old.guardian() > 0);
         const auto oldGuardian = old.guardian();
         Copy young(m_server);
         young.show("0.25");
+        QTRY_VERIFY(young.guardian() > 0);
         const auto youngGuardian = young.guardian();
         old.signalGroup(SIGKILL);
         QVERIFY(endsInTime(oldGuardian));
         QTRY_COMPARE(m_client.ramp(m_display)[2][0], 16384);
 
         // A guardian that dies is replaced.
-        QVERIFY(youngGuardian > 0);
         kill(youngGuardian, SIGKILL);
         QTRY_VERIFY((young.show("0.5"), young.guardian() != 0 && young.guardian() != youngGuardian));
         const auto newGuardian = young.guardian();

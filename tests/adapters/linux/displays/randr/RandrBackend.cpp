@@ -1,5 +1,6 @@
-#include "adapters/linux/displays/randr/RandrDisplayServices.h"
+#include "adapters/linux/displays/randr/RandrBackend.h"
 
+#include "adapters/linux/displays/shared/BackendDisplayServices.h"
 #include "adapters/linux/displays/shared/GammaRamp.h"
 #include "support/CapturedConsole.h"
 #include "support/PrivateXServer.h"
@@ -33,6 +34,12 @@ GammaTables tintTables()
     return tables;
 }
 
+BackendDisplayServices servicesOf(const PrivateXServer &server)
+{
+    return BackendDisplayServices(
+        [display = server.display()] { return std::make_unique<RandrBackend>(display, "/nonexistent/guardian"); });
+}
+
 std::vector<DisplayIdentifier> tint(DisplayServices &services)
 {
     auto displays = services.activeDisplays();
@@ -56,7 +63,7 @@ bool isTinted(const RandrClient::Ramp &ramp)
 
 } // namespace
 
-class RandrDisplayServicesTest : public QObject
+class RandrBackendTest : public QObject
 {
     Q_OBJECT
 
@@ -78,7 +85,7 @@ private Q_SLOTS:
         const CapturedConsole console;
         PrivateXServer server(PrivateXServer::Kind::framebuffer);
         server.stop();
-        RandrDisplayServices services(server.display(), "/nonexistent/guardian");
+        auto services = servicesOf(server);
         const auto tintOnThreads = [&services] {
             std::vector<std::jthread> threads;
             for (int i = 0; i < 4; ++i) {
@@ -98,8 +105,8 @@ private Q_SLOTS:
             server.start();
             tintOnThreads();
             RandrClient client(server.display());
+            QCOMPARE(services.activeDisplays().size(), 1U);
             const auto displays = tint(services);
-            QCOMPARE(displays.size(), 1U);
             QTRY_VERIFY(isTinted(client.ramp(displays[0])));
             services.restoreSystemColours();
             QVERIFY(client.showsIdentityEverywhere());
@@ -107,7 +114,43 @@ private Q_SLOTS:
             server.stop();
         }
     }
+
+    void aDisplayThatIsSwitchedOnIsTintedWithoutBeingAskedForAgain()
+    {
+        const CapturedConsole console;
+        const PrivateXServer server(PrivateXServer::Kind::dummy);
+        auto services = servicesOf(server);
+        services.restoreSystemColours(); // and it has connected
+        tint(services);
+        RandrClient client(server.display());
+        for (const bool isOn : {true, false, true}) {
+            if (isOn)
+                server.switchOn(QStringLiteral("DUMMY1"));
+            else
+                server.switchOff(QStringLiteral("DUMMY1"));
+            QTRY_COMPARE(services.activeDisplays().size(), isOn ? 2U : 1U);
+            for (const auto display : client.activeCrtcs())
+                QTRY_VERIFY(isTinted(client.ramp(display)));
+        }
+    }
+
+    void aServerThatDoesNotAnswerHoldsNobodyUpAndShowsTheNewestTintLater()
+    {
+        const CapturedConsole console;
+        const PrivateXServer server(PrivateXServer::Kind::framebuffer);
+        auto services = servicesOf(server);
+        services.restoreSystemColours();
+        server.suspend();
+        // Many more than a socket's buffer takes: this ends, or the test's time does.
+        for (int step = 0; step < 2000; ++step)
+            services.setTransferTables(services.activeDisplays(), GammaTables{});
+        services.restoreSystemColours();
+        const auto displays = tint(services);
+        server.resume();
+        RandrClient client(server.display());
+        QTRY_VERIFY(isTinted(client.ramp(displays[0])));
+    }
 };
 
-QTEST_GUILESS_MAIN(RandrDisplayServicesTest)
-#include "RandrDisplayServices.moc"
+QTEST_GUILESS_MAIN(RandrBackendTest)
+#include "RandrBackend.moc"

@@ -1,4 +1,4 @@
-#include "adapters/linux/displays/randr/RandrDisplayServices.h"
+#include "adapters/linux/displays/randr/RandrBackend.h"
 
 #include "base/Console.h"
 
@@ -9,30 +9,21 @@ namespace ambertide {
 
 using State = RandrConnection::State;
 
-RandrDisplayServices::RandrDisplayServices(std::string display, std::filesystem::path guardian)
-    : m_display(std::move(display)), m_guardian(std::move(guardian), m_display)
+RandrBackend::RandrBackend(std::string display, std::filesystem::path guardian)
+    : m_display(std::move(display)), m_guardian(std::move(guardian), {"randr", m_display})
 {
     connect();
 }
 
-std::vector<DisplayIdentifier> RandrDisplayServices::activeDisplays()
+bool RandrBackend::write(std::span<const DisplayIdentifier> displays, const GammaTables &tables, Wait wait)
 {
-    const std::scoped_lock lock(m_lock);
-    std::vector<DisplayIdentifier> active;
-    if (!connect())
-        return active;
-    for (const auto &crtc : m_server->crtcs()) {
-        if (crtc.isActive)
-            active.push_back(crtc.identifier);
+    if (wait == Wait::Never && (!m_claim || !m_server->isReadyToWrite()))
+        return false;
+    if (wait == Wait::Allowed) {
+        if (!connect())
+            return true;
+        readDisplays();
     }
-    return active;
-}
-
-void RandrDisplayServices::setTransferTables(std::span<const DisplayIdentifier> displays, const GammaTables &tables)
-{
-    const std::scoped_lock lock(m_lock);
-    if (m_server->state() != State::usable)
-        return;
     std::vector<GammaRamp> ramps; // one for each size that occurs
     for (const auto display : displays) {
         const auto *const crtc = m_server->find(display);
@@ -46,33 +37,59 @@ void RandrDisplayServices::setTransferTables(std::span<const DisplayIdentifier> 
         m_server->setGamma(crtc->identifier, *ramp);
     }
     m_server->flush();
+    return wait == Wait::Allowed || !m_server->hasChanges();
 }
 
-void RandrDisplayServices::restoreSystemColours()
+void RandrBackend::restore()
 {
-    const std::scoped_lock lock(m_lock);
     if (!connect())
         return;
     m_server->setIdentityEverywhere();
     m_claim.reset();
     if (m_server->synchronise())
         m_guardian.dismiss();
+    readDisplays();
 }
 
-bool RandrDisplayServices::connect()
+int RandrBackend::descriptor() const
+{
+    return m_server->state() == State::usable ? xcb_get_file_descriptor(m_server->xcb()) : -1;
+}
+
+bool RandrBackend::process()
+{
+    if (m_server->state() != State::usable || !m_server->takeEvents())
+        return false;
+    readDisplays();
+    return true;
+}
+
+void RandrBackend::readDisplays()
+{
+    m_displays.clear();
+    for (const auto &crtc : m_server->crtcs()) {
+        if (crtc.isActive)
+            m_displays.push_back(crtc.identifier);
+    }
+}
+
+bool RandrBackend::connect()
 {
     if (!m_server || m_server->state() == State::unreachable) {
         m_claim.reset();
         m_server.emplace(m_display);
-        if (m_server->state() == State::usable)
+        m_displays.clear();
+        if (m_server->state() == State::usable) {
             m_selection = TintClaim::selectionAtom(m_server->xcb());
+            readDisplays();
+        }
     }
     const auto state = m_server->state();
     report(state);
     return state == State::usable;
 }
 
-void RandrDisplayServices::report(State state)
+void RandrBackend::report(State state)
 {
     if (state == std::exchange(m_reported, state))
         return;
@@ -93,7 +110,7 @@ void RandrDisplayServices::report(State state)
 }
 
 /// The guardian has to know before the first tint can reach the server, and to find the claim there when it looks.
-void RandrDisplayServices::beginTint()
+void RandrBackend::beginTint()
 {
     if (!m_claim) {
         m_claim.emplace(m_server->xcb(), m_server->root(), m_selection);
