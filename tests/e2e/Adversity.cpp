@@ -46,9 +46,9 @@ private Q_SLOTS:
         QTest::newRow("display server") << QByteArray("DISPLAY") << QByteArray(":54321")
                                         << QByteArray("Cannot reach the X server :54321");
         QTest::newRow("display variable")
-            << QByteArray("DISPLAY") << QByteArray() << QByteArray("There are no displays");
+            << QByteArray("DISPLAY") << QByteArray() << QByteArray("Displays cannot be tinted");
         QTest::newRow("Wayland compositor") << QByteArray("WAYLAND_DISPLAY") << QByteArray("wayland-nonexistent")
-                                            << QByteArray("Displays cannot be tinted in this Wayland session");
+                                            << QByteArray("Displays cannot be tinted");
     }
     void itRunsOnWhateverIsMissing()
     {

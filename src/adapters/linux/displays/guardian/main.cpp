@@ -1,15 +1,44 @@
-#include "adapters/linux/displays/guardian/Guardian.h"
+#include "adapters/linux/displays/guardian/GuardianChannel.h"
+#include "adapters/linux/displays/guardian/RandrGuardian.h"
 
 #include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <string_view>
 
+namespace {
+
+using namespace ambertide;
+
+/// How the displays of one kind of display server are guarded. `where` names the server. Returns when nothing is left
+/// to do; false when the server cannot be used.
+struct Duty
+{
+    std::string_view kind;
+    bool (*run)(const char *where, int channel);
+};
+
+bool guardRandr(const char *where, int channel)
+{
+    RandrConnection server(where);
+    if (server.state() != RandrConnection::State::usable)
+        return false;
+    RandrGuardian(server, channel).run();
+    return true;
+}
+
+constexpr std::array duties{
+    Duty{"randr", guardRandr},
+};
+
+} // namespace
+
 /// Standard input is the channel from the application. Arguments: the kind of display server, and where it is.
 int main(int argc, char **argv)
 {
-    if (argc != 3 || std::string_view(argv[1]) != "randr" || chdir("/") != 0)
+    if (argc != 3 || chdir("/") != 0)
         return EXIT_FAILURE;
     // What a terminal or a session manager sends to the group is meant for the application; whoever sends it gets the
     // displays back by the application's end.
@@ -17,9 +46,9 @@ int main(int argc, char **argv)
     sigfillset(&all);
     sigprocmask(SIG_BLOCK, &all, nullptr);
 
-    ambertide::RandrConnection server(argv[2]);
-    if (server.state() != ambertide::RandrConnection::State::usable)
-        return EXIT_FAILURE;
-    ambertide::Guardian(server, STDIN_FILENO).run();
-    return EXIT_SUCCESS;
+    for (const auto &duty : duties) {
+        if (duty.kind == argv[1])
+            return duty.run(argv[2], STDIN_FILENO) ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
+    return EXIT_FAILURE;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "adapters/linux/displays/guardian/GuardianChannel.h"
 #include "adapters/linux/displays/randr/RandrConnection.h"
-#include "adapters/linux/displays/shared/GuardianMessage.h"
 
 #include <chrono>
 
@@ -9,11 +9,11 @@ namespace ambertide {
 
 /// Gives the displays back when the application has ended, in whatever way, while it tinted them. A tint on X11
 /// outlives the program that made it.
-class Guardian
+class RandrGuardian
 {
 public:
     /// `channel` stays the caller's. The server must be usable.
-    Guardian(RandrConnection &server, int channel);
+    RandrGuardian(RandrConnection &server, int channel);
 
     /// Returns when nothing is left to do: the application has ended and the displays have been seen to, or the server
     /// has gone. Sleeps until one of them says something.
@@ -22,15 +22,13 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// False once the application has ended.
-    bool receive();
     void watch(GuardianMessage claim);
     void readEvents();
     void awaitEndOfClaim();
     void giveDisplaysBack();
 
     RandrConnection &m_server;
-    const int m_channel;
+    GuardianChannel m_channel;
     const xcb_atom_t m_selection;
     xcb_window_t m_claim = XCB_NONE; ///< the application tints under it
     bool m_claimEnded = false;       ///< the server has dropped it, so nothing more of the application's is to come

@@ -1,13 +1,11 @@
-#include "adapters/linux/displays/guardian/Guardian.h"
+#include "adapters/linux/displays/guardian/RandrGuardian.h"
 
 #include "adapters/linux/displays/randr/TintClaim.h"
 #include "adapters/linux/x11/XcbReply.h"
 
 #include <poll.h>
-#include <sys/socket.h>
 
 #include <array>
-#include <cerrno>
 
 namespace ambertide {
 
@@ -18,22 +16,26 @@ constexpr std::chrono::milliseconds patience{400};
 
 } // namespace
 
-Guardian::Guardian(RandrConnection &server, int channel)
+RandrGuardian::RandrGuardian(RandrConnection &server, int channel)
     : m_server(server), m_channel(channel), m_selection(TintClaim::selectionAtom(server.xcb()))
 {
 }
 
-void Guardian::run()
+void RandrGuardian::run()
 {
     for (;;) {
         readEvents();
         if (m_server.state() != RandrConnection::State::usable)
             return;
-        std::array<pollfd, 2> sources{{{m_channel, POLLIN, 0}, {xcb_get_file_descriptor(m_server.xcb()), POLLIN, 0}}};
+        std::array<pollfd, 2> sources{
+            {{m_channel.descriptor(), POLLIN, 0}, {xcb_get_file_descriptor(m_server.xcb()), POLLIN, 0}}};
         if (poll(sources.data(), sources.size(), -1) < 0)
             continue;
-        if (sources[0].revents != 0 && !receive())
+        if (sources[0].revents == 0)
+            continue;
+        if (!m_channel.receive())
             break;
+        watch(m_channel.told());
     }
     if (m_claim == XCB_NONE)
         return;
@@ -41,18 +43,7 @@ void Guardian::run()
     giveDisplaysBack();
 }
 
-bool Guardian::receive()
-{
-    GuardianMessage message = 0;
-    const auto length = recv(m_channel, &message, sizeof message, 0);
-    if (length == sizeof message)
-        watch(message);
-    else if (length == 0 || (length < 0 && errno != EINTR && errno != EAGAIN))
-        return false;
-    return true;
-}
-
-void Guardian::watch(GuardianMessage claim)
+void RandrGuardian::watch(GuardianMessage claim)
 {
     m_claim = claim;
     m_claimEnded = false;
@@ -63,7 +54,7 @@ void Guardian::watch(GuardianMessage claim)
     m_server.flush();
 }
 
-void Guardian::readEvents()
+void RandrGuardian::readEvents()
 {
     while (const auto event = owned(xcb_poll_for_event(m_server.xcb()))) {
         // An error says that the claim had ended before it could be watched.
@@ -79,7 +70,7 @@ void Guardian::readEvents()
 
 /// Requests that the application left behind in its socket may still be processed until then. Not longer than can be
 /// waited: a stuck program may hold the dead one's connection open.
-void Guardian::awaitEndOfClaim()
+void RandrGuardian::awaitEndOfClaim()
 {
     const auto deadline = Clock::now() + patience;
     for (readEvents(); !m_claimEnded && m_server.state() == RandrConnection::State::usable; readEvents()) {
@@ -91,7 +82,7 @@ void Guardian::awaitEndOfClaim()
     }
 }
 
-void Guardian::giveDisplaysBack()
+void RandrGuardian::giveDisplaysBack()
 {
     // Nobody can claim and tint between the look and the writes.
     xcb_grab_server(m_server.xcb());
