@@ -16,6 +16,8 @@ if(AMBERTIDE_SANITIZE)
   target_link_options(ambertide_options INTERFACE -fsanitize=${AMBERTIDE_SANITIZE})
 endif()
 
+include(cmake/PrecompiledHeaders.cmake)
+
 # ambertide_targets(<variable> <path>...): the targets of these folders of src/.
 function(ambertide_targets variable)
   list(TRANSFORM ARGN REPLACE "/" "_")
@@ -45,6 +47,7 @@ function(ambertide_folder path)
     file(GLOB member_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${path}/*.h)
     add_library(${library} STATIC ${sources} ${member_headers})
     set_target_properties(${library} PROPERTIES AUTOMOC ${FOLDER_MOC})
+    precompile_headers(${library} ${seen} ${FOLDER_LINK})
     set(scope PUBLIC)
   else()
     add_library(${library} INTERFACE)
@@ -77,10 +80,16 @@ function(ambertide_test file)
   endif()
   target_compile_definitions(${target} PRIVATE
     AMBERTIDE_BUNDLE="${AMBERTIDE_BUNDLE_DIR}" AMBERTIDE_SOURCES="${PROJECT_SOURCE_DIR}")
+  if(TEST_LABEL STREQUAL "threads")
+    add_dependencies(tests_of_threads ${target})
+  endif()
   add_test(NAME ${name} COMMAND ${target})
   set_tests_properties(${name} PROPERTIES
     TIMEOUT 120 LABELS "${TEST_LABEL}" ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
 endfunction()
+
+# The tests that also run under the thread sanitizer.
+add_custom_target(tests_of_threads)
 
 # Where the build puts the application: the same bundle folder that is installed.
 set(AMBERTIDE_BUNDLE_DIR ${PROJECT_BINARY_DIR}/Ambertide.app)

@@ -1,4 +1,4 @@
-# Sourced by the other scripts: what a bare Debian 12 lacks to build and test Ambertide, installed by package name.
+# Sourced by the other scripts: what a bare Debian 12 or 13 lacks to build and test Ambertide, installed by package name.
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -20,16 +20,31 @@ install_packages() {
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     echo "Installing ${missing[*]}"
-    local as_root=()
-    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
-    "${as_root[@]}" apt-get update -qq
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    as_root apt-get update -qq
+    as_root env DEBIAN_FRONTEND=noninteractive \
         apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build <preset>: configures and builds it.
+# as_root <command>...: with sudo where this is not root.
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
+# build <preset> [<target>...]: configures and builds it, with a job for each processor.
 build() {
+    local preset=$1
+    shift
     cd "$repository"
-    cmake --preset "$1" >/dev/null
-    cmake --build --preset "$1"
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset" --parallel "$(nproc)" ${1:+--target "$@"}
+}
+
+# run_tests <preset> [<argument of ctest>...]
+run_tests() {
+    cd "$repository"
+    ctest --preset "$1" --parallel "$(nproc)" "${@:2}"
 }
