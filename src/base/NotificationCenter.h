@@ -1,10 +1,10 @@
 #pragma once
 
 #include "base/Notification.h"
-#include "base/Observation.h"
+#include "base/Observers.h"
 
-#include <cstdint>
 #include <map>
+#include <string>
 
 namespace ambertide {
 
@@ -13,17 +13,11 @@ namespace ambertide {
 class NotificationCenter
 {
 public:
-    Observation observe(std::string name, NotificationHandler handler);
+    Observation observe(const std::string &name, NotificationHandler handler);
     void post(const Notification &notification);
 
 private:
-    struct Observer
-    {
-        std::string name;
-        NotificationHandler handler;
-    };
-    std::uint64_t m_nextObserver = 0;
-    std::map<std::uint64_t, Observer> m_observers;
+    std::map<std::string, Observers<const Notification &>> m_observers; ///< by name
 };
 
 } // namespace ambertide

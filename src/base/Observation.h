@@ -1,38 +1,29 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
+#include <memory>
 #include <utility>
 
 namespace ambertide {
 
 /// One registration of an observer. Destroying or releasing it ends the registration, after which the observer is not
-/// called again. Main thread. The centre that gave it must outlive it.
+/// called again. Main thread.
 class [[nodiscard]] Observation
 {
 public:
     Observation() = default;
-    explicit Observation(std::function<void()> unregister) : m_unregister(std::move(unregister)) {}
-    Observation(Observation &&other) noexcept : m_unregister(std::exchange(other.m_unregister, {})) {}
-    Observation &operator=(Observation &&other) noexcept
+    explicit Observation(std::function<void()> unregister)
+        : m_registration(nullptr, [unregister = std::move(unregister)](std::nullptr_t) { unregister(); })
     {
-        if (this != &other) {
-            release();
-            m_unregister = std::exchange(other.m_unregister, {});
-        }
-        return *this;
     }
-    Observation(const Observation &) = delete;
-    Observation &operator=(const Observation &) = delete;
-    ~Observation() { release(); }
+    Observation(Observation &&other) = default;
+    Observation &operator=(Observation &&other) = default;
 
-    void release()
-    {
-        if (auto unregister = std::exchange(m_unregister, {}))
-            unregister();
-    }
+    void release() { m_registration.reset(); }
 
 private:
-    std::function<void()> m_unregister;
+    std::shared_ptr<void> m_registration;
 };
 
 } // namespace ambertide

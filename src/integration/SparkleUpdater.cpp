@@ -1,7 +1,6 @@
 #include "integration/SparkleUpdater.h"
 
 #include <string_view>
-#include <utility>
 
 namespace ambertide {
 
@@ -23,26 +22,10 @@ SparkleUpdater::SparkleUpdater(const UpdaterControllerFactory &createController,
 
 void SparkleUpdater::setAutomaticallyChecksForUpdates(bool isOn)
 {
-    announceChange();
+    m_observers.notify();
     m_automaticallyChecksForUpdates = isOn;
     m_updaterController->setAutomaticallyChecksForUpdates(isOn);
     m_defaults.setBool(autoUpdateKey, isOn);
-}
-
-Observation SparkleUpdater::observe(std::function<void()> willChange)
-{
-    const auto observer = m_nextObserver++;
-    m_observers.emplace(observer, std::move(willChange));
-    return Observation([this, observer] { m_observers.erase(observer); });
-}
-
-void SparkleUpdater::announceChange()
-{
-    const auto observers = m_observers;
-    for (const auto &[number, willChange] : observers) {
-        if (m_observers.contains(number))
-            willChange();
-    }
 }
 
 } // namespace ambertide

@@ -1,13 +1,12 @@
 #pragma once
 
-#include "base/Observation.h"
+#include "base/Observers.h"
 #include "ports/UpdaterController.h"
 #include "ports/UserDefaults.h"
 
-#include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
+#include <utility>
 
 namespace ambertide {
 
@@ -27,17 +26,14 @@ public:
     void checkForUpdates() { m_updaterController->checkForUpdates(); }
 
     /// `willChange` is called before a property changes.
-    Observation observe(std::function<void()> willChange);
+    Observation observe(std::function<void()> willChange) { return m_observers.observe(std::move(willChange)); }
 
 private:
-    void announceChange();
-
     const std::unique_ptr<UpdaterController> m_updaterController;
     UserDefaults &m_defaults;
     bool m_canCheckForUpdates = false;
     bool m_automaticallyChecksForUpdates = false;
-    std::uint64_t m_nextObserver = 0;
-    std::map<std::uint64_t, std::function<void()>> m_observers;
+    Observers<> m_observers;
 };
 
 } // namespace ambertide

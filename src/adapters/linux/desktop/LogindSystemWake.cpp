@@ -6,8 +6,6 @@ namespace ambertide {
 
 namespace {
 
-constexpr char wakeName[] = "wake";
-
 constexpr char rule[] = "type='signal',sender='org.freedesktop.login1',path='/org/freedesktop/login1',"
                         "interface='org.freedesktop.login1.Manager',member='PrepareForSleep'";
 
@@ -24,13 +22,13 @@ int LogindSystemWake::receive(sd_bus_message *message, void *context, sd_bus_err
     auto &wake = *static_cast<LogindSystemWake *>(context);
     int isGoingToSleep = 1;
     if (sd_bus_message_read_basic(message, 'b', static_cast<void *>(&isGoingToSleep)) > 0 && isGoingToSleep == 0)
-        wake.m_systemBus.afterMessage([&wake] { wake.m_observers.post({wakeName, std::nullopt}); });
+        wake.m_systemBus.afterMessage([&wake] { wake.m_observers.notify(); });
     return 0;
 }
 
 Observation LogindSystemWake::observe(std::function<void()> handler)
 {
-    return m_observers.observe(wakeName, [handler = std::move(handler)](const Notification &) { handler(); });
+    return m_observers.observe(std::move(handler));
 }
 
 } // namespace ambertide

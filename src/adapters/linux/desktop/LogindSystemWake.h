@@ -1,7 +1,7 @@
 #pragma once
 
 #include "adapters/linux/bus/DBusSession.h"
-#include "base/NotificationCenter.h"
+#include "base/Observers.h"
 #include "ports/SystemWake.h"
 
 namespace ambertide {
@@ -21,7 +21,7 @@ private:
     static int receive(sd_bus_message *message, void *context, sd_bus_error *error);
 
     DBusSession &m_systemBus;
-    NotificationCenter m_observers;
+    Observers<> m_observers;
     Observation m_match;
 };
 

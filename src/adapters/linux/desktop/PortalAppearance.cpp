@@ -11,7 +11,6 @@ namespace {
 constexpr char portalName[] = "org.freedesktop.portal.Desktop";
 constexpr char portalPath[] = "/org/freedesktop/portal/desktop";
 constexpr char settingsInterface[] = "org.freedesktop.portal.Settings";
-constexpr char changedName[] = "changed";
 
 struct Setting
 {
@@ -62,7 +61,7 @@ PortalAppearance::PortalAppearance(DBusSession &session) : m_session(session)
 
 Observation PortalAppearance::observe(std::function<void()> changed)
 {
-    return m_observers.observe(changedName, [changed = std::move(changed)](const Notification &) { changed(); });
+    return m_observers.observe(std::move(changed));
 }
 
 void PortalAppearance::askForAll()
@@ -132,7 +131,7 @@ void PortalAppearance::updateLook()
     look.isHighContrast = number(contrastSetting) == 1 || isTrue(m_settings, highContrastSetting, false);
     look.isMotionReduced = number(reducedMotionSetting) == 1 || !isTrue(m_settings, animationsSetting, true);
     if (std::exchange(m_look, look) != look)
-        m_session.afterMessage([this] { m_observers.post({changedName, std::nullopt}); });
+        m_session.afterMessage([this] { m_observers.notify(); });
 }
 
 } // namespace ambertide

@@ -2,7 +2,7 @@
 
 #include "adapters/linux/bus/DBusSession.h"
 #include "adapters/linux/bus/SdBusReader.h"
-#include "base/NotificationCenter.h"
+#include "base/Observers.h"
 #include "ports/Appearance.h"
 
 #include <string>
@@ -42,7 +42,7 @@ private:
     void updateLook();
 
     DBusSession &m_session;
-    NotificationCenter m_observers;
+    Observers<> m_observers;
     UserInfo m_settings; ///< those that count here, by "<namespace> <key>"
     Look m_look;
     std::vector<Observation> m_matches;
