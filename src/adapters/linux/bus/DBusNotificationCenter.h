@@ -22,6 +22,8 @@ public:
     void post(const Notification &notification, Delivery delivery) override;
 
 private:
+    void receive(sd_bus_message *message);
+
     DBusSession &m_session;
     NotificationCenter m_observers;
     std::map<std::string, std::weak_ptr<Observation>> m_matches; ///< each is held by the observations of its name

@@ -1,6 +1,8 @@
 #include "adapters/linux/bus/DBusRunningApplications.h"
 
 #include "adapters/linux/bus/BusNames.h"
+#include "adapters/linux/bus/SdBusReader.h"
+#include "adapters/linux/bus/SdBusWriter.h"
 #include "base/Console.h"
 
 #include <unistd.h>
@@ -51,21 +53,13 @@ std::vector<RunningApplication> DBusRunningApplications::withIdentifier(std::str
 
 void DBusRunningApplications::claimName()
 {
-    const auto receive = [](sd_bus_message *reply, void *context, sd_bus_error *) {
-        static_cast<DBusRunningApplications *>(context)->noteClaim(reply);
-        return 0;
-    };
-    m_claim = m_session.install([this, receive](sd_bus *bus) {
-        sd_bus_slot *slot = nullptr;
-        sd_bus_request_name_async(bus, &slot, m_name.c_str(), 0, receive, this);
-        return SdBusSlot(slot);
-    });
+    m_claim = m_session.requestName(m_name, [this](sd_bus_message *reply) { noteClaim(reply); });
 }
 
 void DBusRunningApplications::noteClaim(sd_bus_message *reply)
 {
-    std::uint32_t result = 0;
-    if (sd_bus_message_read_basic(reply, 'u', static_cast<void *>(&result)) <= 0)
+    const auto result = SdBusReader(reply).uint32();
+    if (!result)
         return;
     const bool isOwner = result == primaryOwner || result == alreadyOwner;
     if (std::exchange(m_ownsName, isOwner) && !isOwner)
@@ -75,30 +69,25 @@ void DBusRunningApplications::noteClaim(sd_bus_message *reply)
 std::optional<std::int64_t> DBusRunningApplications::processOf(sd_bus *bus, const std::string &connection,
                                                                SdBusDeadline deadline) const
 {
-    const auto reply = askBus(bus, "GetConnectionUnixProcessID", connection, deadline);
-    std::uint32_t process = 0;
-    if (!reply || sd_bus_message_read_basic(reply.get(), 'u', static_cast<void *>(&process)) <= 0)
+    const auto call = SdBusWriter::busCall(bus, "GetConnectionUnixProcessID").add(connection).take();
+    const auto reply = callUntil(bus, call.get(), deadline);
+    const auto process = reply ? SdBusReader(reply.get()).uint32() : std::nullopt;
+    if (!process)
         return std::nullopt;
     // Copies in sandboxes of their own may have the same number.
-    return process == currentProcessIdentifier() ? 0 : std::int64_t{process};
+    return process == currentProcessIdentifier() ? 0 : std::int64_t{*process};
 }
 
 void DBusRunningApplications::activate(const RunningApplication &)
 {
-    sd_bus_message *message = nullptr;
-    if (m_session.bus() == nullptr ||
-        sd_bus_message_new_method_call(m_session.bus(), &message, m_name.c_str(), bus_names::applicationPath,
-                                       bus_names::applicationInterface, "Activate") < 0)
-        return;
-    const SdBusMessage owner(message);
-    sd_bus_message_set_expect_reply(message, 0);
-    sd_bus_message_set_auto_start(message, 0);
-    const char *token = std::getenv("XDG_ACTIVATION_TOKEN");
-    const int result = token != nullptr
-                           ? sd_bus_message_append(message, "a{sv}", 1, bus_names::activationTokenKey, "s", token)
-                           : sd_bus_message_append(message, "a{sv}", 0);
-    if (result >= 0)
-        m_session.send(owner);
+    UserInfo platformData;
+    if (const char *token = std::getenv("XDG_ACTIVATION_TOKEN"))
+        platformData.emplace(bus_names::activationTokenKey, token);
+    m_session.send(SdBusWriter::call(m_session.bus(), m_name.c_str(), bus_names::applicationPath,
+                                     bus_names::applicationInterface, "Activate")
+                       .withoutStarting()
+                       .add(platformData)
+                       .take());
 }
 
 std::int64_t DBusRunningApplications::currentProcessIdentifier() const { return getpid(); }

@@ -1,11 +1,14 @@
 #include "adapters/linux/bus/DBusSession.h"
 
+#include "adapters/linux/bus/SdBusReader.h"
+#include "adapters/linux/bus/SdBusWriter.h"
 #include "base/Console.h"
 
 #include <poll.h>
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -16,11 +19,20 @@ namespace {
 /// How long a flood of messages may keep the rest of the main thread waiting at a stretch.
 constexpr std::chrono::milliseconds longestTurn{10};
 
+/// D-Bus Specification, "org.freedesktop.DBus.RequestName".
+constexpr std::uint32_t doNotQueue = 4;
+
 const char *absenceOf(SdBusKind kind)
 {
     return kind == SdBusKind::session
                ? "No session bus: the ambertide command and a second start of Ambertide cannot reach this copy"
                : "No system bus: waking from sleep is not noticed at once";
+}
+
+int handle(sd_bus_message *message, void *handler, sd_bus_error *)
+{
+    (*static_cast<const DBusSession::MessageHandler *>(handler))(message);
+    return 0;
 }
 
 std::string nameOf(SdBusKind kind) { return kind == SdBusKind::session ? "session bus" : "system bus"; }
@@ -66,6 +78,55 @@ Observation DBusSession::install(Installer installer)
     return Observation([this, number] {
         m_installations.erase(number);
         scheduleNextTurn();
+    });
+}
+
+Observation DBusSession::match(std::string rule, MessageHandler handler)
+{
+    return install([rule = std::move(rule), shared = std::make_shared<MessageHandler>(std::move(handler))](
+                       sd_bus *bus) { return addMatch(bus, rule, handle, shared.get()); });
+}
+
+Observation DBusSession::call(std::function<SdBusMessage(sd_bus *)> makeCall, MessageHandler answered)
+{
+    return install(
+        [makeCall = std::move(makeCall), shared = std::make_shared<MessageHandler>(std::move(answered))](sd_bus *bus) {
+            constexpr auto noTimeLimit = std::numeric_limits<std::uint64_t>::max();
+            const auto message = makeCall(bus);
+            sd_bus_slot *slot = nullptr;
+            if (message)
+                sd_bus_call_async(bus, &slot, message.get(), handle, shared.get(), noTimeLimit);
+            return SdBusSlot(slot);
+        });
+}
+
+Observation DBusSession::requestName(const std::string &name, MessageHandler answered)
+{
+    return call([name](sd_bus *bus) { return SdBusWriter::busCall(bus, "RequestName").add(name, doNotQueue).take(); },
+                std::move(answered));
+}
+
+Observation DBusSession::watchName(std::string_view name, std::function<void(bool isOwned)> changed)
+{
+    const auto rule = signalRule({{"sender", "org.freedesktop.DBus"},
+                                  {"interface", "org.freedesktop.DBus"},
+                                  {"member", "NameOwnerChanged"},
+                                  {"arg0", name}});
+    return match(rule, [this, changed = std::move(changed)](sd_bus_message *signal) {
+        SdBusReader reader(signal);
+        const bool isRead = reader.text() && reader.text(); // the name and its owner so far
+        if (const auto owner = isRead ? reader.text() : std::nullopt)
+            afterMessage([changed, isOwned = !owner->empty()] { changed(isOwned); });
+    });
+}
+
+Observation DBusSession::exportObject(const char *path, const char *interface, const sd_bus_vtable *members,
+                                      void *object)
+{
+    return install([=](sd_bus *bus) {
+        sd_bus_slot *slot = nullptr;
+        sd_bus_add_object_vtable(bus, &slot, path, interface, members, object);
+        return SdBusSlot(slot);
     });
 }
 

@@ -11,6 +11,8 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <string>
+#include <string_view>
 
 namespace ambertide {
 
@@ -29,6 +31,19 @@ public:
     /// it must not wait.
     using Installer = std::function<SdBusSlot(sd_bus *)>;
     Observation install(Installer installer);
+
+    /// Sees a message while it is under way: what it has to tell others goes through afterMessage().
+    using MessageHandler = std::function<void(sd_bus_message *)>;
+    /// Has signals handled that the rule finds; see signalRule().
+    Observation match(std::string rule, MessageHandler handler);
+    /// Sends a call on each connection. `answered` gets the reply or the error, however late.
+    Observation call(std::function<SdBusMessage(sd_bus *)> makeCall, MessageHandler answered);
+    /// Asks the bus for this name; `answered` gets its reply to RequestName.
+    Observation requestName(const std::string &name, MessageHandler answered);
+    /// Tells when a name gets an owner or loses the last one, once the message has been handled.
+    Observation watchName(std::string_view name, std::function<void(bool isOwned)> changed);
+    /// Exports one interface of an object. `members` and `object` must outlive the observation.
+    Observation exportObject(const char *path, const char *interface, const sd_bus_vtable *members, void *object);
 
     /// Runs `work` once the message under way has been handled. Observers are called like this, so that they may do
     /// what they like: nothing of sd-bus is on the stack.

@@ -2,8 +2,8 @@
 
 #include "adapters/linux/bus/BusNames.h"
 #include "adapters/linux/bus/SdBusReader.h"
+#include "adapters/linux/bus/SdBusWriter.h"
 
-#include <cstdint>
 #include <utility>
 
 namespace ambertide::posted_signal {
@@ -12,60 +12,23 @@ namespace {
 
 constexpr std::string_view alwaysKept = "temperature";
 
-int appendValue(sd_bus_message *message, const UserInfoValue &value)
-{
-    if (const auto *truth = std::get_if<bool>(&value))
-        return sd_bus_message_append(message, "v", "b", static_cast<int>(*truth));
-    if (const auto *integer = std::get_if<std::int64_t>(&value))
-        return sd_bus_message_append(message, "v", "x", *integer);
-    if (const auto *number = std::get_if<double>(&value))
-        return sd_bus_message_append(message, "v", "d", *number);
-    return sd_bus_message_append(message, "v", "s", std::get<std::string>(value).c_str());
-}
-
-bool appendDictionary(sd_bus_message *message, const UserInfo &userInfo)
-{
-    if (sd_bus_message_open_container(message, 'a', "{sv}") < 0)
-        return false;
-    for (const auto &[key, value] : userInfo) {
-        if (std::holds_alternative<OpaqueValue>(value))
-            continue;
-        if (sd_bus_message_open_container(message, 'e', "sv") < 0 ||
-            sd_bus_message_append_basic(message, 's', key.c_str()) < 0 || appendValue(message, value) < 0 ||
-            sd_bus_message_close_container(message) < 0)
-            return false;
-    }
-    return sd_bus_message_close_container(message) >= 0;
-}
-
 } // namespace
 
 std::string matchRule(std::string_view name, std::string_view sender)
 {
-    std::string rule = "type='signal'";
-    const auto require = [&rule](std::string_view key, std::string_view value) {
-        rule.append(",").append(key).append("='").append(value).append("'");
-    };
-    if (!sender.empty())
-        require("sender", sender);
-    require("path", bus_names::applicationPath);
-    require("interface", bus_names::notificationInterface);
-    require("member", bus_names::postedMember);
-    require("arg0", name);
-    return rule;
+    return signalRule({{"sender", sender},
+                       {"path", bus_names::applicationPath},
+                       {"interface", bus_names::notificationInterface},
+                       {"member", bus_names::postedMember},
+                       {"arg0", name}});
 }
 
 SdBusMessage encode(sd_bus *bus, const Notification &notification)
 {
-    sd_bus_message *message = nullptr;
-    if (sd_bus_message_new_signal(bus, &message, bus_names::applicationPath, bus_names::notificationInterface,
-                                  bus_names::postedMember) < 0)
-        return nullptr;
-    SdBusMessage owner(message);
-    if (sd_bus_message_append_basic(message, 's', notification.name.c_str()) < 0 ||
-        !appendDictionary(message, notification.userInfo.value_or(UserInfo())))
-        return nullptr;
-    return owner;
+    return SdBusWriter::signal(bus, bus_names::applicationPath, bus_names::notificationInterface,
+                               bus_names::postedMember)
+        .add(notification.name, notification.userInfo.value_or(UserInfo()))
+        .take();
 }
 
 std::optional<Notification> decode(sd_bus_message *message)

@@ -1,5 +1,8 @@
 #include "adapters/linux/bus/SdBus.h"
 
+#include "adapters/linux/bus/SdBusReader.h"
+#include "adapters/linux/bus/SdBusWriter.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -59,32 +62,26 @@ SdBusMessage callUntil(sd_bus *bus, sd_bus_message *call, SdBusDeadline deadline
     return SdBusMessage(reply);
 }
 
-SdBusMessage askBus(sd_bus *bus, const char *method, const std::string &name, SdBusDeadline deadline, int *error)
-{
-    sd_bus_message *call = nullptr;
-    int result = sd_bus_message_new_method_call(bus, &call, "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                                "org.freedesktop.DBus", method);
-    const SdBusMessage owner(call);
-    if (result >= 0)
-        result = sd_bus_message_append_basic(call, 's', name.c_str());
-    if (result >= 0)
-        return callUntil(bus, call, deadline, error);
-    if (error != nullptr)
-        *error = -result;
-    return nullptr;
-}
-
 std::optional<std::string> ownerOfName(sd_bus *bus, const std::string &name, SdBusDeadline deadline)
 {
     int error = 0;
-    const auto reply = askBus(bus, "GetNameOwner", name, deadline, &error);
-    const char *owner = nullptr;
-    if (reply && sd_bus_message_read_basic(reply.get(), 's', static_cast<void *>(&owner)) > 0)
-        return owner;
+    const auto call = SdBusWriter::busCall(bus, "GetNameOwner").add(name).take();
+    if (const auto reply = callUntil(bus, call.get(), deadline, &error))
+        return SdBusReader(reply.get()).text();
     // What sd-bus makes of org.freedesktop.DBus.Error.NameHasNoOwner.
     if (error == ENXIO)
         return std::string();
     return std::nullopt;
+}
+
+std::string signalRule(std::initializer_list<std::pair<const char *, std::string_view>> conditions)
+{
+    std::string rule = "type='signal'";
+    for (const auto &[key, value] : conditions) {
+        if (!value.empty())
+            rule.append(",").append(key).append("='").append(value).append("'");
+    }
+    return rule;
 }
 
 SdBusSlot addMatch(sd_bus *bus, const std::string &rule, sd_bus_message_handler_t handler, void *context)

@@ -4,9 +4,12 @@
 
 #include <chrono>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace ambertide {
 
@@ -44,12 +47,11 @@ bool waitUntilReady(sd_bus *bus, SdBusDeadline deadline);
 /// to `error`; ETIMEDOUT is the deadline.
 SdBusMessage callUntil(sd_bus *bus, sd_bus_message *call, SdBusDeadline deadline, int *error = nullptr);
 
-/// Calls a method of the bus itself that takes a name. As callUntil().
-SdBusMessage askBus(sd_bus *bus, const char *method, const std::string &name, SdBusDeadline deadline,
-                    int *error = nullptr);
-
 /// The unique name of the connection that owns `name`: empty when nobody does, nothing when the bus did not say.
 std::optional<std::string> ownerOfName(sd_bus *bus, const std::string &name, SdBusDeadline deadline);
+
+/// The rule that finds signals by these conditions, such as {"member", "Posted"}; those without a value are left out.
+std::string signalRule(std::initializer_list<std::pair<const char *, std::string_view>> conditions);
 
 /// Calls `handler` for the messages of the rule. Does not wait for the bus to confirm it.
 SdBusSlot addMatch(sd_bus *bus, const std::string &rule, sd_bus_message_handler_t handler, void *context);

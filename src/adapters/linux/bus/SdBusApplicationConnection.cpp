@@ -2,6 +2,7 @@
 
 #include "adapters/linux/bus/BusNames.h"
 #include "adapters/linux/bus/PostedSignal.h"
+#include "adapters/linux/bus/SdBusWriter.h"
 
 #include <cerrno>
 
@@ -41,10 +42,9 @@ ApplicationConnection::Outcome SdBusApplicationConnection::post(const Notificati
         return outcome;
     // The bus keeps the order of what one connection sends: the application answers the ping after it has taken the
     // post.
-    sd_bus_message *message = nullptr;
-    sd_bus_message_new_method_call(m_bus.get(), &message, m_owner.c_str(), bus_names::applicationPath,
-                                   "org.freedesktop.DBus.Peer", "Ping");
-    const SdBusMessage ping(message);
+    const auto ping =
+        SdBusWriter::call(m_bus.get(), m_owner.c_str(), bus_names::applicationPath, "org.freedesktop.DBus.Peer", "Ping")
+            .take();
     if (!ping || !send(m_bus.get(), notification) || !callUntil(m_bus.get(), ping.get(), m_deadline))
         return Outcome::noAnswer;
     return Outcome::done;

@@ -55,56 +55,56 @@ std::optional<std::string> SdBusReader::text()
     return read ? std::optional(shortened(*read)) : std::nullopt;
 }
 
+std::optional<bool> SdBusReader::boolean()
+{
+    const auto read = basic<int>('b');
+    return read ? std::optional(*read != 0) : std::nullopt;
+}
+
+std::optional<std::int32_t> SdBusReader::int32() { return basic<std::int32_t>('i'); }
+
+std::optional<std::uint32_t> SdBusReader::uint32() { return basic<std::uint32_t>('u'); }
+
 std::optional<std::vector<std::string>> SdBusReader::texts()
 {
     std::vector<std::string> entries;
-    if (!enter('a', "s"))
-        return std::nullopt;
-    while (!isAtEnd()) {
-        const auto read = basic<const char *>('s');
-        if (!read)
-            return std::nullopt;
-        if (entries.size() < mostEntries)
-            entries.push_back(shortened(*read));
-    }
-    return leave() ? std::optional(std::move(entries)) : std::nullopt;
+    const bool isRead = array("s", [&] {
+        auto entry = text();
+        if (entry && entries.size() < mostEntries)
+            entries.push_back(*std::move(entry));
+        return entry.has_value();
+    });
+    return isRead ? std::optional(std::move(entries)) : std::nullopt;
+}
+
+template <typename Value, typename ReadValue>
+std::optional<std::map<std::string, Value, std::less<>>>
+SdBusReader::entries(const char *types, std::string_view alwaysKept, ReadValue readValue)
+{
+    std::map<std::string, Value, std::less<>> entries;
+    const auto readEntry = [&] {
+        auto key = text();
+        auto value = key ? readValue() : std::nullopt;
+        if (!value)
+            return false;
+        const std::size_t reserved = alwaysKept.empty() || entries.contains(alwaysKept) ? 0 : 1;
+        if (entries.size() + reserved < mostEntries || *key == alwaysKept)
+            entries.insert_or_assign(*std::move(key), *std::move(value));
+        return true;
+    };
+    const auto contents = std::string("{") + types + '}';
+    const bool isRead = array(contents.c_str(), [&] { return container('e', types, readEntry); });
+    return isRead ? std::optional(std::move(entries)) : std::nullopt;
 }
 
 std::optional<UserInfo> SdBusReader::dictionary(std::string_view alwaysKept)
 {
-    UserInfo entries;
-    if (!enter('a', "{sv}"))
-        return std::nullopt;
-    while (!isAtEnd()) {
-        if (!enter('e', "sv"))
-            return std::nullopt;
-        auto key = text();
-        auto value = key ? variant() : std::nullopt;
-        if (!value || !leave())
-            return std::nullopt;
-        const std::size_t reserved = alwaysKept.empty() || entries.contains(alwaysKept) ? 0 : 1;
-        if (entries.size() + reserved < mostEntries || *key == alwaysKept)
-            entries.insert_or_assign(*std::move(key), *std::move(value));
-    }
-    return leave() ? std::optional(std::move(entries)) : std::nullopt;
+    return entries<UserInfoValue>("sv", alwaysKept, [this] { return variant(); });
 }
 
 std::optional<std::map<std::string, UserInfo, std::less<>>> SdBusReader::dictionaries(std::string_view alwaysKept)
 {
-    std::map<std::string, UserInfo, std::less<>> entries;
-    if (!enter('a', "{sa{sv}}"))
-        return std::nullopt;
-    while (!isAtEnd()) {
-        if (!enter('e', "sa{sv}"))
-            return std::nullopt;
-        auto key = text();
-        auto value = key ? dictionary(alwaysKept) : std::nullopt;
-        if (!value || !leave())
-            return std::nullopt;
-        if (entries.size() < mostEntries)
-            entries.insert_or_assign(*std::move(key), *std::move(value));
-    }
-    return leave() ? std::optional(std::move(entries)) : std::nullopt;
+    return entries<UserInfo>("sa{sv}", {}, [this, alwaysKept] { return dictionary(alwaysKept); });
 }
 
 std::optional<UserInfoValue> SdBusReader::variant()
@@ -114,18 +114,20 @@ std::optional<UserInfoValue> SdBusReader::variant()
     if (sd_bus_message_peek_type(m_message, &type, &contents) <= 0 || type != 'v')
         return std::nullopt;
     const std::string signature = contents; // the next look at the message invalidates it
-    if (!enter('v', signature.c_str()))
-        return std::nullopt;
-    auto value = variantContents(signature);
-    return value && leave() ? std::move(value) : std::nullopt;
+    std::optional<UserInfoValue> value;
+    const bool isRead = container('v', signature.c_str(), [&] {
+        value = variantContents(signature);
+        return value.has_value();
+    });
+    return isRead ? std::move(value) : std::nullopt;
 }
 
 std::optional<UserInfoValue> SdBusReader::variantContents(const std::string &signature)
 {
     switch (signature.size() == 1 ? signature.front() : '\0') {
     case 'b':
-        if (const auto read = basic<int>('b'))
-            return UserInfoValue(*read != 0);
+        if (const auto read = boolean())
+            return UserInfoValue(*read);
         return std::nullopt;
     case 'y':
         return integer<std::uint8_t>('y');
@@ -174,13 +176,13 @@ bool SdBusReader::skip()
         std::size_t size = 0;
         return sd_bus_message_read_array(m_message, contents[0], &elements, &size) >= 0;
     }
-    if (!enter(type, contents))
-        return false;
-    while (!isAtEnd()) {
-        if (!skip())
-            return false;
-    }
-    return leave();
+    return container(type, contents, [this] {
+        while (!isAtEnd()) {
+            if (!skip())
+                return false;
+        }
+        return true;
+    });
 }
 
 } // namespace ambertide

@@ -4,6 +4,7 @@
 #include "base/UserInfo.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
@@ -27,6 +28,9 @@ public:
     explicit SdBusReader(sd_bus_message *message) : m_message(message) {}
 
     std::optional<std::string> text();
+    std::optional<bool> boolean();
+    std::optional<std::int32_t> int32();
+    std::optional<std::uint32_t> uint32();
 
     /// An array `as`, cut to its first entries.
     std::optional<std::vector<std::string>> texts();
@@ -42,6 +46,25 @@ public:
     /// One value like those of a dictionary.
     std::optional<UserInfoValue> variant();
 
+    /// Reads an array entry by entry, or what is inside of another container; the function returns false for what is
+    /// malformed.
+    template <typename ReadEntry>
+    bool array(const char *contents, ReadEntry readEntry)
+    {
+        return container('a', contents, [&] {
+            while (!isAtEnd()) {
+                if (!readEntry())
+                    return false;
+            }
+            return true;
+        });
+    }
+    template <typename ReadContents>
+    bool container(char type, const char *contents, ReadContents readContents)
+    {
+        return enter(type, contents) && readContents() && leave();
+    }
+
     /// Passes over the next value, whatever it is. sd-bus can do that too, but looks at each element of the largest
     /// arrays that a bus lets through.
     bool skip();
@@ -54,6 +77,9 @@ private:
     std::optional<Value> basic(char type);
     template <typename Wire>
     std::optional<UserInfoValue> integer(char type);
+    template <typename Value, typename ReadValue>
+    std::optional<std::map<std::string, Value, std::less<>>> entries(const char *types, std::string_view alwaysKept,
+                                                                     ReadValue readValue);
     std::optional<UserInfoValue> variantContents(const std::string &signature);
 
     sd_bus_message *m_message;

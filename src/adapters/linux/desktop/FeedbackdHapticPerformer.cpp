@@ -1,6 +1,7 @@
 #include "adapters/linux/desktop/FeedbackdHapticPerformer.h"
 
 #include "adapters/linux/bus/BusNames.h"
+#include "adapters/linux/bus/SdBusWriter.h"
 
 namespace ambertide {
 
@@ -11,23 +12,17 @@ constexpr char event[] = "button-pressed";
 /// Felt, not heard.
 constexpr char profile[] = "quiet";
 /// Feedback that goes on by itself is played once.
-constexpr int onlyOnce = -1;
+constexpr std::int32_t onlyOnce = -1;
 
 } // namespace
 
 void FeedbackdHapticPerformer::performLevelChange()
 {
-    sd_bus_message *message = nullptr;
-    if (m_session.bus() == nullptr ||
-        sd_bus_message_new_method_call(m_session.bus(), &message, "org.sigxcpu.Feedback", "/org/sigxcpu/Feedback",
-                                       "org.sigxcpu.Feedback", "TriggerFeedback") < 0)
-        return;
-    const SdBusMessage owner(message);
-    sd_bus_message_set_expect_reply(message, 0);
-    sd_bus_message_set_auto_start(message, 0);
-    if (sd_bus_message_append(message, "ssa{sv}i", bus_names::application, event, 1, "profile", "s", profile,
-                              onlyOnce) >= 0)
-        m_session.send(owner);
+    m_session.send(SdBusWriter::call(m_session.bus(), "org.sigxcpu.Feedback", "/org/sigxcpu/Feedback",
+                                     "org.sigxcpu.Feedback", "TriggerFeedback")
+                       .withoutStarting()
+                       .add(bus_names::application, event, UserInfo{{"profile", profile}}, onlyOnce)
+                       .take());
 }
 
 } // namespace ambertide

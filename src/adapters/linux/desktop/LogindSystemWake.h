@@ -18,9 +18,6 @@ public:
     Observation observe(std::function<void()> handler) override;
 
 private:
-    static int receive(sd_bus_message *message, void *context, sd_bus_error *error);
-
-    DBusSession &m_systemBus;
     Observers<> m_observers;
     Observation m_match;
 };

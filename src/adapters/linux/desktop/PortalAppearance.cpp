@@ -1,5 +1,7 @@
 #include "adapters/linux/desktop/PortalAppearance.h"
 
+#include "adapters/linux/bus/SdBusWriter.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -44,57 +46,52 @@ bool isTrue(const UserInfo &settings, const Setting &setting, bool otherwise)
 
 PortalAppearance::PortalAppearance(DBusSession &session) : m_session(session)
 {
-    const auto match = [this](const std::string &rule, sd_bus_message_handler_t handler) {
-        m_matches.push_back(
-            m_session.install([this, rule, handler](sd_bus *bus) { return addMatch(bus, rule, handler, this); }));
-    };
     for (const auto &[group, key] : allSettings)
-        match(std::string("type='signal',sender='") + portalName + "',path='" + portalPath + "',interface='" +
-                  settingsInterface + "',member='SettingChanged',arg0='" + group + "',arg1='" + key + '\'',
-              noteChange);
-    match(std::string("type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
-                      "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='") +
-              portalName + '\'',
-          noteOwner);
+        m_matches.push_back(session.match(signalRule({{"sender", portalName},
+                                                      {"path", portalPath},
+                                                      {"interface", settingsInterface},
+                                                      {"member", "SettingChanged"},
+                                                      {"arg0", group},
+                                                      {"arg1", key}}),
+                                          [this](sd_bus_message *signal) { noteChange(signal); }));
+    m_matches.push_back(session.watchName(portalName, [this](bool isOwned) {
+        if (isOwned)
+            askForAll();
+    }));
     askForAll();
 }
 
-Observation PortalAppearance::observe(std::function<void()> changed)
-{
-    return m_observers.observe(std::move(changed));
-}
+Observation PortalAppearance::observe(std::function<void()> changed) { return m_observers.observe(std::move(changed)); }
 
 void PortalAppearance::askForAll()
 {
-    m_request = m_session.install([this](sd_bus *bus) {
-        sd_bus_slot *slot = nullptr;
-        sd_bus_call_method_async(bus, &slot, portalName, portalPath, settingsInterface, "ReadAll", noteAll, this, "as",
-                                 3, colorSchemeSetting.group, highContrastSetting.group, animationsSetting.group);
-        return SdBusSlot(slot);
-    });
+    const auto ask = [](sd_bus *bus) {
+        auto call = SdBusWriter::call(bus, portalName, portalPath, settingsInterface, "ReadAll");
+        call.container('a', "s", [&call] {
+            call.add(colorSchemeSetting.group, highContrastSetting.group, animationsSetting.group);
+        });
+        return call.take();
+    };
+    m_request = m_session.call(ask, [this](sd_bus_message *reply) { noteAll(reply); });
 }
 
-int PortalAppearance::noteAll(sd_bus_message *reply, void *context, sd_bus_error *)
+void PortalAppearance::noteAll(sd_bus_message *reply)
 {
-    auto &appearance = *static_cast<PortalAppearance *>(context);
-    if (sd_bus_message_is_method_error(reply, nullptr) != 0)
-        return 0;
     const auto groups = SdBusReader(reply).dictionaries(animationsSetting.key);
     if (!groups)
-        return 0;
-    appearance.m_settings.clear();
+        return;
+    m_settings.clear();
     for (const auto &setting : allSettings) {
         const auto group = groups->find(setting.group);
         if (group == groups->end())
             continue;
         if (const auto found = group->second.find(setting.key); found != group->second.end())
-            appearance.m_settings.insert_or_assign(setting.name(), found->second);
+            m_settings.insert_or_assign(setting.name(), found->second);
     }
-    appearance.updateLook();
-    return 0;
+    updateLook();
 }
 
-int PortalAppearance::noteChange(sd_bus_message *signal, void *context, sd_bus_error *)
+void PortalAppearance::noteChange(sd_bus_message *signal)
 {
     SdBusReader reader(signal);
     const auto group = reader.text();
@@ -104,22 +101,9 @@ int PortalAppearance::noteChange(sd_bus_message *signal, void *context, sd_bus_e
                             return setting.group == *group && setting.key == *key;
                         });
     if (!isOurs)
-        return 0;
-    auto &appearance = *static_cast<PortalAppearance *>(context);
-    appearance.m_settings.insert_or_assign(*group + ' ' + *key, *std::move(value));
-    appearance.updateLook();
-    return 0;
-}
-
-int PortalAppearance::noteOwner(sd_bus_message *signal, void *context, sd_bus_error *)
-{
-    SdBusReader reader(signal);
-    reader.text(); // the name
-    reader.text(); // its owner so far
-    auto &appearance = *static_cast<PortalAppearance *>(context);
-    if (const auto owner = reader.text(); owner && !owner->empty())
-        appearance.m_session.afterMessage([&appearance] { appearance.askForAll(); });
-    return 0;
+        return;
+    m_settings.insert_or_assign(*group + ' ' + *key, *std::move(value));
+    updateLook();
 }
 
 void PortalAppearance::updateLook()

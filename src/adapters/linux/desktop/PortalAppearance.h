@@ -10,9 +10,9 @@
 
 namespace ambertide {
 
-/// The look that the desktop portal tells of: by its own keys and, since older portals have but one of those, by
-/// GNOME's. It is asked at the start and whenever a portal appears; afterwards only changes of these keys are sent
-/// here.
+/// The look as the desktop portal has it: in its own settings and, because older portals have only one of those, in
+/// GNOME's. A portal is asked for all of them at the start and whenever one appears; after that only changes of these
+/// settings are sent here.
 class PortalAppearance final : public Appearance
 {
 public:
@@ -35,10 +35,9 @@ private:
         bool operator==(const Look &) const = default;
     };
 
-    static int noteAll(sd_bus_message *reply, void *context, sd_bus_error *);
-    static int noteChange(sd_bus_message *signal, void *context, sd_bus_error *);
-    static int noteOwner(sd_bus_message *signal, void *context, sd_bus_error *);
     void askForAll();
+    void noteAll(sd_bus_message *reply);
+    void noteChange(sd_bus_message *signal);
     void updateLook();
 
     DBusSession &m_session;

@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace ambertide {
 
 namespace {
 
-/// The underscore marks the access key.
+/// A single underscore would mark the access key.
 std::string labelOf(const TrayMenuItem &item)
 {
     std::string label;
@@ -37,71 +38,21 @@ const TrayMenuItem *DBusMenuItems::find(std::int32_t identifier) const
     return exists ? &m_items[static_cast<std::size_t>(position)] : nullptr;
 }
 
-void DBusMenuItems::appendLayout(sd_bus_message *message, std::int32_t parent, std::int32_t depth) const
+std::vector<std::int32_t> DBusMenuItems::identifiers() const
 {
-    sd_bus_message_open_container(message, 'r', "ia{sv}av");
-    sd_bus_message_append(message, "i", parent);
-    appendProperties(message, parent);
-    sd_bus_message_open_container(message, 'a', "v");
-    const bool withChildren = parent == root && depth != 0;
-    for (auto identifier = m_first; withChildren && find(identifier) != nullptr; ++identifier) {
-        sd_bus_message_open_container(message, 'v', "(ia{sv}av)");
-        appendLayout(message, identifier, 0);
-        sd_bus_message_close_container(message);
-    }
-    sd_bus_message_close_container(message);
-    sd_bus_message_close_container(message);
+    std::vector<std::int32_t> identifiers(m_items.size());
+    std::iota(identifiers.begin(), identifiers.end(), m_first);
+    return identifiers;
 }
 
-void DBusMenuItems::appendGroup(sd_bus_message *message, const std::function<bool(std::int32_t)> &isWanted) const
-{
-    const auto append = [&](std::int32_t identifier) {
-        if (!isWanted(identifier))
-            return;
-        sd_bus_message_open_container(message, 'r', "ia{sv}");
-        sd_bus_message_append(message, "i", identifier);
-        appendProperties(message, identifier);
-        sd_bus_message_close_container(message);
-    };
-    sd_bus_message_open_container(message, 'a', "(ia{sv})");
-    append(root);
-    for (auto identifier = m_first; find(identifier) != nullptr; ++identifier)
-        append(identifier);
-    sd_bus_message_close_container(message);
-}
-
-bool DBusMenuItems::hasProperty(std::int32_t identifier, std::string_view name) const
+UserInfo DBusMenuItems::properties(std::int32_t identifier) const
 {
     const auto *item = find(identifier);
     if (item == nullptr)
-        return identifier == root && name == "children-display";
-    return item->text.empty() ? name == "type" : name == "label" || name == "enabled";
-}
-
-void DBusMenuItems::appendProperty(sd_bus_message *message, std::int32_t identifier, std::string_view name) const
-{
-    const auto *item = find(identifier);
-    if (name == "enabled")
-        sd_bus_message_append(message, "v", "b", static_cast<int>(item->isEnabled));
-    else
-        sd_bus_message_append(message, "v", "s",
-                              name == "label"  ? labelOf(*item).c_str()
-                              : name == "type" ? "separator"
-                                               : "submenu");
-}
-
-void DBusMenuItems::appendProperties(sd_bus_message *message, std::int32_t identifier) const
-{
-    sd_bus_message_open_container(message, 'a', "{sv}");
-    for (const char *name : {"children-display", "type", "label", "enabled"}) {
-        if (!hasProperty(identifier, name))
-            continue;
-        sd_bus_message_open_container(message, 'e', "sv");
-        sd_bus_message_append(message, "s", name);
-        appendProperty(message, identifier, name);
-        sd_bus_message_close_container(message);
-    }
-    sd_bus_message_close_container(message);
+        return identifier == root ? UserInfo{{"children-display", "submenu"}} : UserInfo{};
+    if (item->text.empty())
+        return {{"type", "separator"}};
+    return {{"label", labelOf(*item)}, {"enabled", item->isEnabled}};
 }
 
 } // namespace ambertide

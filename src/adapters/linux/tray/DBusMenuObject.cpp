@@ -1,13 +1,9 @@
 #include "adapters/linux/tray/DBusMenuObject.h"
 
-#include "adapters/linux/bus/SdBusReader.h"
+#include "adapters/linux/bus/SdBusObject.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <initializer_list>
-#include <iterator>
 #include <optional>
-#include <span>
 #include <utility>
 
 namespace ambertide {
@@ -17,169 +13,178 @@ namespace {
 constexpr char interface[] = "com.canonical.dbusmenu";
 /// Asked or told about in one call; more could only be meant to hold the menu up.
 constexpr std::size_t mostEntries = 256;
+constexpr char noSuchItem[] = "There is no such item";
 
-std::span<const std::int32_t> readIdentifiers(sd_bus_message *call)
+struct MenuEvent
 {
-    const void *identifiers = nullptr;
-    std::size_t size = 0;
-    if (sd_bus_message_read_array(call, 'i', &identifiers, &size) <= 0)
-        return {};
-    return {static_cast<const std::int32_t *>(identifiers), std::min(size / sizeof(std::int32_t), mostEntries)};
+    std::int32_t identifier;
+    bool isClick;
+};
+
+/// Nothing when malformed.
+std::optional<MenuEvent> readEvent(SdBusReader &call)
+{
+    const auto identifier = call.int32();
+    const auto kind = identifier ? call.text() : std::nullopt;
+    if (!kind || !call.skip() || !call.uint32())
+        return std::nullopt;
+    return MenuEvent{*identifier, kind == "clicked"};
 }
 
-int refuse(sd_bus_error *error) { return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "There is no such item"); }
+/// Nothing when malformed.
+std::optional<std::vector<std::int32_t>> readIdentifiers(SdBusReader &call)
+{
+    std::vector<std::int32_t> identifiers;
+    const bool isRead = call.array("i", [&] {
+        const auto identifier = call.int32();
+        if (identifier && identifiers.size() < mostEntries)
+            identifiers.push_back(*identifier);
+        return identifier.has_value();
+    });
+    return isRead ? std::optional(std::move(identifiers)) : std::nullopt;
+}
+
+/// `(ia{sv}av)`, of an entry or the root.
+void writeLayout(SdBusWriter &message, const DBusMenuItems &items, std::int32_t identifier,
+                 const std::vector<std::int32_t> &children)
+{
+    message.container('r', "ia{sv}av", [&] {
+        message.add(identifier, items.properties(identifier));
+        message.container('a', "v", [&] {
+            for (const auto child : children)
+                message.container('v', "(ia{sv}av)", [&] { writeLayout(message, items, child, {}); });
+        });
+    });
+}
+
+/// `a(ia{sv})`.
+void writeProperties(SdBusWriter &message, const DBusMenuItems &items, const std::vector<std::int32_t> &identifiers)
+{
+    message.container('a', "(ia{sv})", [&] {
+        for (const auto identifier : identifiers)
+            message.container('r', "ia{sv}", [&] { message.add(identifier, items.properties(identifier)); });
+    });
+}
 
 } // namespace
 
-struct DBusMenuObject::Methods
+struct DBusMenuObject::Members
 {
     static const sd_bus_vtable vtable[];
 
-    static DBusMenuObject &self(void *context) { return *static_cast<DBusMenuObject *>(context); }
-
-    static int getLayout(sd_bus_message *call, void *context, sd_bus_error *error)
+    static const char *getLayout(const DBusMenuObject &menu, SdBusReader &call, SdBusWriter &reply)
     {
-        const auto &menu = self(context);
-        std::int32_t parent = 0;
-        std::int32_t depth = 0;
-        if (const int result = sd_bus_message_read(call, "ii", &parent, &depth); result < 0)
-            return result;
-        if (!menu.m_items.has(parent))
-            return refuse(error);
-        sd_bus_message *reply = nullptr;
-        if (const int result = sd_bus_message_new_method_return(call, &reply); result < 0)
-            return result;
-        const SdBusMessage owner(reply);
-        sd_bus_message_append(reply, "u", menu.m_revision);
-        menu.m_items.appendLayout(reply, parent, depth);
-        return sd_bus_send(nullptr, reply, nullptr);
+        const auto parent = call.int32();
+        const auto depth = parent ? call.int32() : std::nullopt;
+        if (!depth)
+            return malformedCall;
+        const auto &items = menu.m_items;
+        if (!items.has(*parent))
+            return noSuchItem;
+        const bool hasChildren = *parent == DBusMenuItems::root && *depth != 0;
+        reply.add(menu.m_revision);
+        writeLayout(reply, items, *parent, hasChildren ? items.identifiers() : std::vector<std::int32_t>());
+        return noRefusal;
     }
 
     /// Of the given items, or of all for an empty list.
-    static int getGroupProperties(sd_bus_message *call, void *context, sd_bus_error *)
+    static const char *getGroupProperties(const DBusMenuObject &menu, SdBusReader &call, SdBusWriter &reply)
     {
-        const auto &menu = self(context);
         const auto wanted = readIdentifiers(call);
-        sd_bus_message *reply = nullptr;
-        if (const int result = sd_bus_message_new_method_return(call, &reply); result < 0)
-            return result;
-        const SdBusMessage owner(reply);
-        menu.m_items.appendGroup(reply, [wanted](std::int32_t identifier) {
-            return wanted.empty() || std::ranges::find(wanted, identifier) != wanted.end();
+        if (!wanted)
+            return malformedCall;
+        auto identifiers = menu.m_items.identifiers();
+        identifiers.insert(identifiers.begin(), DBusMenuItems::root);
+        std::erase_if(identifiers, [&wanted](std::int32_t identifier) {
+            return !wanted->empty() && std::ranges::find(*wanted, identifier) == wanted->end();
         });
-        return sd_bus_send(nullptr, reply, nullptr);
+        writeProperties(reply, menu.m_items, identifiers);
+        return noRefusal;
     }
 
-    static int getProperty(sd_bus_message *call, void *context, sd_bus_error *error)
+    static const char *getProperty(const DBusMenuObject &menu, SdBusReader &call, SdBusWriter &reply)
     {
-        std::int32_t identifier = 0;
-        if (const int result = sd_bus_message_read_basic(call, 'i', &identifier); result < 0)
-            return result;
-        const auto name = SdBusReader(call).text();
-        const auto &items = self(context).m_items;
-        if (!name || !items.hasProperty(identifier, *name))
-            return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "There is no such property");
-        sd_bus_message *reply = nullptr;
-        if (const int result = sd_bus_message_new_method_return(call, &reply); result < 0)
-            return result;
-        const SdBusMessage owner(reply);
-        items.appendProperty(reply, identifier, *name);
-        return sd_bus_send(nullptr, reply, nullptr);
+        const auto identifier = call.int32();
+        const auto name = identifier ? call.text() : std::nullopt;
+        if (!name)
+            return malformedCall;
+        const auto properties = menu.m_items.properties(*identifier);
+        const auto found = properties.find(*name);
+        if (found == properties.end())
+            return "There is no such property";
+        reply.add(found->second);
+        return noRefusal;
     }
 
-    /// Reads one event and performs it once the caller has been answered. False for an unknown item, nothing for a
-    /// malformed event.
-    static std::optional<bool> takeEvent(sd_bus_message *call, SdBusReader &reader, DBusMenuObject &menu,
-                                         std::int32_t &identifier)
+    static const char *event(DBusMenuObject &menu, SdBusReader &call, SdBusWriter &)
     {
-        std::uint32_t time = 0;
-        const bool hasIdentifier = sd_bus_message_read_basic(call, 'i', &identifier) > 0;
-        const auto event = hasIdentifier ? reader.text() : std::nullopt;
-        if (!event || !reader.skip() || sd_bus_message_read_basic(call, 'u', &time) <= 0)
-            return std::nullopt;
-        if (event == "clicked")
-            menu.m_session.afterMessage([&menu, identifier] { menu.activate(identifier); });
-        return menu.m_items.has(identifier);
+        const auto event = readEvent(call);
+        if (!event)
+            return malformedCall;
+        return perform(menu, *event) ? noRefusal : noSuchItem;
     }
 
-    static int event(sd_bus_message *call, void *context, sd_bus_error *error)
+    /// The reply names the unknown items.
+    static const char *eventGroup(DBusMenuObject &menu, SdBusReader &call, SdBusWriter &reply)
     {
-        SdBusReader reader(call);
-        std::int32_t identifier = 0;
-        const auto isKnown = takeEvent(call, reader, self(context), identifier);
-        if (!isKnown)
-            return -EINVAL;
-        return *isKnown ? sd_bus_reply_method_return(call, "") : refuse(error);
-    }
-
-    static int eventGroup(sd_bus_message *call, void *context, sd_bus_error *)
-    {
-        SdBusReader reader(call);
         std::vector<std::int32_t> unknown;
-        if (const int result = sd_bus_message_enter_container(call, 'a', "(isvu)"); result < 0)
-            return result;
-        for (std::size_t count = 0; count < mostEntries; ++count) {
-            if (sd_bus_message_enter_container(call, 'r', "isvu") <= 0)
-                break;
-            std::int32_t identifier = 0;
-            const auto isKnown = takeEvent(call, reader, self(context), identifier);
-            if (!isKnown || sd_bus_message_exit_container(call) < 0)
-                return -EINVAL;
-            if (!*isKnown)
-                unknown.push_back(identifier);
-        }
-        return answer(call, {&unknown});
+        std::size_t count = 0;
+        const auto takeEvent = [&] {
+            const auto event = readEvent(call);
+            if (event && count++ < mostEntries && !perform(menu, *event))
+                unknown.push_back(event->identifier);
+            return event.has_value();
+        };
+        if (!call.array("(isvu)", [&] { return call.container('r', "isvu", takeEvent); }))
+            return malformedCall;
+        reply.add(unknown);
+        return noRefusal;
     }
 
     /// The layout is always up to date.
-    static int aboutToShow(sd_bus_message *call, void *, sd_bus_error *)
+    static const char *aboutToShow(const DBusMenuObject &, SdBusReader &, SdBusWriter &reply)
     {
-        return sd_bus_reply_method_return(call, "b", 0);
+        reply.add(false);
+        return noRefusal;
     }
 
-    static int aboutToShowGroup(sd_bus_message *call, void *context, sd_bus_error *)
+    /// The reply names the items that have changed, of which there are none, and the unknown ones.
+    static const char *aboutToShowGroup(const DBusMenuObject &menu, SdBusReader &call, SdBusWriter &reply)
     {
-        const std::vector<std::int32_t> updated;
-        std::vector<std::int32_t> unknown;
-        std::ranges::copy_if(readIdentifiers(call), std::back_inserter(unknown),
-                             [context](std::int32_t identifier) { return !self(context).m_items.has(identifier); });
-        return answer(call, {&updated, &unknown});
+        auto identifiers = readIdentifiers(call);
+        if (!identifiers)
+            return malformedCall;
+        std::erase_if(*identifiers, [&menu](std::int32_t identifier) { return menu.m_items.has(identifier); });
+        reply.add(std::vector<std::int32_t>(), *identifiers);
+        return noRefusal;
     }
 
-    static int answer(sd_bus_message *call, std::initializer_list<const std::vector<std::int32_t> *> lists)
-    {
-        sd_bus_message *reply = nullptr;
-        if (const int result = sd_bus_message_new_method_return(call, &reply); result < 0)
-            return result;
-        const SdBusMessage owner(reply);
-        for (const auto *list : lists)
-            sd_bus_message_append_array(reply, 'i', list->data(), list->size() * sizeof(std::int32_t));
-        return sd_bus_send(nullptr, reply, nullptr);
-    }
+    static void version(const DBusMenuObject &, SdBusWriter &value) { value.add(std::uint32_t{3}); }
 
-    static int version(sd_bus *, const char *, const char *, const char *, sd_bus_message *reply, void *,
-                       sd_bus_error *)
-    {
-        return sd_bus_message_append(reply, "u", 3);
-    }
+    static void status(const DBusMenuObject &, SdBusWriter &value) { value.add("normal"); }
 
-    static int status(sd_bus *, const char *, const char *, const char *, sd_bus_message *reply, void *, sd_bus_error *)
+private:
+    /// Once the caller has been answered. False for an unknown item.
+    static bool perform(DBusMenuObject &menu, const MenuEvent &event)
     {
-        return sd_bus_message_append(reply, "s", "normal");
+        if (event.isClick)
+            menu.m_session.afterMessage([&menu, event] { menu.activate(event.identifier); });
+        return menu.m_items.has(event.identifier);
     }
 };
 
-const sd_bus_vtable DBusMenuObject::Methods::vtable[] = {
+const sd_bus_vtable DBusMenuObject::Members::vtable[] = {
     SD_BUS_VTABLE_START(0),
-    SD_BUS_PROPERTY("Version", "u", version, 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("Status", "s", status, 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_METHOD("GetLayout", "iias", "u(ia{sv}av)", getLayout, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("GetGroupProperties", "aias", "a(ia{sv})", getGroupProperties, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("GetProperty", "is", "v", getProperty, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Event", "isvu", "", event, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("EventGroup", "a(isvu)", "ai", eventGroup, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("AboutToShow", "i", "b", aboutToShow, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("AboutToShowGroup", "ai", "aiai", aboutToShowGroup, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_PROPERTY("Version", "u", handleRead<version>, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Status", "s", handleRead<status>, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_METHOD("GetLayout", "iias", "u(ia{sv}av)", handleCall<getLayout>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("GetGroupProperties", "aias", "a(ia{sv})", handleCall<getGroupProperties>,
+                  SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("GetProperty", "is", "v", handleCall<getProperty>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Event", "isvu", "", handleCall<event>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("EventGroup", "a(isvu)", "ai", handleCall<eventGroup>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("AboutToShow", "i", "b", handleCall<aboutToShow>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("AboutToShowGroup", "ai", "aiai", handleCall<aboutToShowGroup>, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_SIGNAL("LayoutUpdated", "ui", 0),
     SD_BUS_SIGNAL("ItemsPropertiesUpdated", "a(ia{sv})a(ias)", 0),
     SD_BUS_SIGNAL("ItemActivationRequested", "iu", 0),
@@ -187,11 +192,7 @@ const sd_bus_vtable DBusMenuObject::Methods::vtable[] = {
 };
 
 DBusMenuObject::DBusMenuObject(DBusSession &session)
-    : m_session(session), m_object(session.install([this](sd_bus *bus) {
-          sd_bus_slot *slot = nullptr;
-          sd_bus_add_object_vtable(bus, &slot, path, interface, Methods::vtable, this);
-          return SdBusSlot(slot);
-      }))
+    : m_session(session), m_object(session.exportObject(path, interface, Members::vtable, this))
 {
 }
 
@@ -206,26 +207,18 @@ void DBusMenuObject::setItems(std::vector<TrayMenuItem> items)
 void DBusMenuObject::sendLayoutUpdated()
 {
     ++m_revision;
-    sd_bus_message *signal = nullptr;
-    if (m_session.bus() == nullptr ||
-        sd_bus_message_new_signal(m_session.bus(), &signal, path, interface, "LayoutUpdated") < 0)
-        return;
-    const SdBusMessage owner(signal);
-    sd_bus_message_append(signal, "ui", m_revision, DBusMenuItems::root);
-    m_session.send(owner);
+    m_session.send(SdBusWriter::signal(m_session.bus(), path, interface, "LayoutUpdated")
+                       .add(m_revision, DBusMenuItems::root)
+                       .take());
 }
 
 /// Some hosts close an open menu when its layout is said to have changed.
 void DBusMenuObject::sendStates()
 {
-    sd_bus_message *signal = nullptr;
-    if (m_session.bus() == nullptr ||
-        sd_bus_message_new_signal(m_session.bus(), &signal, path, interface, "ItemsPropertiesUpdated") < 0)
-        return;
-    const SdBusMessage owner(signal);
-    m_items.appendGroup(signal, [this](std::int32_t identifier) { return m_items.hasProperty(identifier, "enabled"); });
-    sd_bus_message_append(signal, "a(ias)", 0);
-    m_session.send(owner);
+    auto signal = SdBusWriter::signal(m_session.bus(), path, interface, "ItemsPropertiesUpdated");
+    writeProperties(signal, m_items, m_items.identifiers());
+    signal.emptyArray("(ias)");
+    m_session.send(signal.take());
 }
 
 void DBusMenuObject::activate(std::int32_t identifier)

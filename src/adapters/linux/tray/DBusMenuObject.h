@@ -12,7 +12,7 @@ namespace ambertide {
 class DBusMenuObject
 {
 public:
-    /// Absolute, in the manner of D-Bus.
+    /// Where it is exported.
     static constexpr char path[] = "/MenuBar";
 
     /// `session` must outlive this.
@@ -20,11 +20,11 @@ public:
     DBusMenuObject(const DBusMenuObject &) = delete;
     DBusMenuObject &operator=(const DBusMenuObject &) = delete;
 
-    /// What a host still shows of the former items does nothing, unless their texts are the same.
+    /// A click on what a host still shows of the former items does nothing, unless their texts are the same.
     void setItems(std::vector<TrayMenuItem> items);
 
 private:
-    struct Methods;
+    struct Members;
 
     void sendLayoutUpdated();
     void sendStates();

@@ -36,6 +36,7 @@ private:
     struct Members;
 
     void announce();
+    void noteRegistration(sd_bus_message *reply);
     void setPresence(Presence presence);
     void emitSignal(const char *member);
 
@@ -46,7 +47,7 @@ private:
     const Click m_click;
     const Callbacks m_callbacks;
     std::string m_toolTip;
-    std::vector<QImage> m_images;
+    std::vector<QImage> m_images; ///< drawn when first asked for
     Presence m_presence;
     DBusMenuObject m_menu;
     Observation m_object;

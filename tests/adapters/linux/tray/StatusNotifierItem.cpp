@@ -95,11 +95,11 @@ private Q_SLOTS:
         row(itemInterface, "ContextMenu ii 1 2", "");
         row(menuInterface, "GetLayout iias 0 -1 0",
             R"(u(ia{sv}av) 2 0 1 "children-display" s "submenu" 4 )"
-            R"((ia{sv}av) 1 2 "label" s "Set__tings" "enabled" b true 0 )"
-            R"((ia{sv}av) 2 2 "label" s "Updates" "enabled" b false 0 (ia{sv}av) 3 1 "type" s "separator" 0 )"
-            R"((ia{sv}av) 4 2 "label" s "Quit" "enabled" b true 0)");
+            R"((ia{sv}av) 1 2 "enabled" b true "label" s "Set__tings" 0 )"
+            R"((ia{sv}av) 2 2 "enabled" b false "label" s "Updates" 0 (ia{sv}av) 3 1 "type" s "separator" 0 )"
+            R"((ia{sv}av) 4 2 "enabled" b true "label" s "Quit" 0)");
         row(menuInterface, "GetLayout iias 0 0 0", R"(u(ia{sv}av) 2 0 1 "children-display" s "submenu" 0)");
-        row(menuInterface, "GetLayout iias 4 -1 1 label", R"(u(ia{sv}av) 2 4 2 "label" s "Quit" "enabled" b true 0)");
+        row(menuInterface, "GetLayout iias 4 -1 1 label", R"(u(ia{sv}av) 2 4 2 "enabled" b true "label" s "Quit" 0)");
         row(menuInterface, "GetLayout iias 5 -1 0", missing);
         row(menuInterface, "GetLayout iias -2147483648 -1 0", missing);
         row(menuInterface, "GetGroupProperties aias 3 3 99 -1 0", R"(a(ia{sv}) 1 3 1 "type" s "separator")");
@@ -159,7 +159,8 @@ private Q_SLOTS:
         ShownItem shown(StatusNotifierItem::Click::OpensMenu);
         const auto layout = shown.call(menuInterface, QStringLiteral("GetLayout iias 0 1 0"));
         const auto match =
-            QRegularExpression(QStringLiteral("av\\) (\\d+) 2 \"label\" s \"Open Ambertide\"")).match(layout);
+            QRegularExpression(QStringLiteral("av\\) (\\d+) 2 \"enabled\" b true \"label\" s \"Open Ambertide\""))
+                .match(layout);
         QVERIFY2(match.hasMatch(), qPrintable(layout));
         shown.call(menuInterface, QStringLiteral("Event isvu %1 clicked i 0 0").arg(match.captured(1)));
         QCOMPARE(shown.events, QStringList(QStringLiteral("activated")));
@@ -172,7 +173,7 @@ private Q_SLOTS:
         const auto properties = shown.call(
             menuInterface,
             QStringLiteral("GetGroupProperties aias %1%2 0").arg(count).arg(QStringLiteral(" 4").repeated(count)));
-        QCOMPARE(properties, QStringLiteral(R"(a(ia{sv}) 1 4 2 "label" s "Quit" "enabled" b true)"));
+        QCOMPARE(properties, QStringLiteral(R"(a(ia{sv}) 1 4 2 "enabled" b true "label" s "Quit")"));
         shown.call(menuInterface, QStringLiteral("EventGroup a(isvu) %1%2")
                                       .arg(count)
                                       .arg(QStringLiteral(" 4 clicked s x 0").repeated(count)));
