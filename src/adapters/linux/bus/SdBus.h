@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Release.h"
+
 #include <systemd/sd-bus.h>
 
 #include <chrono>
@@ -13,21 +15,11 @@
 
 namespace ambertide {
 
-template <auto release>
-struct SdBusRelease
-{
-    template <typename Object>
-    void operator()(Object *object) const
-    {
-        release(object);
-    }
-};
-
 /// Letting go of a connection never waits; what it has not sent by then is lost.
-using SdBusConnection = std::unique_ptr<sd_bus, SdBusRelease<&sd_bus_close_unref>>;
-using SdBusMessage = std::unique_ptr<sd_bus_message, SdBusRelease<&sd_bus_message_unref>>;
+using SdBusConnection = std::unique_ptr<sd_bus, Release<&sd_bus_close_unref>>;
+using SdBusMessage = std::unique_ptr<sd_bus_message, Release<&sd_bus_message_unref>>;
 /// A match, an exported object or a call under way: ends when let go.
-using SdBusSlot = std::unique_ptr<sd_bus_slot, SdBusRelease<&sd_bus_slot_unref>>;
+using SdBusSlot = std::unique_ptr<sd_bus_slot, Release<&sd_bus_slot_unref>>;
 
 using SdBusDeadline = std::chrono::steady_clock::time_point;
 

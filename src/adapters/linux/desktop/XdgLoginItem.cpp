@@ -1,6 +1,6 @@
 #include "adapters/linux/desktop/XdgLoginItem.h"
 
-#include "adapters/linux/desktop/DesktopEntry.h"
+#include "base/Release.h"
 #include "ports/MainBundle.h"
 
 #include <QDir>
@@ -10,11 +10,14 @@
 #include <QTemporaryFile>
 
 #include <fcntl.h>
+#include <glib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
+#include <memory>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -22,8 +25,13 @@ namespace ambertide {
 
 namespace {
 
+constexpr char mainGroup[] = G_KEY_FILE_DESKTOP_GROUP;
 /// No entry that a person or a desktop wrote comes near it.
 constexpr off_t maximumEntrySize = 64 * 1024;
+
+using KeyFile = std::unique_ptr<GKeyFile, Release<&g_key_file_unref>>;
+using Text = std::unique_ptr<char, Release<&g_free>>;
+using Texts = std::unique_ptr<char *, Release<&g_strfreev>>;
 
 QString autostartFolder()
 {
@@ -34,14 +42,11 @@ QString entryPath() { return autostartFolder() + QStringLiteral("/me.tovanu.Ambe
 
 std::string reasonOf(int error) { return std::generic_category().message(error); }
 
-bool isRunnable(const std::string &program)
-{
-    return !QStandardPaths::findExecutable(QFile::decodeName(program.c_str())).isEmpty();
-}
+bool isRunnable(const char *program) { return !QStandardPaths::findExecutable(QFile::decodeName(program)).isEmpty(); }
 
-/// Nothing when there is no regular file of a sensible size, or it cannot be read. Never waits, as opening a named pipe
-/// otherwise would.
-std::optional<std::string> readEntry(const QByteArray &path)
+/// Null when there is no regular file of a sensible size, or it is no desktop entry. Never waits, as opening a named
+/// pipe otherwise would.
+KeyFile readEntry(const QByteArray &path)
 {
     const int descriptor = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (descriptor < 0)
@@ -51,13 +56,71 @@ std::optional<std::string> readEntry(const QByteArray &path)
     if (!file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle) ||
         ::fstat(descriptor, &attributes) != 0 || !S_ISREG(attributes.st_mode) || attributes.st_size > maximumEntrySize)
         return {};
-    return file.read(maximumEntrySize).toStdString();
+    const auto text = file.read(maximumEntrySize);
+    KeyFile entry(g_key_file_new());
+    if (text.contains('\0') || g_key_file_load_from_data(entry.get(), text.constData(), static_cast<gsize>(text.size()),
+                                                         G_KEY_FILE_NONE, nullptr) == 0)
+        return {};
+    const Text firstGroup(g_key_file_get_start_group(entry.get()));
+    return g_strcmp0(firstGroup.get(), mainGroup) == 0 ? std::move(entry) : nullptr;
 }
 
-bool isSwitchedOff(const DesktopEntry &entry)
+bool isSwitchedOff(GKeyFile *entry)
 {
-    return entry.boolean("Hidden") == true || entry.boolean("X-GNOME-Autostart-enabled") == false ||
-           entry.boolean("X-systemd-skip") == true;
+    const auto is = [entry](const char *key, bool value) {
+        GError *error = nullptr;
+        const bool read = g_key_file_get_boolean(entry, mainGroup, key, &error) != 0;
+        const bool isTruthValue = error == nullptr;
+        g_clear_error(&error);
+        return isTruthValue && read == value;
+    };
+    return is("Hidden", true) || is("X-GNOME-Autostart-enabled", false) || is("X-systemd-skip", true);
+}
+
+bool canStart(GKeyFile *entry)
+{
+    const Text commandLine(g_key_file_get_string(entry, mainGroup, "Exec", nullptr));
+    char **arguments = nullptr;
+    if (!commandLine || g_shell_parse_argv(commandLine.get(), nullptr, &arguments, nullptr) == 0)
+        return false;
+    const Texts owner(arguments);
+    const auto program = QByteArray(arguments[0]).replace("%%", "%");
+    const Text required(g_key_file_get_string(entry, mainGroup, "TryExec", nullptr));
+    return isRunnable(program.constData()) && (!required || isRunnable(required.get()));
+}
+
+/// One argument in a value of "Exec", whatever it contains: Desktop Entry Specification 1.5, "The Exec key".
+std::string execArgument(const std::string &text)
+{
+    std::string argument = "\"";
+    for (const char character : text) {
+        if (std::string_view("\"`$\\").find(character) != std::string_view::npos)
+            argument += '\\';
+        argument.append(character == '%' ? 2 : 1, character);
+    }
+    return argument + '"';
+}
+
+/// The entry that starts this program.
+std::string entryText(const std::string &program)
+{
+    // As a program, systemd refuses one with a quote in its name and GLib one with a percent sign; as an argument,
+    // neither.
+    const bool isPlain = program.find_first_of("'\"%") == std::string::npos;
+    const std::pair<const char *, std::string> values[] = {
+        {"Type", "Application"},
+        {"Name", "Ambertide"},
+        {"Comment", "Tints every display to a colour temperature"},
+        {"Icon", "me.tovanu.Ambertide"},
+        {"Terminal", "false"},
+        {"StartupNotify", "false"},
+        {"TryExec", program},
+        {"Exec", (isPlain ? "" : "/usr/bin/env ") + execArgument(program)},
+    };
+    const KeyFile entry(g_key_file_new());
+    for (const auto &[key, value] : values)
+        g_key_file_set_string(entry.get(), mainGroup, key, value.c_str());
+    return Text(g_key_file_to_data(entry.get(), nullptr, nullptr)).get();
 }
 
 } // namespace
@@ -70,35 +133,12 @@ LoginItemStatus XdgLoginItem::status() const
     struct stat ignored = {};
     if (::lstat(path.constData(), &ignored) != 0)
         return LoginItemStatus::NotRegistered;
-    const auto text = readEntry(path);
-    const auto entry = text ? DesktopEntry::parse(*text) : std::nullopt;
+    const auto entry = readEntry(path);
     if (!entry)
         return LoginItemStatus::NotFound;
-    if (isSwitchedOff(*entry))
+    if (isSwitchedOff(entry.get()))
         return LoginItemStatus::RequiresApproval;
-    const auto program = entry->program();
-    const auto required = entry->string("TryExec");
-    if (!program || !isRunnable(*program) || (required && !isRunnable(*required)))
-        return LoginItemStatus::NotFound;
-    return LoginItemStatus::Enabled;
-}
-
-std::string XdgLoginItem::entryText() const
-{
-    const auto program = (m_bundle.path() / "Contents/MacOS/Ambertide").string();
-    // As a program, systemd refuses one with a quote in its name and GLib one with a percent sign; as an argument,
-    // neither.
-    const bool isPlain = program.find_first_of("'\"%") == std::string::npos;
-    return "[Desktop Entry]\n"
-           "Type=Application\n"
-           "Name=Ambertide\n"
-           "Comment=Tints every display to a colour temperature\n"
-           "Icon=me.tovanu.Ambertide\n"
-           "Terminal=false\n"
-           "StartupNotify=false\n"
-           "TryExec=" +
-           DesktopEntry::escaped(program) + "\nExec=" + (isPlain ? "" : "/usr/bin/env ") +
-           DesktopEntry::execArgument(program) + "\n";
+    return canStart(entry.get()) ? LoginItemStatus::Enabled : LoginItemStatus::NotFound;
 }
 
 std::optional<std::string> XdgLoginItem::registerItem()
@@ -107,11 +147,12 @@ std::optional<std::string> XdgLoginItem::registerItem()
     const auto failure = [&](const std::string &reason) {
         return "The autostart entry in " + folder.toStdString() + " could not be written: " + reason;
     };
-    const auto text = entryText();
-    if (QString::fromStdString(text).toStdString() != text)
+    const auto program = (m_bundle.path() / "Contents/MacOS/Ambertide").string();
+    if (g_utf8_validate(program.c_str(), -1, nullptr) == 0)
         return failure("the application's own path is not valid UTF-8");
     if (!QDir().mkpath(folder))
         return failure(reasonOf(errno));
+    const auto text = entryText(program);
     QTemporaryFile file(folder + QStringLiteral("/.me.tovanu.Ambertide.XXXXXX"));
     if (!file.open() || file.write(text.data(), static_cast<qint64>(text.size())) < 0 || !file.flush() ||
         !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther) ||

@@ -24,8 +24,6 @@ public:
     std::optional<std::string> unregisterItem() override;
 
 private:
-    std::string entryText() const;
-
     const MainBundle &m_bundle;
 };
 

@@ -1,35 +1,18 @@
 #include "adapters/linux/panel/DesktopPanelPlacement.h"
 
 #include "adapters/linux/panel/LayerShell.h"
+#include "adapters/linux/x11/Selection.h"
 #include "adapters/linux/x11/ToolkitConnection.h"
-#include "adapters/linux/x11/XcbReply.h"
 
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWindow>
-
-#include <xcb/xcb.h>
-
-#include <string>
 
 namespace ambertide {
 
 namespace {
 
 bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
-
-/// EWMH: a compositing manager owns this selection.
-bool hasCompositor(xcb_connection_t *connection)
-{
-    const std::string name = "_NET_WM_CM_S0";
-    const auto atom = owned(xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()), nullptr));
-    if (!atom)
-        return false;
-    const auto owner =
-        owned(xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
-    return owner && owner->owner != XCB_WINDOW_NONE;
-}
 
 } // namespace
 
@@ -46,7 +29,9 @@ bool DesktopPanelPlacement::hasTransparency() const
     if (isWayland())
         return true;
     auto *connection = toolkitConnection();
-    return connection != nullptr && hasCompositor(connection);
+    // EWMH: a compositing manager owns this selection.
+    return connection != nullptr &&
+           selectionOwner(connection, atomNamed(connection, "_NET_WM_CM_S0")) != XCB_WINDOW_NONE;
 }
 
 bool DesktopPanelPlacement::isButtonHeld() const

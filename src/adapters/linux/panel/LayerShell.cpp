@@ -1,5 +1,7 @@
 #include "adapters/linux/panel/LayerShell.h"
 
+#include "base/Release.h"
+
 #include <QGuiApplication>
 #include <QPainter>
 #include <QRasterWindow>
@@ -15,16 +17,6 @@ namespace ambertide::layer_shell {
 
 namespace {
 
-template <auto destroy>
-struct Destroying
-{
-    template <typename Object>
-    void operator()(Object *object) const
-    {
-        destroy(object);
-    }
-};
-
 void noteGlobal(void *isFound, wl_registry *, std::uint32_t, const char *interface, std::uint32_t)
 {
     if (std::string_view(interface) == "zwlr_layer_shell_v1")
@@ -36,12 +28,12 @@ void ignoreRemoval(void *, wl_registry *, std::uint32_t) {}
 /// Asks over the toolkit's connection, in a queue apart from the toolkit's.
 bool hasLayerShell(wl_display *display)
 {
-    const std::unique_ptr<wl_event_queue, Destroying<wl_event_queue_destroy>> queue(wl_display_create_queue(display));
-    const std::unique_ptr<void, Destroying<wl_proxy_wrapper_destroy>> wrapper(wl_proxy_create_wrapper(display));
+    const std::unique_ptr<wl_event_queue, Release<wl_event_queue_destroy>> queue(wl_display_create_queue(display));
+    const std::unique_ptr<void, Release<wl_proxy_wrapper_destroy>> wrapper(wl_proxy_create_wrapper(display));
     if (!queue || !wrapper)
         return false;
     wl_proxy_set_queue(static_cast<wl_proxy *>(wrapper.get()), queue.get());
-    const std::unique_ptr<wl_registry, Destroying<wl_registry_destroy>> registry(
+    const std::unique_ptr<wl_registry, Release<wl_registry_destroy>> registry(
         wl_display_get_registry(static_cast<wl_display *>(wrapper.get())));
     bool isFound = false;
     const wl_registry_listener listener{noteGlobal, ignoreRemoval};

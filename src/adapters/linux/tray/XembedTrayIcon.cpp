@@ -1,7 +1,7 @@
 #include "adapters/linux/tray/XembedTrayIcon.h"
 
+#include "adapters/linux/x11/Selection.h"
 #include "adapters/linux/x11/ToolkitConnection.h"
-#include "adapters/linux/x11/XcbReply.h"
 
 #include <QGuiApplication>
 #include <QPixmap>
@@ -25,13 +25,6 @@ std::string traySelection()
     return "_NET_SYSTEM_TRAY_S" + std::to_string(screen);
 }
 
-xcb_atom_t atom(xcb_connection_t *connection, const std::string &name)
-{
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-    const auto reply = owned(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 } // namespace
 
 XembedTrayIcon::XembedTrayIcon(const TrayArtwork &artwork, std::string name, Callbacks callbacks)
@@ -42,8 +35,8 @@ XembedTrayIcon::XembedTrayIcon(const TrayArtwork &artwork, std::string name, Cal
     m_connection = toolkitConnection();
     if (m_connection == nullptr)
         return;
-    m_traySelection = atom(m_connection, traySelection());
-    m_managerMessage = atom(m_connection, "MANAGER");
+    m_traySelection = atomNamed(m_connection, traySelection());
+    m_managerMessage = atomNamed(m_connection, "MANAGER");
     m_trayChange.setSingleShot(true);
     QObject::connect(&m_trayChange, &QTimer::timeout, &m_trayChange, [this] { followTray(); });
     qGuiApp->installNativeEventFilter(this);
@@ -67,9 +60,7 @@ bool XembedTrayIcon::nativeEventFilter(const QByteArray &, void *message, qintpt
 
 void XembedTrayIcon::followTray()
 {
-    const auto cookie = xcb_get_selection_owner(m_connection, m_traySelection);
-    const auto reply = owned(xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
-    const auto tray = reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+    const auto tray = selectionOwner(m_connection, m_traySelection);
     if (std::exchange(m_tray, tray) == tray)
         return;
     const auto former = presence();

@@ -1,24 +1,17 @@
 #include "adapters/linux/displays/randr/TintClaim.h"
 
-#include "adapters/linux/x11/XcbReply.h"
-
-#include <string_view>
+#include "adapters/linux/x11/Selection.h"
 
 namespace ambertide {
 
 xcb_atom_t TintClaim::selectionAtom(xcb_connection_t *connection)
 {
-    constexpr std::string_view name = "_ME_TOVANU_AMBERTIDE";
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const auto reply = owned(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : XCB_NONE;
+    return atomNamed(connection, "_ME_TOVANU_AMBERTIDE");
 }
 
 xcb_window_t TintClaim::newest(xcb_connection_t *connection, xcb_atom_t selection)
 {
-    const auto cookie = xcb_get_selection_owner(connection, selection);
-    const auto reply = owned(xcb_get_selection_owner_reply(connection, cookie, nullptr));
-    return reply ? reply->owner : XCB_NONE;
+    return selectionOwner(connection, selection);
 }
 
 TintClaim::TintClaim(xcb_connection_t *connection, xcb_window_t root, xcb_atom_t selection)
