@@ -28,7 +28,7 @@ void print(std::string_view line)
     }
     std::string text(line.substr(0, longestLine));
     text += '\n';
-    // As many bytes as a pipe that is ready for writing takes without waiting for its reader.
+    // A pipe that is ready for writing takes this many bytes without waiting for its reader.
     pollfd output = {.fd = STDOUT_FILENO, .events = POLLOUT, .revents = 0};
     if (poll(&output, 1, 0) == 1 && (output.revents & POLLOUT) != 0)
         std::ignore = write(STDOUT_FILENO, text.data(), text.size());

@@ -10,8 +10,8 @@
 
 namespace ambertide {
 
-/// Those who want to hear of one thing. Main thread. Observers may register, unregister and notify from within a call;
-/// one that registers during a call first hears of the next. Observations may outlive this object.
+/// The observers of one event. Main thread. Observers may register, unregister and notify from within a call; one that
+/// registers during a call is called from the next one on. Observations may outlive this object.
 template <typename... Arguments>
 class Observers
 {

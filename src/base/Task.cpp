@@ -25,22 +25,12 @@ RootFrame runBody(TaskContext context, Task::Body body)
     try {
         co_await body(context);
     } catch (const CancellationError &) {
-        // The way a cancelled body ends.
+        // This is how a cancelled body ends.
     }
     context.markEnded();
 }
 
 } // namespace
-
-Continuation::Continuation(std::shared_ptr<TaskState> task, std::coroutine_handle<> frame)
-    : m_task(std::move(task)), m_frame(frame)
-{
-}
-
-Continuation::Continuation(Continuation &&other) noexcept
-    : m_task(std::move(other.m_task)), m_frame(std::exchange(other.m_frame, {}))
-{
-}
 
 Continuation &Continuation::operator=(Continuation &&other) noexcept
 {
@@ -51,7 +41,7 @@ Continuation &Continuation::operator=(Continuation &&other) noexcept
 
 Continuation::~Continuation()
 {
-    if (!m_frame)
+    if (!m_task)
         return;
     m_task->hasEnded = true;
     m_task->frame.destroy();
@@ -59,8 +49,8 @@ Continuation::~Continuation()
 
 void Continuation::resume()
 {
-    const auto task = m_task;
-    std::exchange(m_frame, {}).resume();
+    const auto task = std::move(m_task);
+    m_frame.resume();
 }
 
 void TaskContext::throwIfCancelled() const

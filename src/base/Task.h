@@ -88,8 +88,8 @@ private:
     std::shared_ptr<TaskState> m_task;
 };
 
-/// A place for one task, used from several threads. A task that is replaced is cancelled: no other than the one stored
-/// here runs on.
+/// Holds one task, for use from several threads. A task that is replaced is cancelled, so that only the stored one goes
+/// on.
 class TaskSlot
 {
 public:

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <coroutine>
 #include <memory>
+#include <utility>
 
 namespace ambertide {
 
@@ -27,18 +28,19 @@ struct TaskState
 class Continuation
 {
 public:
-    Continuation(std::shared_ptr<TaskState> task, std::coroutine_handle<> frame);
-    Continuation(Continuation &&other) noexcept;
+    Continuation(std::shared_ptr<TaskState> task, std::coroutine_handle<> frame)
+        : m_task(std::move(task)), m_frame(frame)
+    {
+    }
+    Continuation(Continuation &&other) = default;
     Continuation &operator=(Continuation &&other) noexcept;
-    Continuation(const Continuation &) = delete;
-    Continuation &operator=(const Continuation &) = delete;
     ~Continuation();
 
     void resume();
     const std::shared_ptr<TaskState> &task() const { return m_task; }
 
 private:
-    std::shared_ptr<TaskState> m_task;
+    std::shared_ptr<TaskState> m_task; ///< null once resumed or moved from
     std::coroutine_handle<> m_frame;
 };
 

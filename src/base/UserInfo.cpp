@@ -47,14 +47,13 @@ std::string describeValue(const UserInfoValue &value)
 std::optional<std::int64_t> integerValue(const UserInfo &userInfo, std::string_view key)
 {
     const auto found = userInfo.find(key);
-    if (found == userInfo.end())
-        return std::nullopt;
-    if (const auto *integer = std::get_if<std::int64_t>(&found->second))
+    const auto *integer = found != userInfo.end() ? std::get_if<std::int64_t>(&found->second) : nullptr;
+    if (integer != nullptr)
         return *integer;
-    const auto *number = std::get_if<double>(&found->second);
+    const auto number = numberValue(userInfo, key);
     // 2^63 itself is a double but no int64; the comparison also turns NaN away.
     constexpr double limit = 9223372036854775808.0;
-    if (number == nullptr || !(*number >= -limit && *number < limit) || std::trunc(*number) != *number)
+    if (!number || !(*number >= -limit && *number < limit) || std::trunc(*number) != *number)
         return std::nullopt;
     return static_cast<std::int64_t>(*number);
 }
@@ -66,9 +65,8 @@ std::optional<double> numberValue(const UserInfo &userInfo, std::string_view key
         return std::nullopt;
     if (const auto *integer = std::get_if<std::int64_t>(&found->second))
         return static_cast<double>(*integer);
-    if (const auto *number = std::get_if<double>(&found->second))
-        return *number;
-    return std::nullopt;
+    const auto *number = std::get_if<double>(&found->second);
+    return number != nullptr ? std::optional(*number) : std::nullopt;
 }
 
 std::string describe(const UserInfo &userInfo)

@@ -10,7 +10,7 @@
 
 namespace ambertide {
 
-/// A value that is none of the plain kinds (an array, a dictionary, a handle); only its type's name is kept.
+/// A value of another kind, such as an array or a dictionary; only the name of its type is kept.
 struct OpaqueValue
 {
     std::string typeName;

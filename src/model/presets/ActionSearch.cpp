@@ -9,9 +9,9 @@ namespace ambertide {
 
 namespace {
 
-/// Far more than any request needs; what is longer was not typed by a person.
+/// Bytes; far more than any request needs.
 constexpr std::size_t longestQuery = 256;
-/// Shorter ones begin too many other searches.
+/// Too many other searches begin with shorter ones.
 constexpr std::size_t shortestName = 3;
 constexpr std::size_t shortestNumber = 2;
 
@@ -33,7 +33,7 @@ constexpr Name names[] = {
     {"cold", k6500, 0.8},      {"cool", k5500, 0.7},       {"cold", k5500, 0.7},
 };
 
-/// What stands around a value without adding to it.
+/// Words of a request that say nothing about the value.
 constexpr std::string_view courtesies[] = {
     "ambertide", "bulb",        "change", "color",   "colour",   "display", "displays", "in",     "k",       "kelvin",
     "lamp",      "light",       "make",   "monitor", "monitors", "my",      "please",   "screen", "screens", "set",

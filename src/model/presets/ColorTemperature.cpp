@@ -1,46 +1,19 @@
 #include "model/presets/ColorTemperature.h"
 
+#include <algorithm>
 #include <array>
-#include <charconv>
+#include <utility>
 
 namespace ambertide {
 
 namespace {
 
-std::string_view landmarkName(ColorTemperature preset)
-{
-    using enum ColorTemperature;
-    switch (preset) {
-    case k1000:
-        return "Warmest";
-    case k1900:
-        return "Candle";
-    case k2700:
-        return "Tungsten";
-    case k3400:
-        return "Halogen";
-    case k4200:
-        return "Flourescent"; // spelt so wherever stored shortcuts show it
-    case k5500:
-        return "Sunlight";
-    case k6500:
-        return "Daylight";
-    default:
-        return {};
-    }
-}
-
-auto makeRepresentations()
-{
-    std::array<std::string, colorTemperatureCount> representations;
-    for (const auto preset : allColorTemperatures()) {
-        auto &text = representations[static_cast<std::size_t>(preset)];
-        text = std::to_string(rawValue(preset)) + 'K';
-        if (const auto name = landmarkName(preset); !name.empty())
-            text.append(" (").append(name).append(")");
-    }
-    return representations;
-}
+using enum ColorTemperature;
+constexpr std::pair<ColorTemperature, const char *> landmarks[] = {
+    {k1000, "Warmest"},  {k1900, "Candle"},      {k2700, "Tungsten"},
+    {k3400, "Halogen"},  {k4200, "Flourescent"}, // spelt so wherever stored shortcuts show it
+    {k5500, "Sunlight"}, {k6500, "Daylight"},
+};
 
 } // namespace
 
@@ -57,20 +30,24 @@ std::span<const ColorTemperature> allColorTemperatures()
 
 const std::string &displayRepresentation(ColorTemperature preset)
 {
-    static const auto representations = makeRepresentations();
+    static const auto representations = [] {
+        std::array<std::string, colorTemperatureCount> texts;
+        for (const auto each : allColorTemperatures())
+            texts[static_cast<std::size_t>(each)] = std::to_string(rawValue(each)) + 'K';
+        for (const auto &[landmark, name] : landmarks)
+            texts[static_cast<std::size_t>(landmark)].append(" (").append(name).append(")");
+        return texts;
+    }();
     return representations[static_cast<std::size_t>(preset)];
 }
 
 std::string identifier(ColorTemperature preset) { return 'k' + std::to_string(rawValue(preset)); }
 
-std::optional<ColorTemperature> colorTemperature(std::string_view identifier)
+std::optional<ColorTemperature> colorTemperature(std::string_view text)
 {
-    std::int64_t kelvin = 0;
-    if (identifier.size() != 5 || identifier.front() != 'k')
-        return std::nullopt;
-    const auto *end = identifier.data() + identifier.size();
-    const auto [read, error] = std::from_chars(identifier.data() + 1, end, kelvin);
-    return error == std::errc() && read == end ? colorTemperature(kelvin) : std::nullopt;
+    const auto presets = allColorTemperatures();
+    const auto found = std::ranges::find(presets, text, identifier);
+    return found != presets.end() ? std::optional(*found) : std::nullopt;
 }
 
 } // namespace ambertide

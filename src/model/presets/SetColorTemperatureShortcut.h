@@ -12,7 +12,7 @@ class DistributedNotificationCenter;
 class UserDefaults;
 
 /// The one action that is offered to launchers and shortcuts: every display gets a preset's temperature. It asks for
-/// that in the way of any other program, and has no word from the application whether it was done.
+/// that as any other program does, and does not learn whether it was done.
 struct SetColorTemperatureShortcut
 {
     static constexpr std::string_view title = "Set Color Temperature";
@@ -27,7 +27,7 @@ struct SetColorTemperatureShortcut
     /// "Set display temperature to 3400K (Halogen)".
     std::string parameterSummary() const;
 
-    /// What a person says to have it done, the usual phrase first.
+    /// What a person may say to run it, the usual phrase first.
     std::array<std::string, 2> phrases(std::string_view applicationName) const;
 };
 

@@ -10,8 +10,8 @@
 
 namespace ambertide {
 
-/// Notifications as signals on the session bus, which never holds any back. Each observed name is matched by itself, so
-/// that posts of other names wake nobody up.
+/// Notifications as signals on the session bus, which never delays any. Each observed name has a match rule of its own,
+/// so that posts of other names do not wake the process up.
 class DBusNotificationCenter final : public DistributedNotificationCenter
 {
 public:
@@ -26,7 +26,7 @@ private:
 
     DBusSession &m_session;
     NotificationCenter m_observers;
-    std::map<std::string, std::weak_ptr<Observation>> m_matches; ///< each is held by the observations of its name
+    std::map<std::string, std::weak_ptr<Observation>> m_matches; ///< kept alive by the observations of the name
 };
 
 } // namespace ambertide

@@ -74,7 +74,7 @@ std::optional<std::int64_t> DBusRunningApplications::processOf(sd_bus *bus, cons
     const auto process = reply ? SdBusReader(reply.get()).uint32() : std::nullopt;
     if (!process)
         return std::nullopt;
-    // Copies in sandboxes of their own may have the same number.
+    // Copies in different sandboxes may have the same number.
     return process == currentProcessIdentifier() ? 0 : std::int64_t{*process};
 }
 

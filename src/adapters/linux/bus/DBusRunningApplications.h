@@ -9,8 +9,8 @@
 namespace ambertide {
 
 /// The running copy is the owner of the well-known name that equals the bundle identifier. Asking for the copies claims
-/// that name for this one, so the bus itself settles who was first. Other copies are never asked anything: one that
-/// hangs holds nobody up.
+/// that name for this one, so the bus itself decides which was first. Other copies are never asked anything, so one
+/// that hangs cannot delay this one.
 class DBusRunningApplications final : public RunningApplications
 {
 public:

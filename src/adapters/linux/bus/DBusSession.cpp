@@ -16,7 +16,7 @@ namespace ambertide {
 
 namespace {
 
-/// How long a flood of messages may keep the rest of the main thread waiting at a stretch.
+/// How long a flood of messages may keep the main thread from other work at a time.
 constexpr std::chrono::milliseconds longestTurn{10};
 
 /// D-Bus Specification, "org.freedesktop.DBus.RequestName".
@@ -144,7 +144,7 @@ sd_bus *DBusSession::readyBus(SdBusDeadline deadline)
 {
     if (!m_bus)
         return nullptr;
-    // What has been received by now, or will be during calls on this connection, waits where no notifier sees it.
+    // What has been received so far, or will be during calls, waits inside sd-bus, where no notifier sees it.
     m_nextTurn.start(0);
     if (waitUntilReady(m_bus.get(), deadline))
         return m_bus.get();

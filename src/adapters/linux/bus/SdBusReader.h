@@ -16,8 +16,8 @@ namespace ambertide {
 
 /// Reads a message from a stranger in bounded time and memory.
 ///
-/// Any false or empty result means that the message is malformed, or so large that it could only be meant to hold the
-/// reader up; nothing more can be read then. The message must outlive the reader.
+/// Any false or empty result means that the message is malformed, or so large that it can only be meant to keep the
+/// reader busy; nothing more can be read then. The message must outlive the reader.
 class SdBusReader
 {
 public:
@@ -37,10 +37,10 @@ public:
 
     /// A dictionary `a{sv}`, cut to its first entries; `alwaysKept` is among them wherever it stands. Values that are
     /// no number, truth value or text become opaque; an unsigned number too large for an integer becomes a double; one
-    /// that is wrapped more than once is unwrapped.
+    /// that is wrapped in several variants is unwrapped.
     std::optional<UserInfo> dictionary(std::string_view alwaysKept = {});
 
-    /// A dictionary `a{sa{sv}}` of such, cut likewise.
+    /// A dictionary `a{sa{sv}}` of such dictionaries, cut in the same way.
     std::optional<std::map<std::string, UserInfo, std::less<>>> dictionaries(std::string_view alwaysKept);
 
     /// One value like those of a dictionary.
@@ -65,8 +65,8 @@ public:
         return enter(type, contents) && readContents() && leave();
     }
 
-    /// Passes over the next value, whatever it is. sd-bus can do that too, but looks at each element of the largest
-    /// arrays that a bus lets through.
+    /// Skips the next value, whatever it is. sd-bus can do that too, but visits each element of even the largest
+    /// arrays.
     bool skip();
 
 private:

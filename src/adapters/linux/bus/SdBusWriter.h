@@ -3,7 +3,6 @@
 #include "adapters/linux/bus/SdBus.h"
 #include "base/UserInfo.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -38,22 +37,15 @@ public:
     template <typename WriteContents>
     SdBusWriter &container(char type, const char *contents, WriteContents writeContents)
     {
-        open(type, contents);
+        apply<&sd_bus_message_open_container>(type, contents);
         writeContents();
-        close();
-        return *this;
+        return apply<&sd_bus_message_close_container>();
     }
 
-    /// An array of structures or dictionaries of this signature without any in it.
-    SdBusWriter &emptyArray(const char *contents)
-    {
-        return container('a', contents, [] {});
-    }
-
-    SdBusWriter &objectPath(const char *path);
+    SdBusWriter &objectPath(const char *path) { return apply<&sd_bus_message_append_basic>('o', path); }
 
     /// Has the call fail where nobody owns the name that is called, in place of having the bus start a program for it.
-    SdBusWriter &withoutStarting();
+    SdBusWriter &withoutStarting() { return apply<&sd_bus_message_set_auto_start>(0); }
 
     /// Null when it could not be written.
     SdBusMessage take() { return std::move(m_message); }
@@ -61,22 +53,24 @@ public:
 private:
     explicit SdBusWriter(SdBusMessage message) : m_message(std::move(message)) {}
 
-    void write(bool value);                         ///< b
-    void write(std::int32_t value);                 ///< i
-    void write(std::uint32_t value);                ///< u
-    void write(double value);                       ///< d
-    void write(const char *text);                   ///< s
-    void write(const std::string &text);            ///< s
+    void write(bool value);
+    void write(std::int32_t value) { apply<&sd_bus_message_append_basic>('i', &value); }
+    void write(std::uint32_t value) { apply<&sd_bus_message_append_basic>('u', &value); }
+    void write(double value) { apply<&sd_bus_message_append_basic>('d', &value); }
+    void write(const char *text) { apply<&sd_bus_message_append_basic>('s', text); }
+    void write(const std::string &text) { write(text.c_str()); }
     void write(std::span<const std::uint8_t> data); ///< ay
     void write(std::span<const std::int32_t> data); ///< ai
     void write(const UserInfoValue &value);         ///< v
     void write(const UserInfo &entries);            ///< a{sv}; opaque values are left out
 
-    void open(char type, const char *contents);
-    void close();
-    void writeBasic(char type, const void *value);
-    void writeArray(char type, const void *data, std::size_t size);
-    void note(int result);
+    template <auto function, typename... Arguments>
+    SdBusWriter &apply(Arguments... arguments)
+    {
+        if (m_message && function(m_message.get(), arguments...) < 0)
+            m_message.reset();
+        return *this;
+    }
 
     SdBusMessage m_message;
 };

@@ -11,7 +11,7 @@ namespace {
 constexpr char event[] = "button-pressed";
 /// Felt, not heard.
 constexpr char profile[] = "quiet";
-/// Feedback that goes on by itself is played once.
+/// Plays the feedback once, even if the theme repeats it.
 constexpr std::int32_t onlyOnce = -1;
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "adapters/linux/bus/SdBusWriter.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -18,8 +17,6 @@ struct Setting
 {
     const char *group;
     const char *key;
-
-    std::string name() const { return std::string(group) + ' ' + key; }
 };
 
 /// XDG Desktop Portal, "Settings": 1 is dark, 2 is light.
@@ -34,13 +31,6 @@ constexpr Setting animationsSetting = {"org.gnome.desktop.interface", "enable-an
 
 constexpr std::array allSettings = {colorSchemeSetting, contrastSetting, reducedMotionSetting, highContrastSetting,
                                     animationsSetting};
-
-bool isTrue(const UserInfo &settings, const Setting &setting, bool otherwise)
-{
-    const auto found = settings.find(setting.name());
-    const bool *value = found != settings.end() ? std::get_if<bool>(&found->second) : nullptr;
-    return value != nullptr ? *value : otherwise;
-}
 
 } // namespace
 
@@ -77,17 +67,10 @@ void PortalAppearance::askForAll()
 
 void PortalAppearance::noteAll(sd_bus_message *reply)
 {
-    const auto groups = SdBusReader(reply).dictionaries(animationsSetting.key);
-    if (!groups)
+    auto settings = SdBusReader(reply).dictionaries(animationsSetting.key);
+    if (!settings)
         return;
-    m_settings.clear();
-    for (const auto &setting : allSettings) {
-        const auto group = groups->find(setting.group);
-        if (group == groups->end())
-            continue;
-        if (const auto found = group->second.find(setting.key); found != group->second.end())
-            m_settings.insert_or_assign(setting.name(), found->second);
-    }
+    m_settings = *std::move(settings);
     updateLook();
 }
 
@@ -97,23 +80,25 @@ void PortalAppearance::noteChange(sd_bus_message *signal)
     const auto group = reader.text();
     const auto key = group ? reader.text() : std::nullopt;
     auto value = key ? reader.variant() : std::nullopt;
-    const bool isOurs = value && std::ranges::any_of(allSettings, [&](const Setting &setting) {
-                            return setting.group == *group && setting.key == *key;
-                        });
-    if (!isOurs)
+    if (!value)
         return;
-    m_settings.insert_or_assign(*group + ' ' + *key, *std::move(value));
+    m_settings[*group].insert_or_assign(*key, *std::move(value));
     updateLook();
 }
 
 void PortalAppearance::updateLook()
 {
+    const auto number = [this](const Setting &setting) { return integerValue(m_settings[setting.group], setting.key); };
+    const auto is = [this](const Setting &setting, bool value) {
+        const auto &group = m_settings[setting.group];
+        const auto found = group.find(setting.key);
+        return found != group.end() && found->second == UserInfoValue(value);
+    };
     Look look;
-    const auto number = [this](const Setting &setting) { return integerValue(m_settings, setting.name()); };
     if (const auto scheme = number(colorSchemeSetting); scheme == 1 || scheme == 2)
         look.colorScheme = scheme == 1 ? ColorScheme::Dark : ColorScheme::Light;
-    look.isHighContrast = number(contrastSetting) == 1 || isTrue(m_settings, highContrastSetting, false);
-    look.isMotionReduced = number(reducedMotionSetting) == 1 || !isTrue(m_settings, animationsSetting, true);
+    look.isHighContrast = number(contrastSetting) == 1 || is(highContrastSetting, true);
+    look.isMotionReduced = number(reducedMotionSetting) == 1 || is(animationsSetting, false);
     if (std::exchange(m_look, look) != look)
         m_session.afterMessage([this] { m_observers.notify(); });
 }

@@ -5,6 +5,8 @@
 #include "base/Observers.h"
 #include "ports/Appearance.h"
 
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -42,7 +44,7 @@ private:
 
     DBusSession &m_session;
     Observers<> m_observers;
-    UserInfo m_settings; ///< those that count here, by "<namespace> <key>"
+    std::map<std::string, UserInfo, std::less<>> m_settings; ///< by their namespaces
     Look m_look;
     std::vector<Observation> m_matches;
     Observation m_request;

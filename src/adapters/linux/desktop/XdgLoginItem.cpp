@@ -26,7 +26,7 @@ namespace ambertide {
 namespace {
 
 constexpr char mainGroup[] = G_KEY_FILE_DESKTOP_GROUP;
-/// No entry that a person or a desktop wrote comes near it.
+/// Far larger than any entry that a person or a desktop wrote.
 constexpr off_t maximumEntrySize = 64 * 1024;
 
 using KeyFile = std::unique_ptr<GKeyFile, Release<&g_key_file_unref>>;
@@ -104,8 +104,8 @@ std::string execArgument(const std::string &text)
 /// The entry that starts this program.
 std::string entryText(const std::string &program)
 {
-    // As a program, systemd refuses one with a quote in its name and GLib one with a percent sign; as an argument,
-    // neither.
+    // systemd does not start a program with a quote in its path, and GLib none with a percent sign, but both pass such
+    // a path on as an argument.
     const bool isPlain = program.find_first_of("'\"%") == std::string::npos;
     const std::pair<const char *, std::string> values[] = {
         {"Type", "Application"},

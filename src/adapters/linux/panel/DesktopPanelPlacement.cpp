@@ -20,7 +20,7 @@ PanelPlacement::Manner DesktopPanelPlacement::manner() const
 {
     if (isWayland())
         return layer_shell::isOffered() ? Manner::Layer : Manner::Window;
-    // Xwayland neither tells the pointer's place nor of presses outside of its windows.
+    // Xwayland does not know where the pointer is, nor of presses, outside of its own windows.
     return qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? Manner::Popup : Manner::Window;
 }
 

@@ -4,7 +4,7 @@
 
 namespace ambertide {
 
-/// Panels on X11 and Wayland, by what the toolkit runs on. After the application object.
+/// Places panels on X11 or Wayland, whichever the toolkit runs on. Needs the application object.
 class DesktopPanelPlacement final : public PanelPlacement
 {
 public:

@@ -43,8 +43,8 @@ bool hasLayerShell(wl_display *display)
 
 using Layer = LayerShellQt::Window;
 
-/// Covers a screen unseen, the desktop's panels included, and closes the panel at a press: compositors may leave the
-/// keyboard with a layer whatever else is pressed. Goes when the panel goes.
+/// An unseen window over a whole screen, the desktop's panels included, that closes the panel at a press: a layer may
+/// keep the keyboard when something else is pressed. It is deleted when the panel closes.
 class PressCatcher final : public QRasterWindow
 {
 public:

@@ -8,10 +8,10 @@ class QWindow;
 /// Windows that the compositor anchors at the edges of a screen, by the protocol wlr-layer-shell. Main thread.
 namespace ambertide::layer_shell {
 
-/// Whether the compositor has it, and this build. Only where the toolkit runs on Wayland.
+/// Whether both the compositor and this build have it. Only where the toolkit runs on Wayland.
 bool isOffered();
 
-/// A window that has not been shown yet; a press elsewhere closes it. On no particular screen: on the one that the
+/// Anchors a window that has not been shown yet; a press elsewhere closes it. A null screen stands for the one that the
 /// compositor takes for active.
 void anchor(QWindow &window, const LayerPosition &position, QScreen *screen);
 

@@ -1,7 +1,6 @@
 #include "adapters/linux/tray/DBusMenuItems.h"
 
 #include <algorithm>
-#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -22,20 +21,17 @@ std::string labelOf(const TrayMenuItem &item)
 
 bool DBusMenuItems::replace(std::vector<TrayMenuItem> items)
 {
-    items.resize(std::min(items.size(), mostItems));
     const bool isNew = !std::ranges::equal(items, m_items, {}, &TrayMenuItem::text, &TrayMenuItem::text);
-    constexpr auto lastFirst = std::numeric_limits<std::int32_t>::max() - static_cast<std::int32_t>(2 * mostItems);
     if (isNew)
-        m_first = m_first < lastFirst ? m_first + static_cast<std::int32_t>(m_items.size()) : root + 1;
+        m_first += static_cast<std::int32_t>(m_items.size());
     m_items = std::move(items);
     return isNew;
 }
 
 const TrayMenuItem *DBusMenuItems::find(std::int32_t identifier) const
 {
-    const auto position = std::int64_t{identifier} - m_first;
-    const bool exists = position >= 0 && position < static_cast<std::int64_t>(m_items.size());
-    return exists ? &m_items[static_cast<std::size_t>(position)] : nullptr;
+    const auto position = static_cast<std::size_t>(std::int64_t{identifier} - m_first); // huge when negative
+    return position < m_items.size() ? &m_items[position] : nullptr;
 }
 
 std::vector<std::int32_t> DBusMenuItems::identifiers() const

@@ -14,8 +14,6 @@ class DBusMenuItems
 {
 public:
     static constexpr std::int32_t root = 0;
-    /// Entries beyond are left out.
-    static constexpr std::size_t mostItems = 256;
 
     /// Numbers are kept when the texts are the same: false then, and only states have changed.
     bool replace(std::vector<TrayMenuItem> items);

@@ -11,7 +11,7 @@ namespace ambertide {
 namespace {
 
 constexpr char interface[] = "com.canonical.dbusmenu";
-/// Asked or told about in one call; more could only be meant to hold the menu up.
+/// Entries of one call that are looked at; more can only be meant to keep the menu busy.
 constexpr std::size_t mostEntries = 256;
 constexpr char noSuchItem[] = "There is no such item";
 
@@ -217,7 +217,7 @@ void DBusMenuObject::sendStates()
 {
     auto signal = SdBusWriter::signal(m_session.bus(), path, interface, "ItemsPropertiesUpdated");
     writeProperties(signal, m_items, m_items.identifiers());
-    signal.emptyArray("(ias)");
+    signal.container('a', "(ias)", [] {});
     m_session.send(signal.take());
 }
 

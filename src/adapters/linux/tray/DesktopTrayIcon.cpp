@@ -18,8 +18,8 @@ std::unique_ptr<TrayIcon> makeXembedTrayIcon(const TrayArtwork &artwork, TrayIco
     return std::make_unique<XembedTrayIcon>(artwork, applicationName, std::move(callbacks));
 }
 
-/// In GNOME Shell it is an extension that shows the icons. It opens the menu at a click and activates at a double
-/// click; without a menu it does not show the icon, and without entries a click does nothing.
+/// GNOME Shell shows the icons by an extension, which opens the menu at a click and activates at a double click. It
+/// does not show an icon without a menu, and with an empty menu a click does nothing.
 StatusNotifierItem::Click clickOfDesktop()
 {
     const char *desktops = std::getenv("XDG_CURRENT_DESKTOP"); // a list with colons, such as "ubuntu:GNOME"

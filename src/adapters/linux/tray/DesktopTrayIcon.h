@@ -13,8 +13,8 @@ namespace ambertide {
 /// The tray icon, wherever the desktop has a place for one: a StatusNotifierItem while a watcher is on the bus, else an
 /// icon embedded by an X11 tray. Main thread.
 ///
-/// A desktop that starts, or starts its panel anew, is given a moment to bring its watcher up. A watcher is preferred
-/// at any later time, too. Where there is neither, one line says how the panel is reached.
+/// A desktop that starts, or restarts its panel, is given a moment to bring its watcher up. A watcher that comes later
+/// is preferred, too. Where there is neither, one line says how the panel is reached.
 class DesktopTrayIcon final : public TrayIcon
 {
 public:

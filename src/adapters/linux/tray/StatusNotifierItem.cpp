@@ -40,10 +40,7 @@ struct StatusNotifierItem::Members
     static void identifier(const StatusNotifierItem &, SdBusWriter &value) { value.add("me.tovanu.Ambertide"); }
     static void title(const StatusNotifierItem &item, SdBusWriter &value) { value.add(item.m_name); }
     static void status(const StatusNotifierItem &, SdBusWriter &value) { value.add("Active"); }
-    static void windowIdentifier(const StatusNotifierItem &, SdBusWriter &value) { value.add(0); }
     static void iconName(const StatusNotifierItem &, SdBusWriter &value) { value.add(TrayArtwork::iconName); }
-    static void noText(const StatusNotifierItem &, SdBusWriter &value) { value.add(""); }
-    static void noPixmaps(const StatusNotifierItem &, SdBusWriter &value) { value.emptyArray("(iiay)"); }
     static void itemIsMenu(const StatusNotifierItem &, SdBusWriter &value) { value.add(false); }
     static void menu(const StatusNotifierItem &, SdBusWriter &value) { value.objectPath(DBusMenuObject::path); }
 
@@ -63,7 +60,8 @@ struct StatusNotifierItem::Members
     static void toolTip(const StatusNotifierItem &item, SdBusWriter &value)
     {
         const auto text = QString::fromStdString(item.m_toolTip).toHtmlEscaped().toStdString();
-        value.container('r', "sa(iiay)ss", [&] { value.add("").emptyArray("(iiay)").add(item.m_name, text); });
+        value.container('r', "sa(iiay)ss",
+                        [&] { value.add("").container('a', "(iiay)", [] {}).add(item.m_name, text); });
     }
 
     static const char *activate(StatusNotifierItem &item, SdBusReader &call, SdBusWriter &)
@@ -87,15 +85,9 @@ const sd_bus_vtable StatusNotifierItem::Members::vtable[] = {
     SD_BUS_PROPERTY("Id", "s", handleRead<identifier>, 0, 0),
     SD_BUS_PROPERTY("Title", "s", handleRead<title>, 0, 0),
     SD_BUS_PROPERTY("Status", "s", handleRead<status>, 0, 0),
-    SD_BUS_PROPERTY("WindowId", "i", handleRead<windowIdentifier>, 0, 0),
     SD_BUS_PROPERTY("IconThemePath", "s", handleRead<themePath>, 0, 0),
     SD_BUS_PROPERTY("IconName", "s", handleRead<iconName>, 0, 0),
     SD_BUS_PROPERTY("IconPixmap", "a(iiay)", handleRead<pixmaps>, 0, 0),
-    SD_BUS_PROPERTY("OverlayIconName", "s", handleRead<noText>, 0, 0),
-    SD_BUS_PROPERTY("OverlayIconPixmap", "a(iiay)", handleRead<noPixmaps>, 0, 0),
-    SD_BUS_PROPERTY("AttentionIconName", "s", handleRead<noText>, 0, 0),
-    SD_BUS_PROPERTY("AttentionIconPixmap", "a(iiay)", handleRead<noPixmaps>, 0, 0),
-    SD_BUS_PROPERTY("AttentionMovieName", "s", handleRead<noText>, 0, 0),
     SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", handleRead<toolTip>, 0, 0),
     SD_BUS_PROPERTY("ItemIsMenu", "b", handleRead<itemIsMenu>, 0, 0),
     SD_BUS_PROPERTY("Menu", "o", handleRead<menu>, 0, 0),
@@ -103,12 +95,7 @@ const sd_bus_vtable StatusNotifierItem::Members::vtable[] = {
     SD_BUS_METHOD("SecondaryActivate", "ii", "", handleCall<activate>, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_METHOD("ContextMenu", "ii", "", handleCall<ignore>, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_METHOD("Scroll", "is", "", handleCall<ignore>, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_SIGNAL("NewTitle", "", 0),
-    SD_BUS_SIGNAL("NewIcon", "", 0),
-    SD_BUS_SIGNAL("NewAttentionIcon", "", 0),
-    SD_BUS_SIGNAL("NewOverlayIcon", "", 0),
     SD_BUS_SIGNAL("NewToolTip", "", 0),
-    SD_BUS_SIGNAL("NewStatus", "s", 0),
     SD_BUS_VTABLE_END,
 };
 

@@ -17,8 +17,8 @@ public:
     /// `iconsFolder` holds the theme folder "hicolor" that comes with the application.
     explicit TrayArtwork(std::filesystem::path iconsFolder);
 
-    /// The folder in which hosts find the name; empty when the name is installed where they look anyway. Some hosts
-    /// recolour only what they find by themselves.
+    /// The folder in which hosts find the name; empty when they find it without being told, because some hosts recolour
+    /// only such icons.
     std::string themePath() const;
 
     /// In the drawing's own colour, which stands on dark and light panels, at the usual sizes. Empty when the drawing

@@ -16,11 +16,11 @@
 
 namespace ambertide {
 
-/// The icon of old: a small window of ours that an X11 tray embeds. It has the grey of the drawing, since nobody tells
-/// the tray's colours. Main thread.
+/// A small window of ours that an X11 tray embeds. It keeps the grey of the drawing, because the tray's colours are not
+/// known. Main thread.
 ///
-/// QSystemTrayIcon, which looks for a tray on the session bus when first used and waits for it, is left alone until the
-/// X server has a tray. Where the toolkit does not draw on X11, the presence is Nowhere for ever.
+/// QSystemTrayIcon looks for a tray on the session bus when first used, and waits for it; so it is not used until the X
+/// server has a tray. Where the toolkit does not draw on X11, the presence is always Nowhere.
 class XembedTrayIcon final : public TrayIcon, private QAbstractNativeEventFilter
 {
 public:

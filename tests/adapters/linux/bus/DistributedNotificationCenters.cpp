@@ -43,22 +43,19 @@ private Q_SLOTS:
         const CapturedConsole console;
         int received = 0;
         const auto observation = m_center.observe("Name", standard, [&](const auto &) { ++received; });
-        post("Name");
-        QTRY_COMPARE(received, 1);
         m_bus.freeze();
         for (int i = 0; i < 200; ++i)
             post("Unobserved", UserInfo{{"text", std::string(100'000, ' ')}});
         post("Name");
         m_bus.thaw();
-        QTRY_COMPARE(received, 2);
-
+        QTRY_COMPARE(received, 1);
         m_bus.stop();
         QTRY_COMPARE(console.lines.size(), 1U);
         post("Name");
         m_bus.start();
         QTRY_COMPARE(console.lines.size(), 2U);
         post("Name");
-        QTRY_COMPARE(received, 3);
+        QTRY_COMPARE(received, 2);
     }
 };
 

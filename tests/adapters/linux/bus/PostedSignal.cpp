@@ -21,12 +21,12 @@ class PostedSignalTest : public QObject
         return posted_signal::decode(message.get());
     }
     /// Reads what another program has written.
-    template <typename Write>
-    std::optional<Notification> receivedFrom(Write write) const
+    template <typename... Values>
+    std::optional<Notification> receivedFrom(const char *types, Values... values) const
     {
         sd_bus_message *message = nullptr;
         sd_bus_message_new_signal(m_bus.get(), &message, "/a", "a.b", "C");
-        write(message);
+        sd_bus_message_append(message, types, values...);
         return received(SdBusMessage(message));
     }
 
@@ -48,25 +48,17 @@ private Q_SLOTS:
     void valuesOfOtherProgramsAreReadAndMessagesOfAnotherShapeAreNothing()
     {
         const auto isRead = [this](const UserInfoValue &expected, const char *type, auto... values) {
-            const auto notification = receivedFrom([=](auto *message) {
-                sd_bus_message_append(message, "sa{sv}", "Name", 2, "value", type, values..., "after", "b", 1);
-            });
-            return notification && notification->userInfo == UserInfo{{"value", expected}, {"after", true}};
+            const auto read = receivedFrom("sa{sv}", "Name", 2, "value", type, values..., "after", "b", 1);
+            return read && read->userInfo == UserInfo{{"value", expected}, {"after", true}};
         };
         QVERIFY(isRead(std::int64_t{-5}, "n", -5));
         QVERIFY(isRead(std::int64_t{4294967295}, "u", 4294967295U));
         QVERIFY(isRead(18446744073709551615.0, "t", ~std::uint64_t{0}));
-        QVERIFY(isRead(OpaqueValue{"h"}, "h", 0));
         QVERIFY(isRead(OpaqueValue{"ai"}, "ai", 2, 1, 2));
         QVERIFY(isRead(OpaqueValue{"a{sv}"}, "a{sv}", 2, "temperature", "x", std::int64_t{1}, "b", "s", "c"));
-
-        const auto isNothing = [this](const char *types, auto... values) {
-            return !receivedFrom([=](auto *message) { sd_bus_message_append(message, types, values...); });
-        };
-        QVERIFY(isNothing(""));
-        QVERIFY(isNothing("s", "Name"));
-        QVERIFY(isNothing("sa{ss}", "Name", 1, "temperature", "3400"));
-        QVERIFY(isNothing("sa{sv}s", "Name", 0, ""));
+        QVERIFY(!receivedFrom("s", "Name"));
+        QVERIFY(!receivedFrom("sa{ss}", "Name", 1, "temperature", "3400"));
+        QVERIFY(!receivedFrom("sa{sv}s", "Name", 0, ""));
     }
 
     void largeContentIsCutButTheTemperatureIsKept()
@@ -81,24 +73,16 @@ private Q_SLOTS:
         QVERIFY(notification->userInfo->at("a") == UserInfoValue(std::string(1023, 'a')));
     }
 
-    void largeArraysArePassedOverAsOneOrNotAtAll()
+    void oneMadeToKeepTheReaderBusyIsNothing()
     {
-        for (const char *type : {"u", "s"}) {
-            const auto notification = receivedFrom([type](sd_bus_message *message) {
-                sd_bus_message_append(message, "s", "Name");
-                sd_bus_message_open_container(message, 'a', "{sv}");
-                sd_bus_message_open_container(message, 'e', "sv");
-                sd_bus_message_append(message, "s", "value");
-                sd_bus_message_open_container(message, 'v', (std::string("a") + type).c_str());
-                sd_bus_message_open_container(message, 'a', type);
-                const std::uint32_t zero = 0; // or an empty text
-                for (int i = 0; i < 2'000'000; ++i)
-                    sd_bus_message_append_basic(message, *type, &zero);
-                for (int depth = 0; depth < 4; ++depth)
-                    sd_bus_message_close_container(message);
-            });
-            QCOMPARE(notification.has_value(), *type == 'u');
-        }
+        sd_bus_message *message = nullptr;
+        sd_bus_message_new_signal(m_bus.get(), &message, "/a", "a.b", "C");
+        sd_bus_message_append(message, "s", "Name");
+        sd_bus_message_open_container(message, 'a', "{sv}");
+        for (int i = 0; i < 200'000; ++i)
+            sd_bus_message_append(message, "{sv}", "", "s", "");
+        sd_bus_message_close_container(message);
+        QVERIFY(!received(SdBusMessage(message)));
     }
 };
 

@@ -38,55 +38,24 @@ private Q_SLOTS:
         fs::copy("/bin/true", m_bundle.bundlePath / "Contents/MacOS/Ambertide");
     }
 
-    void comesAndGoes()
+    void comesAndGoesWhateverStandsThere()
     {
         const auto bundle = m_bundle.bundlePath.string() + "\t&\nExec=x\r\n[Desktop Action y]\n";
         fs::rename(m_bundle.bundlePath, bundle);
         m_bundle.bundlePath = bundle;
         QCOMPARE(m_item.status(), NotRegistered);
         QVERIFY(m_item.unregisterItem());
-        QVERIFY(!m_item.registerItem());
-        QCOMPARE(m_item.status(), Enabled);
-        QCOMPARE(fs::status(m_entry).permissions(), fs::perms(0644));
-        QCOMPARE(std::distance(fs::directory_iterator(m_folder), {}), 1);
-        fs::remove_all(bundle);
-        QCOMPARE(m_item.status(), NotFound);
-        QVERIFY(!m_item.unregisterItem());
-        QCOMPARE(m_item.status(), NotRegistered);
-    }
-
-    void readsWhatOthersWrote()
-    {
-        fs::create_directories(m_folder);
-        const std::pair<std::string, LoginItemStatus> cases[] = {
-            {"Hidden=false\nX-GNOME-Autostart-enabled=true\nX-systemd-skip=false\n", Enabled},
-            {"Hidden=true\n", RequiresApproval},
-            {"X-GNOME-Autostart-enabled=false\n", RequiresApproval},
-            {"X-systemd-skip=true\n", RequiresApproval},
-            {"Exec=/usr\n", NotFound},
-            {"TryExec=/nowhere\n", NotFound},
-            {std::string("\0", 1), NotFound},
-            {std::string(200'000, '#'), NotFound},
-        };
-        for (const auto &[keys, status] : cases) {
-            std::ofstream(m_entry) << "[Desktop Entry]\nExec=sh -c x\n" << keys;
-            QVERIFY2(m_item.status() == status, keys.substr(0, 100).c_str());
-            QVERIFY(!m_item.registerItem());
-            QCOMPARE(m_item.status(), Enabled);
-        }
-    }
-
-    void replacesWhatIsNoFileButAFolder()
-    {
         fs::create_directories(m_folder);
         QCOMPARE(::mkfifo(m_entry.c_str(), 0600), 0);
-        for (const fs::path next : {"", "/nowhere", "me.tovanu.Ambertide.desktop", "/dev/zero"}) {
-            if (!next.empty())
-                fs::create_symlink(next, m_entry);
+        for (const fs::path link : {"", "/nowhere", "me.tovanu.Ambertide.desktop", "/dev/zero"}) {
+            if (!link.empty())
+                fs::create_symlink(link, m_entry);
             QCOMPARE(m_item.status(), NotFound);
             QVERIFY(!m_item.registerItem());
-            QVERIFY(fs::is_regular_file(fs::symlink_status(m_entry)));
+            QCOMPARE(m_item.status(), Enabled);
+            QCOMPARE(fs::symlink_status(m_entry).permissions(), fs::perms(0644));
             QVERIFY(!m_item.unregisterItem());
+            QCOMPARE(m_item.status(), NotRegistered);
         }
         fs::create_directory(m_entry);
         QVERIFY(m_item.registerItem()->ends_with("Is a directory"));
@@ -94,6 +63,36 @@ private Q_SLOTS:
         QCOMPARE(std::distance(fs::directory_iterator(m_folder), {}), 1);
         m_bundle.bundlePath = "/\xff";
         QVERIFY(m_item.registerItem()->ends_with("UTF-8"));
+    }
+
+    void readsWhatOthersWrote()
+    {
+        fs::create_directories(m_folder);
+        const std::string start = "[Desktop Entry]\nExec=sh -c x\n";
+        const std::pair<std::string, LoginItemStatus> cases[] = {
+            {start + "Hidden=false\nX-GNOME-Autostart-enabled=true\nX-systemd-skip=false\n", Enabled},
+            {start + "Hidden=true\r\n", RequiresApproval},
+            {start + "X-GNOME-Autostart-enabled=false\n", RequiresApproval},
+            {start + "X-systemd-skip=1\n", RequiresApproval},
+            {start + "Exec=/usr\n", NotFound},
+            {start + "TryExec=/nowhere\n", NotFound},
+            {"[Desktop Entry]\nExec=\"sh\n", NotFound},
+            {"[Other]\n" + start, NotFound},
+            {start + '\0', NotFound},
+            {start + std::string(200'000, '#'), NotFound},
+            {"\x7f"
+             "ELF\x02\xff\xfe",
+             NotFound},
+            {"", NotFound},
+        };
+        for (const auto &[text, status] : cases) {
+            std::ofstream(m_entry) << text;
+            QVERIFY2(m_item.status() == status, text.substr(0, 100).c_str());
+        }
+        QVERIFY(!m_item.registerItem());
+        QCOMPARE(m_item.status(), Enabled);
+        fs::remove_all(m_bundle.bundlePath);
+        QCOMPARE(m_item.status(), NotFound);
     }
 
     void isStartedBySystemd()

@@ -59,40 +59,34 @@ private Q_SLOTS:
     {
         PrivateBus bus;
         DBusSession session(SdBusKind::session);
-        int changes = 0;
+        QList<Presence> presences;
         StatusNotifierItem item(session, TrayArtwork("/"), "Ambertide", StatusNotifierItem::Click::Activates,
-                                {[](auto) {}, [&] { ++changes; }});
+                                {[](auto) {}, [&] { presences += item.presence(); }});
         QCOMPARE(item.presence(), Presence::Pending);
-        QTRY_COMPARE(item.presence(), Presence::Nowhere);
-        for (int panelStart = 0; panelStart < 2; ++panelStart) {
-            changes = 0;
-            auto watcher = std::make_unique<FakeWatcher>();
-            QTRY_COMPARE(item.presence(), Presence::Shown);
-            QCOMPARE(watcher->registered, QStringList(itemName()));
-            watcher.reset();
-            QTRY_COMPARE(item.presence(), Presence::Nowhere);
-            QCOMPARE(changes, 3); // with a Pending before the answer
-        }
-        const FakeWatcher refusing(FakeWatcher::Answer::Refuses);
-        QTRY_COMPARE(refusing.registered.size(), 1);
-        QTRY_COMPARE(item.presence(), Presence::Pending);
+        QTRY_COMPARE(presences, QList{Presence::Nowhere});
+        auto watcher = std::make_unique<FakeWatcher>();
+        QTRY_COMPARE(presences, (QList{Presence::Nowhere, Presence::Pending, Presence::Shown}));
+        QCOMPARE(watcher->registered, QStringList(itemName()));
+        presences.clear();
+        watcher.reset();
+        watcher = std::make_unique<FakeWatcher>();
+        QTRY_COMPARE(presences, (QList{Presence::Nowhere, Presence::Pending, Presence::Shown}));
     }
 
-    void callsAreAnsweredAndPerformed_data()
+    void callsAreAnsweredAndPerformed()
     {
-        QTest::addColumn<QByteArray>("interface");
-        QTest::addColumn<QString>("reply"); // begins with it
-        QTest::addColumn<QString>("events");
-        const auto row = [](const char *interface, const char *call, const char *reply, const char *events = "") {
-            QTest::newRow(call) << QByteArray(interface) << QString::fromLatin1(reply) << QString::fromLatin1(events);
+        ShownItem shown;
+        const auto row = [&shown](const char *interface, const char *call, const char *reply, const char *events = "") {
+            shown.events.clear();
+            const auto said = shown.call(interface, QLatin1String(call));
+            QVERIFY2(*reply == '\0' ? said.isEmpty() : said.startsWith(QLatin1String(reply)), qPrintable(said));
+            QCOMPARE(shown.events.join(u' '), QLatin1String(events));
         };
         const char *const missing = "Call failed: There is no such item";
         row(itemInterface, "Activate ii 1 2", "", "activated at 1,2");
         row(itemInterface, "Activate ii 0 0", "", "activated");
         row(itemInterface, "SecondaryActivate ii -1 2147483647", "", "activated at -1,2147483647");
-        row(itemInterface, "Activate s wrong", "Call failed: Invalid arguments");
         row(itemInterface, "Scroll is 120 vertical", "");
-        row(itemInterface, "ContextMenu ii 1 2", "");
         row(menuInterface, "GetLayout iias 0 -1 0",
             R"(u(ia{sv}av) 2 0 1 "children-display" s "submenu" 4 )"
             R"((ia{sv}av) 1 2 "enabled" b true "label" s "Set__tings" 0 )"
@@ -100,7 +94,6 @@ private Q_SLOTS:
             R"((ia{sv}av) 4 2 "enabled" b true "label" s "Quit" 0)");
         row(menuInterface, "GetLayout iias 0 0 0", R"(u(ia{sv}av) 2 0 1 "children-display" s "submenu" 0)");
         row(menuInterface, "GetLayout iias 4 -1 1 label", R"(u(ia{sv}av) 2 4 2 "enabled" b true "label" s "Quit" 0)");
-        row(menuInterface, "GetLayout iias 5 -1 0", missing);
         row(menuInterface, "GetLayout iias -2147483648 -1 0", missing);
         row(menuInterface, "GetGroupProperties aias 3 3 99 -1 0", R"(a(ia{sv}) 1 3 1 "type" s "separator")");
         row(menuInterface, "GetProperty is 2 enabled", "v b false");
@@ -110,19 +103,8 @@ private Q_SLOTS:
         row(menuInterface, "Event isvu 1 clicked i 0 0", "", "Set_tings");
         row(menuInterface, "Event isvu 1 hovered s any 0", "");
         row(menuInterface, "Event isvu 2 clicked i 0 0", "");
-        row(menuInterface, "Event isvu 3 clicked i 0 0", "");
-        row(menuInterface, "Event isvu 0 clicked i 0 0", "");
         row(menuInterface, "Event isvu 9 clicked i 0 0", missing);
         row(menuInterface, "EventGroup a(isvu) 3 7 clicked i 0 0 4 clicked i 0 0 1 opened i 0 0", "ai 1 7", "Quit");
-    }
-    void callsAreAnsweredAndPerformed()
-    {
-        QFETCH(QByteArray, interface);
-        QFETCH(QString, reply);
-        ShownItem shown;
-        const auto said = shown.call(interface.constData(), QLatin1String(QTest::currentDataTag()));
-        QVERIFY2(reply.isEmpty() ? said.isEmpty() : said.startsWith(reply), qPrintable(said));
-        QTEST(shown.events.join(u' '), "events");
     }
 
     void panelsGetPixelsAndTextsWithoutMarkup()
@@ -142,7 +124,7 @@ private Q_SLOTS:
         const auto click = [&](int identifier) {
             return shown.call(menuInterface, QStringLiteral("Event isvu %1 clicked i 0 0").arg(identifier));
         };
-        // The same texts: the open menu goes on to work, by the new states.
+        // The same texts: the open menu goes on to work, and shows the new states.
         shown.item.setMenu({shown.entry("Set_tings", false), shown.entry("Updates"), {}, shown.entry("Quit")});
         click(1);
         click(2);
@@ -158,11 +140,9 @@ private Q_SLOTS:
     {
         ShownItem shown(StatusNotifierItem::Click::OpensMenu);
         const auto layout = shown.call(menuInterface, QStringLiteral("GetLayout iias 0 1 0"));
-        const auto match =
-            QRegularExpression(QStringLiteral("av\\) (\\d+) 2 \"enabled\" b true \"label\" s \"Open Ambertide\""))
-                .match(layout);
-        QVERIFY2(match.hasMatch(), qPrintable(layout));
-        shown.call(menuInterface, QStringLiteral("Event isvu %1 clicked i 0 0").arg(match.captured(1)));
+        QVERIFY2(layout.contains(QStringLiteral(R"( 6 (ia{sv}av) 3 2 "enabled" b true "label" s "Open Ambertide" )")),
+                 qPrintable(layout));
+        shown.call(menuInterface, QStringLiteral("Event isvu 3 clicked i 0 0"));
         QCOMPARE(shown.events, QStringList(QStringLiteral("activated")));
     }
 
