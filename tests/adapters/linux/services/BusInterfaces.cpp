@@ -101,8 +101,8 @@ private Q_SLOTS:
               {"GetInitialResultSet as 1 warm", R"(as 4 "k1000" "k1900" "k2700" "k3400")", ""},
               {"GetSubsearchResultSet asas 2 k1000 k1900 1 daylight", R"(as 1 "k6500")", ""},
               {"GetResultMetas as 2 k3400 unknown",
-               R"~(aa{sv} 1 4 "id" s "k3400" "name" s "3400K (Halogen)" "description" s "Set Color Temperature" )~"
-               R"~("gicon" s "me.tovanu.Ambertide")~",
+               R"~(aa{sv} 1 4 "description" s "Set Color Temperature" "gicon" s "me.tovanu.Ambertide" )~"
+               R"~("id" s "k3400" "name" s "3400K (Halogen)")~",
                ""},
               {"ActivateResult sasu k1900 1 candle 0", "", "1900"},
               {"ActivateResult sasu 1900 1 candle 0", "Call failed: There is no such result", ""},
