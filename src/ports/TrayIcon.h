@@ -39,8 +39,8 @@ public:
     virtual ~TrayIcon() = default;
 
     virtual Presence presence() const = 0;
-    /// Replaces the context menu, also while it is open. Where a click on the icon cannot do anything but open
-    /// the menu, an entry is put before these that activates it.
+    /// Replaces the context menu, also while it is open. Where a click on the icon can but open the menu, an entry
+    /// before these activates it.
     virtual void setMenu(std::vector<TrayMenuItem> items) = 0;
     /// One line, UTF-8, beside the application's name.
     virtual void setToolTip(std::string text) = 0;
