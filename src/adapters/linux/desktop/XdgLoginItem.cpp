@@ -9,9 +9,7 @@
 #include <QStandardPaths>
 #include <QTemporaryFile>
 
-#include <fcntl.h>
 #include <glib.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -27,7 +25,7 @@ namespace {
 
 constexpr char mainGroup[] = G_KEY_FILE_DESKTOP_GROUP;
 /// Far larger than any entry that a person or a desktop wrote.
-constexpr off_t maximumEntrySize = 64 * 1024;
+constexpr qint64 maximumEntrySize = 64 * 1024;
 
 using KeyFile = std::unique_ptr<GKeyFile, Release<&g_key_file_unref>>;
 using Text = std::unique_ptr<char, Release<&g_free>>;
@@ -44,17 +42,11 @@ std::string reasonOf(int error) { return std::generic_category().message(error);
 
 bool isRunnable(const char *program) { return !QStandardPaths::findExecutable(QFile::decodeName(program)).isEmpty(); }
 
-/// Null when there is no regular file of a sensible size, or it is no desktop entry. Never waits, as opening a named
-/// pipe otherwise would.
-KeyFile readEntry(const QByteArray &path)
+/// Null when there is no regular file of a sensible size, or it is no desktop entry.
+KeyFile readEntry(const QString &path)
 {
-    const int descriptor = ::open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (descriptor < 0)
-        return {};
-    QFile file;
-    struct stat attributes = {};
-    if (!file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle) ||
-        ::fstat(descriptor, &attributes) != 0 || !S_ISREG(attributes.st_mode) || attributes.st_size > maximumEntrySize)
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || file.size() > maximumEntrySize || !file.open(QIODevice::ReadOnly))
         return {};
     const auto text = file.read(maximumEntrySize);
     KeyFile entry(g_key_file_new());
@@ -67,14 +59,12 @@ KeyFile readEntry(const QByteArray &path)
 
 bool isSwitchedOff(GKeyFile *entry)
 {
-    const auto is = [entry](const char *key, bool value) {
-        GError *error = nullptr;
-        const bool read = g_key_file_get_boolean(entry, mainGroup, key, &error) != 0;
-        const bool isTruthValue = error == nullptr;
-        g_clear_error(&error);
-        return isTruthValue && read == value;
+    constexpr auto enabledKey = "X-GNOME-Autostart-enabled";
+    const auto isTrue = [entry](const char *key) {
+        return g_key_file_get_boolean(entry, mainGroup, key, nullptr) != 0;
     };
-    return is("Hidden", true) || is("X-GNOME-Autostart-enabled", false) || is("X-systemd-skip", true);
+    return isTrue("Hidden") || isTrue("X-systemd-skip") ||
+           (g_key_file_has_key(entry, mainGroup, enabledKey, nullptr) != 0 && !isTrue(enabledKey));
 }
 
 bool canStart(GKeyFile *entry)
@@ -129,11 +119,10 @@ XdgLoginItem::XdgLoginItem(const MainBundle &bundle) : m_bundle(bundle) {}
 
 LoginItemStatus XdgLoginItem::status() const
 {
-    const QByteArray path = QFile::encodeName(entryPath());
-    struct stat ignored = {};
-    if (::lstat(path.constData(), &ignored) != 0)
+    const QFileInfo file(entryPath());
+    if (!file.exists() && !file.isSymbolicLink())
         return LoginItemStatus::NotRegistered;
-    const auto entry = readEntry(path);
+    const auto entry = readEntry(file.filePath());
     if (!entry)
         return LoginItemStatus::NotFound;
     if (isSwitchedOff(entry.get()))
