@@ -124,16 +124,22 @@ private Q_SLOTS:
         const auto click = [&](int identifier) {
             return shown.call(menuInterface, QStringLiteral("Event isvu %1 clicked i 0 0").arg(identifier));
         };
+        QStringList told;
+        const auto signals = shown.session.match("type='signal',path='/MenuBar'", [&told](sd_bus_message *signal) {
+            told += QLatin1String(sd_bus_message_get_member(signal));
+        });
         // The same texts: the open menu goes on to work, and shows the new states.
         shown.item.setMenu({shown.entry("Set_tings", false), shown.entry("Updates"), {}, shown.entry("Quit")});
         click(1);
         click(2);
         QCOMPARE(shown.events, QStringList(QStringLiteral("Updates")));
+        QTRY_COMPARE(told, QStringList(QStringLiteral("ItemsPropertiesUpdated")));
         shown.item.setMenu({shown.entry("Quit")});
         click(1);
         QCOMPARE(shown.events.size(), 1);
         click(5);
         QCOMPARE(shown.events.last(), QStringLiteral("Quit"));
+        QTRY_COMPARE(told.last(), QStringLiteral("LayoutUpdated"));
     }
 
     void whereAClickOpensTheMenuItsFirstEntryActivates()
