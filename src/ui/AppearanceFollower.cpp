@@ -8,9 +8,9 @@
 
 namespace ambertide {
 
-AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(appearance), m_style(new HouseStyle)
+AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(appearance)
 {
-    QApplication::setStyle(m_style);
+    installStyle();
     // A platform theme that knows the desktop's colours tells them, and their changes, by itself.
     m_hasDesktopPalette =
         QApplication::palette().color(QPalette::Window) != m_style->standardPalette().color(QPalette::Window);
@@ -19,8 +19,24 @@ AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(ap
     follow();
 }
 
+void AppearanceFollower::installStyle()
+{
+    m_style = new HouseStyle;
+    // Another style in its place deletes it.
+    QObject::connect(
+        m_style, &QObject::destroyed, &m_context,
+        [this] {
+            installStyle();
+            follow();
+        },
+        Qt::QueuedConnection);
+    QApplication::setStyle(m_style);
+}
+
 void AppearanceFollower::follow()
 {
+    if (m_style.isNull())
+        return; // the next one will follow
     m_style->setMotionReduced(m_appearance.prefersReducedMotion());
     const auto scheme = m_appearance.colorScheme();
     const bool isDark =

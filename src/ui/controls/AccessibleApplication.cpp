@@ -2,12 +2,16 @@
 
 #include <QAccessibleWidget>
 #include <QApplication>
+#include <QVariant>
 #include <QWidget>
 
 namespace ambertide {
 
 namespace {
 
+constexpr char roleProperty[] = "accessibleRole";
+
+/// A widget that becomes a window, or ceases to be one, after a screen reader has seen it.
 class AccessibleWindow final : public QAccessibleWidget
 {
 public:
@@ -19,12 +23,16 @@ public:
     }
 };
 
+/// The toolkit asks with the most special class first, and with QWidget for what has no interface of its own.
 QAccessibleInterface *create(const QString &className, QObject *object)
 {
     if (object == qApp)
         return new AccessibleApplication;
-    // The most special class is asked for first: who comes to this one has no interface of its own.
-    return className == QLatin1String("QWidget") ? new AccessibleWindow(qobject_cast<QWidget *>(object)) : nullptr;
+    auto *widget = qobject_cast<QWidget *>(object);
+    const QVariant role = widget != nullptr ? widget->property(roleProperty) : QVariant();
+    if (role.isValid())
+        return new QAccessibleWidget(widget, static_cast<QAccessible::Role>(role.toInt()));
+    return className == QLatin1String("QWidget") ? new AccessibleWindow(widget) : nullptr;
 }
 
 QWidget *openPopup() { return QApplication::activePopupWidget(); }
@@ -50,6 +58,11 @@ int AccessibleApplication::indexOfChild(const QAccessibleInterface *child) const
     if (child != nullptr && child->object() != nullptr && child->object() == openPopup())
         return QAccessibleApplication::childCount();
     return QAccessibleApplication::indexOfChild(child);
+}
+
+void setAccessibleRole(QWidget &widget, QAccessible::Role role)
+{
+    widget.setProperty(roleProperty, static_cast<int>(role));
 }
 
 } // namespace ambertide

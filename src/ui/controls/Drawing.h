@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QLatin1String>
 #include <QRectF>
 
 class QPainter;
@@ -10,8 +11,24 @@ namespace ambertide {
 
 /// Corners of buttons, fields and highlighted rows, in logical pixels.
 inline constexpr double controlRadius = 6;
-inline constexpr double hoveredRowOpacity = 0.9;
-inline constexpr double disabledOpacity = 0.45;
+inline constexpr int fieldChevron = 9; ///< at the end of a field, in logical pixels; it grows with the text
+
+/// The symbols of the windows, drawn in one stroke width on a grid of 16 by 16.
+namespace symbols {
+inline constexpr QLatin1String gearshape{"gearshape"};
+inline constexpr QLatin1String clock{"clock"};
+inline constexpr QLatin1String link{"link"};
+inline constexpr QLatin1String plus{"plus"};
+inline constexpr QLatin1String pencil{"pencil"};
+inline constexpr QLatin1String trash{"trash"};
+inline constexpr QLatin1String checkmarkCircleFill{"checkmark.circle.fill"};
+inline constexpr QLatin1String chevronUp{"chevron.up"};
+inline constexpr QLatin1String chevronDown{"chevron.down"};
+} // namespace symbols
+
+/// Draws a symbol into a square, in one colour. `under` is the surface, which shows in the holes of filled symbols.
+void drawSymbol(QPainter &painter, const QRectF &square, QLatin1String symbol, const QColor &color,
+                const QColor &under = Qt::white);
 
 /// Whether a control has the focus and the keyboard is what its window is used with.
 bool showsFocusRing(const QWidget &control);
@@ -24,8 +41,5 @@ void strokeRounded(QPainter &painter, const QRectF &shape, double radius, const 
 
 /// A white disc with a soft shadow.
 void drawThumb(QPainter &painter, const QRectF &disc, bool isOutlined);
-
-/// Whether things may move by themselves.
-bool areAnimationsWanted(const QWidget &control);
 
 } // namespace ambertide

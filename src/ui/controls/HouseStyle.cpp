@@ -1,50 +1,77 @@
 #include "ui/controls/HouseStyle.h"
 
-#include "ui/controls/Drawing.h"
-#include "ui/controls/Theme.h"
+#include "ui/controls/ControlDrawing.h"
+#include "ui/controls/TimeField.h"
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QFrame>
 #include <QPainter>
-#include <QStyleOptionSlider>
-#include <QWidget>
+#include <QTabBar>
 
 namespace ambertide {
 
 namespace {
 
-constexpr int scrollBarExtent = 10; // logical pixels, as are those below
-constexpr int shortestScrollThumb = 32;
-constexpr double scrollThumbInset = 2;
-constexpr double restingOpacity = 0.35;
-constexpr double touchedOpacity = 0.6;
+constexpr int scrollBarExtent = 10; // logical pixels
 
-const QStyleOptionSlider *scrollBar(QStyle::ComplexControl control, const QStyleOptionComplex *option)
+/// The option is of that class wherever Qt or a control of ours asks for such an element.
+template <typename Option>
+const Option &as(const QStyleOption *option)
 {
-    return control == QStyle::CC_ScrollBar ? qstyleoption_cast<const QStyleOptionSlider *>(option) : nullptr;
+    return *static_cast<const Option *>(option);
 }
 
-/// Without buttons at the ends: the groove is all there is.
-QRect scrollThumb(const QStyleOptionSlider &bar)
+/// Labels look after theirs by themselves.
+void setTextSize(QWidget &control)
+{
+    if (qobject_cast<QTabBar *>(&control) != nullptr)
+        control.setFont(textFont(TextStyle::Subheadline));
+    else if (qobject_cast<QAbstractButton *>(&control) != nullptr || qobject_cast<TimeField *>(&control) != nullptr)
+        control.setFont(textFont(TextStyle::Body));
+}
+
+QRect scrollBarPart(const QStyleOptionSlider &bar, QStyle::SubControl part)
 {
     const bool isHorizontal = bar.orientation == Qt::Horizontal;
-    const int groove = isHorizontal ? bar.rect.width() : bar.rect.height();
-    const qint64 range = qint64(bar.maximum) - bar.minimum;
-    const auto share = groove * qint64(bar.pageStep) / qMax(qint64(1), range + bar.pageStep);
-    const int length = range == 0 ? groove : qMin(groove, qMax(shortestScrollThumb, static_cast<int>(share)));
-    const int start =
-        QStyle::sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, groove - length, bar.upsideDown);
-    return isHorizontal ? QRect(bar.rect.x() + start, bar.rect.y(), length, bar.rect.height())
-                        : QRect(bar.rect.x(), bar.rect.y() + start, bar.rect.width(), length);
+    const QRect thumb = scrollThumb(bar);
+    QRect rest = bar.rect; // of the groove, on the side that was asked for
+    switch (part) {
+    case QStyle::SC_ScrollBarGroove:
+        return bar.rect;
+    case QStyle::SC_ScrollBarSlider:
+        return thumb;
+    case QStyle::SC_ScrollBarSubPage:
+        if (isHorizontal)
+            rest.setRight(thumb.left() - 1);
+        else
+            rest.setBottom(thumb.top() - 1);
+        return rest;
+    case QStyle::SC_ScrollBarAddPage:
+        if (isHorizontal)
+            rest.setLeft(thumb.right() + 1);
+        else
+            rest.setTop(thumb.bottom() + 1);
+        return rest;
+    default:
+        return {};
+    }
 }
 
 } // namespace
 
-HouseStyle::HouseStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+HouseStyle::HouseStyle() : QProxyStyle(QStringLiteral("Fusion")), m_nextFrame(new QTimer(this))
+{
+    constexpr int frame = 16; // ms
+    m_clock.start();
+    m_nextFrame->setSingleShot(true);
+    m_nextFrame->setInterval(frame);
+}
 
 void HouseStyle::polish(QWidget *widget)
 {
     QProxyStyle::polish(widget);
+    setTextSize(*widget);
     if (widget->isWindow())
         widget->installEventFilter(this);
 }
@@ -59,8 +86,10 @@ bool HouseStyle::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::ApplicationPaletteChange) {
         const auto controls = watched->findChildren<QWidget *>();
-        for (auto *control : controls)
+        for (auto *control : controls) {
             QCoreApplication::sendEvent(control, event);
+            setTextSize(*control);
+        }
     }
     return QProxyStyle::eventFilter(watched, event);
 }
@@ -80,61 +109,118 @@ int HouseStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWid
     }
 }
 
-void HouseStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
-                                    const QWidget *widget) const
-{
-    const auto *bar = scrollBar(control, option);
-    if (bar == nullptr)
-        return QProxyStyle::drawComplexControl(control, option, painter, widget);
-    const auto theme = Theme::of(bar->palette);
-    const QRectF thumb =
-        QRectF(scrollThumb(*bar)).adjusted(scrollThumbInset, scrollThumbInset, -scrollThumbInset, -scrollThumbInset);
-    const bool isTouched = bar->state.testFlag(State_MouseOver) || bar->state.testFlag(State_Sunken);
-    QColor ink = theme.text;
-    ink.setAlphaF(static_cast<float>(theme.isHighContrast ? 1 : isTouched ? touchedOpacity : restingOpacity));
-    painter->save();
-    painter->fillRect(bar->rect, theme.window);
-    fillRounded(*painter, thumb, qMin(thumb.width(), thumb.height()) / 2, ink);
-    painter->restore();
-}
-
-QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
-                                 const QWidget *widget) const
-{
-    const auto *bar = scrollBar(control, option);
-    if (bar == nullptr)
-        return QProxyStyle::subControlRect(control, option, part, widget);
-    const bool isHorizontal = bar->orientation == Qt::Horizontal;
-    const QRect thumb = scrollThumb(*bar);
-    QRect rest = bar->rect; // of the groove, on the side that was asked for
-    switch (part) {
-    case SC_ScrollBarGroove:
-        return bar->rect;
-    case SC_ScrollBarSlider:
-        return thumb;
-    case SC_ScrollBarSubPage:
-        isHorizontal ? rest.setRight(thumb.left() - 1) : rest.setBottom(thumb.top() - 1);
-        return rest;
-    case SC_ScrollBarAddPage:
-        isHorizontal ? rest.setLeft(thumb.right() + 1) : rest.setTop(thumb.bottom() + 1);
-        return rest;
-    default:
-        return {};
-    }
-}
-
 int HouseStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
 {
     switch (metric) {
     case PM_SliderLength:
+        return sliderThumb;
     case PM_SliderControlThickness:
     case PM_SliderThickness:
-        return sliderThumb;
+        return sliderThumb + 2 * sliderRingGap;
     case PM_ScrollBarExtent:
         return scrollBarExtent;
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
     }
+}
+
+QSize HouseStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
+                                   const QWidget *widget) const
+{
+    if (type == CT_TabBarTab)
+        return tabSize(as<QStyleOptionTab>(option));
+    if (const auto *button = qobject_cast<const Button *>(widget); button != nullptr && type == CT_PushButton)
+        return buttonSize(as<QStyleOptionButton>(option), button->look());
+    if (const auto *row = qobject_cast<const SwitchRow *>(widget); row != nullptr && type == CT_CheckBox)
+        return switchSize(as<QStyleOptionButton>(option), row->kind());
+    if (type == CT_SpinBox)
+        return timeFieldSize(contents);
+    return QProxyStyle::sizeFromContents(type, option, contents, widget);
+}
+
+QRect HouseStyle::subElementRect(SubElement element, const QStyleOption *option, const QWidget *widget) const
+{
+    if (element == SE_CheckBoxClickRect)
+        return option->rect;
+    return QProxyStyle::subElementRect(element, option, widget);
+}
+
+QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
+                                 const QWidget *widget) const
+{
+    switch (control) {
+    case CC_ScrollBar:
+        return scrollBarPart(as<QStyleOptionSlider>(option), part);
+    case CC_Slider:
+        return part == SC_SliderHandle ? sliderHandle(as<QStyleOptionSlider>(option))
+                                       : sliderGroove(as<QStyleOptionSlider>(option));
+    case CC_SpinBox:
+        return part == SC_SpinBoxEditField ? timeFieldText(option->rect) : QRect();
+    default:
+        return QProxyStyle::subControlRect(control, option, part, widget);
+    }
+}
+
+void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                               const QWidget *widget) const
+{
+    const auto *parent = widget != nullptr ? widget->parentWidget() : nullptr;
+    const bool isPartOfField = element == PE_PanelLineEdit && qobject_cast<const TimeField *>(parent) != nullptr;
+    if (!isPartOfField)
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+void HouseStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                             const QWidget *widget) const
+{
+    const auto *button = qobject_cast<const Button *>(widget);
+    const auto *row = qobject_cast<const SwitchRow *>(widget);
+    const auto *tabs = qobject_cast<const QTabBar *>(widget);
+    const auto *frame = qobject_cast<const QFrame *>(widget);
+    if (element == CE_PushButton && button != nullptr) {
+        drawButton(*painter, as<QStyleOptionButton>(option), button->look());
+    } else if (element == CE_CheckBox && row != nullptr) {
+        drawSwitch(*painter, as<QStyleOptionButton>(option), *row);
+    } else if (element == CE_TabBarTab && tabs != nullptr) {
+        const auto &tab = as<QStyleOptionTab>(option);
+        drawTab(*painter, tab, tabs->tabData(tab.tabIndex).value<QLatin1String>());
+    } else if (element == CE_ProgressBar) {
+        const auto &bar = as<QStyleOptionProgressBar>(option);
+        drawProgressBar(*painter, bar, isBusy(bar) ? sweep(*option) : std::nullopt);
+    } else if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape() == QFrame::HLine) {
+        painter->fillRect(option->rect, Theme::of(option->palette).hairline);
+    } else {
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
+}
+
+void HouseStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
+                                    const QWidget *widget) const
+{
+    switch (control) {
+    case CC_ScrollBar:
+        return drawScrollBar(*painter, as<QStyleOptionSlider>(option));
+    case CC_Slider:
+        return drawSlider(*painter, as<QStyleOptionSlider>(option));
+    case CC_SpinBox:
+        return drawTimeField(*painter, *option);
+    default:
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+    }
+}
+
+/// How far the motion of a busy bar has come, which is drawn once more at the next frame; nothing without motion.
+std::optional<double> HouseStyle::sweep(const QStyleOption &busyBar) const
+{
+    constexpr qint64 duration = 1600; // ms
+    auto *bar = qobject_cast<QWidget *>(busyBar.styleObject);
+    if (bar == nullptr || styleHint(SH_Widget_Animation_Duration, &busyBar, bar, nullptr) <= 0)
+        return std::nullopt;
+    // What is out of sight is not drawn, and then asks for no frame.
+    connect(m_nextFrame, &QTimer::timeout, bar, qOverload<>(&QWidget::update), Qt::UniqueConnection);
+    if (!m_nextFrame->isActive())
+        m_nextFrame->start();
+    return static_cast<double>(m_clock.elapsed() % duration) / duration;
 }
 
 } // namespace ambertide

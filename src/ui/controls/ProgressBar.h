@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QProgressBar>
-#include <QVariantAnimation>
 
 namespace ambertide {
 
@@ -13,21 +12,6 @@ class ProgressBar final : public QProgressBar
 
 public:
     explicit ProgressBar(const QString &accessibleName);
-
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override;
-
-protected:
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
-
-private:
-    bool isBusy() const { return minimum() == maximum(); }
-    void paintBusy(QPainter &painter) const;
-    void paintReached(QPainter &painter) const;
-
-    QVariantAnimation m_sweep; ///< 0 to 1
 };
 
 } // namespace ambertide

@@ -1,6 +1,6 @@
 #include "ui/controls/Sheet.h"
 
-#include "ui/controls/AccessibleRole.h"
+#include "ui/controls/AccessibleApplication.h"
 #include "ui/controls/Drawing.h"
 #include "ui/controls/Theme.h"
 

@@ -5,7 +5,8 @@
 
 namespace ambertide {
 
-/// A text with a switch, of which every pixel throws it. To a screen reader it is a check box.
+/// A text with a switch. A click anywhere on it throws the switch, and so do Space and Return. To a screen reader it is
+/// a check box.
 class SwitchRow final : public QCheckBox
 {
     Q_OBJECT
@@ -19,18 +20,12 @@ public:
 
     SwitchRow(const QString &text, Kind kind);
 
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
-
-    /// Follows a value that changed elsewhere; no signal.
-    void show(bool isOn);
-    using QWidget::show;
+    Kind kind() const { return m_kind; }
+    /// Where the thumb is on its way: 0 at off to 1 at on.
+    double thumbPosition() const { return m_thumb.currentValue().toDouble(); }
 
 protected:
-    bool event(QEvent *event) override;
-    bool hitButton(const QPoint &position) const override { return rect().contains(position); }
     void keyPressEvent(QKeyEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
     void checkStateSet() override;
     void nextCheckState() override;
 
@@ -38,7 +33,7 @@ private:
     void moveThumb();
 
     Kind m_kind;
-    QVariantAnimation m_thumb; ///< 0 at off to 1 at on
+    QVariantAnimation m_thumb;
 };
 
 } // namespace ambertide

@@ -1,14 +1,14 @@
 #include "ui/panel/MenuBarView.h"
 
+#include "ui/controls/AccessibleApplication.h"
 #include "ui/controls/Button.h"
-#include "ui/controls/Divider.h"
+#include "ui/controls/Drawing.h"
 #include "ui/controls/SwitchRow.h"
-#include "ui/controls/Symbol.h"
 #include "ui/controls/TextLabel.h"
-#include "ui/panel/Color.h"
 #include "ui/panel/TemperatureSlider.h"
 
 #include <QEvent>
+#include <QFrame>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
@@ -28,16 +28,10 @@ constexpr int bodySpacing = 4;
 constexpr int defaultSpacing = 8;
 constexpr int defaultPadding = 16;
 constexpr int rowMargin = 8;
+constexpr int rowPaddingX = 8;
+constexpr int rowPaddingY = 6;
 constexpr int dividerPadding = 2;
 constexpr int gearSize = 14;
-
-QVBoxLayout *stack(QWidget *owner, int spacing)
-{
-    auto *layout = new QVBoxLayout(owner);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(spacing);
-    return layout;
-}
 
 QLayout *padded(QWidget *widget, int horizontal, int vertical = 0)
 {
@@ -47,81 +41,92 @@ QLayout *padded(QWidget *widget, int horizontal, int vertical = 0)
     return layout;
 }
 
+QLayout *divider()
+{
+    auto *line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFixedHeight(1);
+    setAccessibleRole(*line, QAccessible::Separator);
+    return padded(line, 0, dividerPadding);
+}
+
 int hundreds(double temperature) { return static_cast<int>(temperature / 100); }
 
 } // namespace
 
 MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     : m_viewModel(viewModel), m_haptics(haptics), m_scheduleEnabled(viewModel.scheduleEnabled()),
-      m_temperature(viewModel.temperature())
+      m_temperature(viewModel.temperature()), m_temperatureLabel(new TextLabel({}, TextStyle::Subheadline)),
+      m_slider(new TemperatureSlider(AppViewModel::minTemperature, AppViewModel::maxTemperature,
+                                     AppViewModel::temperatureStep)),
+      m_schedule(new SwitchRow(tr("Enable Schedule"), SwitchRow::Kind::Menu))
 {
-    m_temperatureLabel = new TextLabel({}, TextStyle::Subheadline);
     m_temperatureLabel->setAlignment(Qt::AlignCenter);
-    auto *block = sliderBlock();
-    m_schedule = new SwitchRow(tr("Enable Schedule"), SwitchRow::Kind::Menu);
-    m_schedule->show(m_scheduleEnabled);
-    auto *quit = new RowButton(tr("Quit Ambertide"), {});
+    m_slider->setAccessibleName(tr("Color temperature"));
+    m_schedule->setChecked(m_scheduleEnabled);
+    auto *quit =
+        new Button(tr("Quit Ambertide"), {.kind = Button::Kind::Row, .paddingX = rowPaddingX, .paddingY = rowPaddingY});
 
-    auto *layout = stack(this, headerGap);
-    layout->setContentsMargins(0, 0, 0, bottomPadding);
-    layout->addWidget(header());
     auto *body = new QVBoxLayout;
     body->setSpacing(0);
     body->addLayout(padded(m_temperatureLabel, defaultPadding));
     body->addSpacing(bodySpacing);
-    body->addLayout(padded(block, defaultPadding));
+    body->addLayout(sliderBlock());
     body->addSpacing(bodySpacing - TemperatureSlider::shadowRoom);
-    body->addLayout(padded(new Divider, 0, dividerPadding));
+    body->addLayout(divider());
     body->addSpacing(bodySpacing);
     body->addLayout(padded(m_schedule, rowMargin));
     body->addSpacing(bodySpacing);
-    body->addLayout(padded(new Divider, 0, dividerPadding));
+    body->addLayout(divider());
     body->addSpacing(bodySpacing);
     body->addLayout(padded(quit, rowMargin));
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, bottomPadding);
+    layout->setSpacing(headerGap);
+    layout->addLayout(header());
     layout->addLayout(body);
 
-    connect(m_schedule, &SwitchRow::clicked, this, [this](bool isOn) { m_viewModel.setScheduleEnabled(isOn); });
-    connect(quit, &RowButton::clicked, this, &MenuBarView::quitRequested);
+    connect(m_slider, &TemperatureSlider::valueChosen, &m_viewModel, &AppViewModel::setTemperature);
+    connect(m_slider, &TemperatureSlider::editingChanged, this, &MenuBarView::handleEditing);
+    connect(m_schedule, &SwitchRow::clicked, &m_viewModel, &AppViewModel::setScheduleEnabled);
+    connect(quit, &Button::clicked, this, &MenuBarView::quitRequested);
     connect(&m_viewModel, &AppViewModel::changed, this, &MenuBarView::follow);
-    follow();
+    showTemperature();
     fitWidth();
 }
 
-QWidget *MenuBarView::header()
+QLayout *MenuBarView::header()
 {
-    auto *row = new QWidget;
-    auto *layout = new QHBoxLayout(row);
-    layout->setContentsMargins(headerPadding, headerPadding, headerPadding, 0);
-    layout->setSpacing(0);
-    layout->addSpacing(titlePadding);
-    layout->addWidget(new TextLabel(QStringLiteral("Ambertide"), TextStyle::Title3));
-    layout->addStretch();
-    auto *gear = new IconButton({.symbol = symbols::gearshape, .symbolSize = gearSize, .hoverInk = &Theme::text},
-                                tr("Settings"));
-    layout->addWidget(gear);
-    connect(gear, &IconButton::clicked, this, &MenuBarView::settingsRequested);
+    auto *gear = new Button(tr("Settings"), {.kind = Button::Kind::Icon,
+                                             .symbol = symbols::gearshape,
+                                             .symbolSize = gearSize,
+                                             .ink = &Theme::secondaryText,
+                                             .hoverInk = &Theme::text});
+    connect(gear, &Button::clicked, this, &MenuBarView::settingsRequested);
+    auto *row = new QHBoxLayout;
+    row->setContentsMargins(headerPadding, headerPadding, headerPadding, 0);
+    row->setSpacing(0);
+    row->addSpacing(titlePadding);
+    row->addWidget(new TextLabel(QStringLiteral("Ambertide"), TextStyle::Title3));
+    row->addStretch();
+    row->addWidget(gear);
     return row;
 }
 
-QWidget *MenuBarView::sliderBlock()
+QLayout *MenuBarView::sliderBlock()
 {
-    auto *block = new QWidget;
-    auto *layout = stack(block, defaultSpacing);
     const auto endLabel = [](double kelvin) {
         return new TextLabel(tr("%1K").arg(kelvin, 0, 'f', 0), TextStyle::Caption, &Theme::secondaryText);
     };
     auto *labels = new QHBoxLayout;
+    labels->setContentsMargins(defaultPadding, 0, defaultPadding, 0);
     labels->addWidget(endLabel(1000));
     labels->addStretch();
     labels->addWidget(endLabel(6500));
-    layout->addLayout(labels);
-    m_slider = new TemperatureSlider(m_temperature, {.minValue = AppViewModel::minTemperature,
-                                                     .maxValue = AppViewModel::maxTemperature,
-                                                     .step = AppViewModel::temperatureStep});
-    m_slider->setAccessibleName(tr("Color temperature"));
-    layout->addWidget(m_slider);
-    connect(m_slider, &TemperatureSlider::valueChosen, &m_viewModel, &AppViewModel::setTemperature);
-    connect(m_slider, &TemperatureSlider::editingChanged, this, &MenuBarView::handleEditing);
+    auto *block = new QVBoxLayout;
+    block->setSpacing(defaultSpacing - TemperatureSlider::shadowRoom);
+    block->addLayout(labels);
+    block->addLayout(padded(m_slider, defaultPadding - TemperatureSlider::shadowRoom));
     return block;
 }
 
@@ -166,18 +171,21 @@ void MenuBarView::handleEditing(bool isEditing)
 void MenuBarView::follow()
 {
     const double former = std::exchange(m_temperature, m_viewModel.temperature());
-    if (m_isDragging && hundreds(former) != hundreds(m_temperature))
-        m_haptics.performLevelChange();
-    m_temperatureLabel->setText(temperatureText(m_temperature));
-    m_slider->setValue(m_temperature);
-    QPalette tint;
-    tint.setColor(QPalette::Highlight, Color::fromTemperature(m_temperature));
-    m_slider->setPalette(tint);
-
+    if (former != m_temperature) {
+        if (m_isDragging && hundreds(former) != hundreds(m_temperature))
+            m_haptics.performLevelChange();
+        showTemperature();
+    }
     const bool isOn = m_viewModel.scheduleEnabled();
     if (std::exchange(m_scheduleEnabled, isOn) != isOn)
         m_haptics.performLevelChange();
-    m_schedule->show(isOn);
+    m_schedule->setChecked(isOn);
+}
+
+void MenuBarView::showTemperature()
+{
+    m_temperatureLabel->setText(temperatureText(m_temperature));
+    m_slider->follow(m_temperature);
 }
 
 // A focus proxy would catch every round of Tab.

@@ -33,10 +33,11 @@ protected:
 
 private:
     static QString getTemperatureDescription(double temperature);
-    QWidget *header();
-    QWidget *sliderBlock();
+    QLayout *header();
+    QLayout *sliderBlock();
     void handleEditing(bool isEditing);
     void follow();
+    void showTemperature();
     void fitWidth();
 
     AppViewModel &m_viewModel;

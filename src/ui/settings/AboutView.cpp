@@ -3,7 +3,7 @@
 #include "ports/MainBundle.h"
 #include "ui/controls/ApplicationIcon.h"
 #include "ui/controls/Button.h"
-#include "ui/controls/Symbol.h"
+#include "ui/controls/Drawing.h"
 #include "ui/controls/TextLabel.h"
 
 #include <QDesktopServices>
@@ -42,10 +42,12 @@ QUrl webPage(const MainBundle &bundle)
 AboutView::AboutView(const MainBundle &bundle) : m_checkForUpdates(new Button(tr("Check for Updates...")))
 {
     const QUrl page = webPage(bundle);
-    auto *link = new IconButton({.symbol = symbols::link, .ink = &Theme::accent, .hoverInk = &Theme::accentOnHover},
-                                tr("Web page"));
+    auto *link = new Button(tr("Web page"), {.kind = Button::Kind::Icon,
+                                             .symbol = symbols::link,
+                                             .ink = &Theme::accent,
+                                             .hoverInk = &Theme::accentOnHover});
     link->setEnabled(page.isValid());
-    connect(link, &IconButton::clicked, this, [page] { QDesktopServices::openUrl(page); });
+    connect(link, &Button::clicked, this, [page] { QDesktopServices::openUrl(page); });
     connect(m_checkForUpdates, &Button::clicked, this, &AboutView::checkForUpdatesPressed);
 
     auto *version = new TextLabel(appVersion(bundle), TextStyle::Body, &Theme::secondaryText);

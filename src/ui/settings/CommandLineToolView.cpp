@@ -1,9 +1,10 @@
 #include "ui/settings/CommandLineToolView.h"
 
 #include "ui/controls/Button.h"
-#include "ui/controls/Spinner.h"
+#include "ui/controls/ProgressBar.h"
 #include "ui/controls/TextLabel.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
@@ -16,7 +17,6 @@ constexpr int paddingY = 10;
 constexpr int lineGap = 2;
 constexpr int usageGap = 4;
 constexpr int buttonGap = 8;
-constexpr int spinnerPaddingX = 8;
 
 TextLabel *caption(const QString &text)
 {
@@ -28,7 +28,7 @@ TextLabel *caption(const QString &text)
 } // namespace
 
 CommandLineToolView::CommandLineToolView()
-    : m_button(new Button({})), m_spinner(new Spinner(tr("Waiting for the system"))), m_usage(new QWidget)
+    : m_button(new Button({})), m_progress(new ProgressBar(tr("Waiting for the system"))), m_usage(new QWidget)
 {
     auto *usage = new QVBoxLayout(m_usage);
     usage->setContentsMargins(paddingX, usageGap, paddingX, usageGap);
@@ -49,10 +49,14 @@ CommandLineToolView::CommandLineToolView()
     head->addSpacing(paddingX);
     head->addLayout(title, 1);
     head->addSpacing(buttonGap);
-    head->addWidget(m_button);
-    head->addWidget(m_spinner);
+    auto *place = new QGridLayout; // of the button, whether or not it is there
+    place->addWidget(m_button, 0, 0);
+    place->addWidget(m_progress, 0, 0, Qt::AlignVCenter);
+    head->addLayout(place);
     head->addSpacing(paddingX - Button::ringGap);
-    m_spinner->setFixedSize(m_spinner->sizeHint().width() + 2 * spinnerPaddingX, m_button->sizeHint().height());
+    auto keepsPlace = m_button->sizePolicy();
+    keepsPlace.setRetainSizeWhenHidden(true);
+    m_button->setSizePolicy(keepsPlace);
 
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, paddingY, 0, paddingY);
@@ -73,7 +77,7 @@ void CommandLineToolView::setInstalled(bool isInstalled)
 void CommandLineToolView::setProcessing(bool isProcessing)
 {
     m_button->setHidden(isProcessing);
-    m_spinner->setVisible(isProcessing);
+    m_progress->setVisible(isProcessing);
 }
 
 } // namespace ambertide

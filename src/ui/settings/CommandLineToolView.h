@@ -5,7 +5,7 @@
 namespace ambertide {
 
 class Button;
-class Spinner;
+class ProgressBar;
 
 /// The command-line tool: what it is, how it is used once it is there, and the button that installs or removes it.
 class CommandLineToolView final : public QWidget
@@ -16,7 +16,7 @@ public:
     CommandLineToolView();
 
     void setInstalled(bool isInstalled);
-    /// While it is, a spinner stands in for the button.
+    /// While it is, a busy bar stands in for the button.
     void setProcessing(bool isProcessing);
 
 Q_SIGNALS:
@@ -24,7 +24,7 @@ Q_SIGNALS:
 
 private:
     Button *m_button = nullptr;
-    Spinner *m_spinner = nullptr;
+    ProgressBar *m_progress = nullptr;
     QWidget *m_usage = nullptr;
 };
 

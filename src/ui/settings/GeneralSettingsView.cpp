@@ -56,24 +56,24 @@ GeneralSettingsView::GeneralSettingsView(SettingsViewModel &viewModel, const Por
     column->addWidget(tool);
     column->addStretch();
 
+    m_commandLineTool->setInstalled(m_cliInstalled);
+    refresh();
     connect(m_about, &AboutView::checkForUpdatesPressed, this, [this] { m_sparkleUpdater.checkForUpdates(); });
     connect(m_launchAtLogin, &SwitchRow::toggled, this, [this, &helper = ports.launchHelper](bool isOn) {
         m_viewModel.setLaunchAtLogin(isOn);
         helper.setLaunchAtLogin(isOn);
     });
-    connect(m_automaticallyCheckForUpdates, &SwitchRow::toggled, this,
+    connect(m_automaticallyCheckForUpdates, &SwitchRow::clicked, this,
             [this](bool isOn) { m_sparkleUpdater.setAutomaticallyChecksForUpdates(isOn); });
     connect(m_commandLineTool, &CommandLineToolView::pressed, this, &GeneralSettingsView::installOrUninstall);
     connect(&m_viewModel, &SettingsViewModel::changed, this, &GeneralSettingsView::refresh);
-    m_commandLineTool->setInstalled(m_cliInstalled);
-    refresh();
 }
 
 void GeneralSettingsView::refresh()
 {
     m_about->setCanCheckForUpdates(m_sparkleUpdater.canCheckForUpdates());
-    m_launchAtLogin->show(m_viewModel.launchAtLogin());
-    m_automaticallyCheckForUpdates->show(m_sparkleUpdater.automaticallyChecksForUpdates());
+    m_launchAtLogin->setChecked(m_viewModel.launchAtLogin());
+    m_automaticallyCheckForUpdates->setChecked(m_sparkleUpdater.automaticallyChecksForUpdates());
 }
 
 void GeneralSettingsView::installOrUninstall()

@@ -3,10 +3,10 @@
 #include "ui/controls/Button.h"
 #include "ui/controls/SwitchRow.h"
 #include "ui/controls/TimeField.h"
-#include "ui/controls/ValueSlider.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QSlider>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -21,6 +21,7 @@ constexpr int padding = 16;
 constexpr int gap = 20;
 constexpr int smallGap = 8;
 constexpr int widestTemperature = 240;
+constexpr int pageSteps = 5;
 constexpr int buttonGap = 8; // 12 between what is drawn of them
 
 QHBoxLayout *row(QWidget *first, QWidget *second)
@@ -43,13 +44,15 @@ QTime timeOfDay(const Calendar &calendar, Date date)
 ScheduleEntryEditor::ScheduleEntryEditor(const ScheduleEntry &entry, const TemperatureRange &range,
                                          const Calendar &calendar)
     : m_editedEntry(entry), m_calendar(calendar), m_time(new TimeField(tr("Time"))),
-      m_temperatureText(new TextLabel({})),
-      m_temperature(new ValueSlider(qRound(range.min), qRound(range.max), qRound(range.step))),
+      m_temperatureText(new TextLabel({})), m_temperature(new QSlider(Qt::Horizontal)),
       m_isEnabled(new SwitchRow(tr("Enabled"), SwitchRow::Kind::Inline)),
       m_save(new Button(tr("Save"), Button::Kind::Prominent))
 {
     m_time->setTime(timeOfDay(calendar, entry.time));
     m_temperature->setAccessibleName(tr("Temperature"));
+    m_temperature->setRange(qRound(range.min), qRound(range.max));
+    m_temperature->setSingleStep(qRound(range.step));
+    m_temperature->setPageStep(pageSteps * m_temperature->singleStep());
     m_temperature->setValue(qRound(std::clamp(entry.temperature, range.min, range.max)));
     m_isEnabled->setChecked(entry.isEnabled);
     showTemperature();
@@ -88,10 +91,7 @@ ScheduleEntryEditor::ScheduleEntryEditor(const ScheduleEntry &entry, const Tempe
         const auto date = m_calendar.date({.hour = chosen.hour(), .minute = chosen.minute()});
         m_editedEntry.time = date.value_or(m_editedEntry.time);
     });
-    connect(m_temperature, &ValueSlider::steppedValueChanged, this, [this](int kelvin) {
-        m_editedEntry.temperature = kelvin;
-        showTemperature();
-    });
+    connect(m_temperature, &QSlider::valueChanged, this, &ScheduleEntryEditor::setTemperature);
     connect(m_isEnabled, &SwitchRow::toggled, this, [this](bool isOn) { m_editedEntry.isEnabled = isOn; });
     connect(cancel, &Button::clicked, this, &ScheduleEntryEditor::cancelled);
     connect(m_save, &Button::clicked, this, &ScheduleEntryEditor::save);
@@ -112,6 +112,16 @@ void ScheduleEntryEditor::save()
         if (!std::exchange(m_isSaved, true))
             Q_EMIT saved(m_editedEntry);
     });
+}
+
+void ScheduleEntryEditor::setTemperature(int kelvin)
+{
+    const int step = m_temperature->singleStep();
+    const int stepped = qRound(static_cast<double>(kelvin) / step) * step;
+    if (stepped != kelvin)
+        return m_temperature->setValue(stepped);
+    m_editedEntry.temperature = kelvin;
+    showTemperature();
 }
 
 void ScheduleEntryEditor::showTemperature()

@@ -4,13 +4,14 @@
 
 #include <QWidget>
 
+class QSlider;
+
 namespace ambertide {
 
 class Button;
 class SwitchRow;
 class TextLabel;
 class TimeField;
-class ValueSlider;
 
 /// Changes a copy of one entry. Nothing comes of it but saved().
 class ScheduleEntryEditor final : public QWidget
@@ -38,6 +39,7 @@ protected:
 
 private:
     void save();
+    void setTemperature(int kelvin);
     void showTemperature();
 
     ScheduleEntry m_editedEntry;
@@ -45,7 +47,7 @@ private:
     const Calendar &m_calendar;
     TimeField *m_time = nullptr;
     TextLabel *m_temperatureText = nullptr;
-    ValueSlider *m_temperature = nullptr;
+    QSlider *m_temperature = nullptr;
     SwitchRow *m_isEnabled = nullptr;
     Button *m_save = nullptr;
 };

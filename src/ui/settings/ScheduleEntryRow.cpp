@@ -1,13 +1,9 @@
 #include "ui/settings/ScheduleEntryRow.h"
 
-#include "ui/controls/Button.h"
 #include "ui/controls/Drawing.h"
-#include "ui/controls/Symbol.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QPainter>
-#include <QStyle>
 #include <QVBoxLayout>
 
 namespace ambertide {
@@ -22,7 +18,15 @@ constexpr int statusWidth = 20;
 constexpr int symbolSize = 16;
 constexpr int buttonPadding = 6; // around each symbol, so that two stand 12 apart
 constexpr int disabledPadding = 8;
-constexpr int highlightInset = 4;
+
+Button *iconButton(const QString &name, QLatin1String symbol, TextLabel::Ink ink)
+{
+    return new Button(name, {.kind = Button::Kind::Icon,
+                             .symbol = symbol,
+                             .paddingX = buttonPadding,
+                             .paddingY = buttonPadding,
+                             .ink = ink});
+}
 
 TextLabel *label(TextStyle style, TextLabel::Ink ink = &Theme::secondaryText)
 {
@@ -34,15 +38,15 @@ TextLabel *label(TextStyle style, TextLabel::Ink ink = &Theme::secondaryText)
 } // namespace
 
 ScheduleEntryRow::ScheduleEntryRow()
-    : m_time(label(TextStyle::Headline, &Theme::text)), m_temperature(label(TextStyle::Subheadline)),
-      m_disabled(label(TextStyle::Caption)),
-      m_edit(new IconButton({.symbol = symbols::pencil, .padding = buttonPadding, .ink = &Theme::accentOnHover},
-                            tr("Edit"))),
-      m_delete(new IconButton({.symbol = symbols::trash, .padding = buttonPadding, .ink = &Theme::red}, tr("Delete")))
+    : Button({}, {.kind = Kind::Row,
+                  .symbolSize = symbolSize,
+                  .largestSymbol = statusWidth,
+                  .paddingX = paddingX + (statusWidth - symbolSize) / 2,
+                  .highlightInset = 4}),
+      m_time(label(TextStyle::Headline, &Theme::text)), m_temperature(label(TextStyle::Subheadline)),
+      m_disabled(label(TextStyle::Caption)), m_edit(iconButton(tr("Edit"), symbols::pencil, &Theme::accentOnHover)),
+      m_delete(iconButton(tr("Delete"), symbols::trash, &Theme::red))
 {
-    setAutoDefault(true);
-    setAttribute(Qt::WA_Hover);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     // A temperature that somebody else has stored may have any number of digits.
     m_temperature->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_disabled->setText(tr("Disabled"));
@@ -62,9 +66,9 @@ ScheduleEntryRow::ScheduleEntryRow()
     line->addWidget(m_delete);
     line->addSpacing(paddingX - buttonPadding);
 
-    connect(this, &QPushButton::clicked, this, &ScheduleEntryRow::editRequested);
-    connect(m_edit, &IconButton::clicked, this, &ScheduleEntryRow::editRequested);
-    connect(m_delete, &IconButton::clicked, this, &ScheduleEntryRow::deleteRequested);
+    connect(this, &Button::clicked, this, &ScheduleEntryRow::editRequested);
+    connect(m_edit, &Button::clicked, this, &ScheduleEntryRow::editRequested);
+    connect(m_delete, &Button::clicked, this, &ScheduleEntryRow::deleteRequested);
 }
 
 void ScheduleEntryRow::setEntry(const ScheduleEntry &entry, const QString &time, bool isActive)
@@ -85,7 +89,8 @@ void ScheduleEntryRow::setEntry(const ScheduleEntry &entry, const QString &time,
     if (isActive)
         name.append(tr("active"));
     setAccessibleName(name.join(QLatin1String(", ")));
-    update();
+    setSymbol(isActive ? symbols::checkmarkCircleFill : symbols::clock,
+              isActive ? &Theme::green : &Theme::accentOnHover);
 }
 
 QWidget *ScheduleEntryRow::lastInTabOrder() const { return m_delete; }
@@ -104,24 +109,8 @@ void ScheduleEntryRow::keyPressEvent(QKeyEvent *event)
         event->ignore(); // for the list
         break;
     default:
-        QPushButton::keyPressEvent(event);
+        Button::keyPressEvent(event);
     }
-}
-
-void ScheduleEntryRow::paintEvent(QPaintEvent *)
-{
-    const auto theme = Theme::of(palette());
-    QPainter painter(this);
-    const QRectF highlight = QRectF(rect()).adjusted(highlightInset, highlightInset, -highlightInset, -highlightInset);
-    if (underMouse())
-        fillRounded(painter, highlight, controlRadius, theme.hover);
-    const int size = qMin(statusWidth, qRound(symbolSize * textScale()));
-    const QRect status(paddingX + (statusWidth - size) / 2, (height() - size) / 2, size, size);
-    drawSymbol(painter, style()->visualRect(layoutDirection(), rect(), status),
-               m_isActive ? symbols::checkmarkCircleFill : symbols::clock,
-               m_isActive ? theme.green : theme.accentOnHover, theme.card);
-    if (showsFocusRing(*this))
-        drawFocusRing(painter, highlight, controlRadius, theme.accent);
 }
 
 } // namespace ambertide

@@ -1,17 +1,13 @@
 #pragma once
 
 #include "model/ScheduleEntry.h"
-
-#include <QPushButton>
+#include "ui/controls/Button.h"
 
 namespace ambertide {
 
-class IconButton;
-class TextLabel;
-
 /// One entry of the schedule. Pressing the row edits the entry, by mouse, Return or Space; Delete and Backspace delete
 /// it; and there is a button for either.
-class ScheduleEntryRow final : public QPushButton
+class ScheduleEntryRow final : public Button
 {
     Q_OBJECT
 
@@ -25,7 +21,6 @@ public:
     QWidget *lastInTabOrder() const;
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
 
 Q_SIGNALS:
     void editRequested();
@@ -33,7 +28,6 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     ScheduleEntry m_entry;
@@ -41,8 +35,8 @@ private:
     TextLabel *m_time = nullptr;
     TextLabel *m_temperature = nullptr;
     TextLabel *m_disabled = nullptr;
-    IconButton *m_edit = nullptr;
-    IconButton *m_delete = nullptr;
+    Button *m_edit = nullptr;
+    Button *m_delete = nullptr;
 };
 
 } // namespace ambertide

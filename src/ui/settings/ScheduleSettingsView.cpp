@@ -2,9 +2,9 @@
 
 #include "ui/controls/Button.h"
 #include "ui/controls/Card.h"
+#include "ui/controls/Drawing.h"
 #include "ui/controls/Sheet.h"
 #include "ui/controls/SwitchRow.h"
-#include "ui/controls/Symbol.h"
 #include "ui/settings/ScheduleEntryEditor.h"
 #include "ui/settings/ScheduleEntryRow.h"
 
@@ -32,6 +32,7 @@ constexpr int gapAboveHeader = 10;
 constexpr int rowPaddingX = 14;
 constexpr int rowPaddingY = 10;
 constexpr int highlightInset = 4;
+constexpr int plusSize = 14;
 constexpr double temperatureOfNewEntry = 3800; // K
 constexpr QSize editorSize(400, 300);
 constexpr std::size_t rowBatch = 50;
@@ -49,12 +50,14 @@ ScheduleSettingsView::ScheduleSettingsView(SettingsViewModel &viewModel, const C
       m_scheduleEnabled(new SwitchRow(tr("Enable Schedule"), SwitchRow::Kind::Form)), m_list(new Card),
       m_emptyText(
           new TextLabel(tr("No schedule entries. Add one to get started."), TextStyle::Body, &Theme::secondaryText)),
-      m_add(new RowButton(tr("Add Schedule Entry"), {.horizontalPadding = rowPaddingX,
-                                                     .verticalPadding = rowPaddingY,
-                                                     .highlightInset = highlightInset,
-                                                     .symbol = symbols::plus,
-                                                     .ink = &Theme::accent,
-                                                     .hoverInk = &Theme::accentOnHover}))
+      m_add(new Button(tr("Add Schedule Entry"), {.kind = Button::Kind::Row,
+                                                  .symbol = symbols::plus,
+                                                  .symbolSize = plusSize,
+                                                  .paddingX = rowPaddingX,
+                                                  .paddingY = rowPaddingY,
+                                                  .highlightInset = highlightInset,
+                                                  .ink = &Theme::accent,
+                                                  .hoverInk = &Theme::accentOnHover}))
 {
     m_emptyText->setWordWrap(true);
     m_emptyText->setContentsMargins(rowPaddingX, rowPaddingY, rowPaddingX, rowPaddingY);
@@ -74,10 +77,10 @@ ScheduleSettingsView::ScheduleSettingsView(SettingsViewModel &viewModel, const C
 
     m_timer.setInterval(60s);
     connect(&m_timer, &QTimer::timeout, this, &ScheduleSettingsView::setCurrentTime);
+    m_scheduleEnabled->setChecked(m_viewModel.scheduleEnabled());
     connect(m_scheduleEnabled, &SwitchRow::toggled, &m_viewModel, &SettingsViewModel::updateScheduleEnabled);
-    connect(m_add, &RowButton::clicked, this, &ScheduleSettingsView::add);
+    connect(m_add, &Button::clicked, this, &ScheduleSettingsView::add);
     connect(&m_viewModel, &SettingsViewModel::changed, this, &ScheduleSettingsView::refresh);
-    m_scheduleEnabled->show(m_viewModel.scheduleEnabled());
     m_entries = m_viewModel.scheduleEntries();
     showEntries();
 }
@@ -98,7 +101,7 @@ void ScheduleSettingsView::setCurrentTime()
 
 void ScheduleSettingsView::refresh()
 {
-    m_scheduleEnabled->show(m_viewModel.scheduleEnabled());
+    m_scheduleEnabled->setChecked(m_viewModel.scheduleEnabled());
     if (m_entries == m_viewModel.scheduleEntries())
         return;
     m_entries = m_viewModel.scheduleEntries();

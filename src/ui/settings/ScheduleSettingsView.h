@@ -10,8 +10,8 @@
 
 namespace ambertide {
 
+class Button;
 class Card;
-class RowButton;
 class ScheduleEntryRow;
 class Sheet;
 class SwitchRow;
@@ -61,7 +61,7 @@ private:
     SwitchRow *m_scheduleEnabled = nullptr;
     Card *m_list = nullptr;
     TextLabel *m_emptyText = nullptr;
-    RowButton *m_add = nullptr;
+    Button *m_add = nullptr;
 };
 
 } // namespace ambertide

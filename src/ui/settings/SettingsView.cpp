@@ -1,10 +1,8 @@
 #include "ui/settings/SettingsView.h"
 
-#include "ui/controls/AccessibleRole.h"
-#include "ui/controls/IconTabBar.h"
+#include "ui/controls/Drawing.h"
 #include "ui/controls/Page.h"
 #include "ui/controls/Sheet.h"
-#include "ui/controls/Symbol.h"
 #include "ui/settings/GeneralSettingsView.h"
 #include "ui/settings/ScheduleSettingsView.h"
 
@@ -13,6 +11,7 @@
 #include <QShortcut>
 #include <QShowEvent>
 #include <QStackedWidget>
+#include <QTabBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -33,13 +32,17 @@ SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
       m_general(new GeneralSettingsView(m_settingsViewModel,
                                         {ports.installer, ports.launchHelper, ports.mainBundle,
                                          ports.createUpdaterController, ports.userDefaults, ports.installerExecutor})),
-      m_tabs(new IconTabBar), m_pages(new QStackedWidget)
+      m_tabs(new QTabBar), m_pages(new QStackedWidget)
 {
     setObjectName(QStringLiteral("Settings"));
-    setAccessibleRole(*this, QAccessible::Window);
     setWindowTitle(tr("Ambertide Settings"));
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_QuitOnClose, false);
+    m_tabs->setDrawBase(false);
+    m_tabs->setExpanding(false);
+    m_tabs->setUsesScrollButtons(false);
+    m_tabs->setElideMode(Qt::ElideNone);
+    m_tabs->setAttribute(Qt::WA_Hover);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, gapAboveTabs, 0, 0);
     column->setSpacing(gapBelowTabs);
@@ -48,7 +51,7 @@ SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
 
     addTab(symbols::gearshape, tr("General"), m_general);
     addTab(symbols::clock, tr("Schedule"), new ScheduleSettingsView(m_settingsViewModel, ports.calendar));
-    connect(m_tabs, &IconTabBar::currentChanged, &m_settingsViewModel, &SettingsViewModel::setSelectedTab);
+    connect(m_tabs, &QTabBar::currentChanged, &m_settingsViewModel, &SettingsViewModel::setSelectedTab);
     connect(&m_settingsViewModel, &SettingsViewModel::changed, this, &SettingsView::showSelectedTab);
 
     connect(m_general, &GeneralSettingsView::processingEnded, this, [this] {
@@ -71,7 +74,7 @@ void SettingsView::addTab(QLatin1String symbol, const QString &title, QWidget *c
     auto *page = new Page(content);
     connect(page, &Page::idealHeightChanged, this, &SettingsView::fit);
     m_pages->addWidget(page);
-    m_tabs->addTab(symbol, title);
+    m_tabs->setTabData(m_tabs->addTab(title), QVariant::fromValue(symbol)); // the style draws it
 }
 
 void SettingsView::showSelectedTab()

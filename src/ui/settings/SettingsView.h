@@ -9,12 +9,12 @@
 #include <vector>
 
 class QStackedWidget;
+class QTabBar;
 
 namespace ambertide {
 
 class CLIInstaller;
 class GeneralSettingsView;
-class IconTabBar;
 class LaunchHelper;
 class MainBundle;
 class Page;
@@ -64,7 +64,7 @@ private:
 
     SettingsViewModel m_settingsViewModel;
     GeneralSettingsView *m_general = nullptr;
-    IconTabBar *m_tabs = nullptr;
+    QTabBar *m_tabs = nullptr;
     QStackedWidget *m_pages = nullptr;
 };
 

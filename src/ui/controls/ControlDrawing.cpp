@@ -1,0 +1,331 @@
+#include "ui/controls/ControlDrawing.h"
+
+#include "ui/controls/Drawing.h"
+
+#include <QEasingCurve>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPainterPath>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace ambertide {
+
+namespace {
+
+// Logical pixels.
+constexpr int buttonPaddingX = 12;
+constexpr int buttonPaddingY = 5;
+constexpr int rowSymbolGap = 6;
+constexpr int switchWidth = 32;
+constexpr int switchHeight = 18;
+constexpr int switchThumbInset = 2;
+constexpr int switchGap = 8;
+constexpr int tabSymbol = 20;
+constexpr int tabSymbolGap = 3;
+constexpr int tabPaddingX = 14;
+constexpr int tabPaddingY = 6;
+constexpr int tabGap = 4;
+constexpr double tabRadius = 8;
+constexpr double sliderTrack = 4;
+constexpr int shortestScrollThumb = 32;
+constexpr double scrollThumbInset = 2;
+constexpr int fieldPaddingX = 8;
+constexpr int fieldPaddingY = 3;
+
+constexpr double disabledOpacity = 0.45;
+constexpr double hoveredRowOpacity = 0.9;
+constexpr double restingScrollOpacity = 0.35;
+constexpr double touchedScrollOpacity = 0.6;
+
+bool isHovered(const QStyleOption &option)
+{
+    return option.state.testFlag(QStyle::State_MouseOver) && option.state.testFlag(QStyle::State_Enabled);
+}
+
+bool isFocusShown(const QStyleOption &option)
+{
+    return option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_KeyboardFocusChange);
+}
+
+bool isMirrored(const QStyleOption &option) { return option.direction == Qt::RightToLeft; }
+
+void drawLine(QPainter &painter, const QStyleOption &option, const QRect &line, const QString &text)
+{
+    const auto alignment = QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter);
+    painter.drawText(QStyle::visualRect(option.direction, option.rect, line), static_cast<int>(alignment), text);
+}
+
+bool isFramed(const Button::Look &look)
+{
+    return look.kind == Button::Kind::Bordered || look.kind == Button::Kind::Prominent;
+}
+
+int symbolSize(const Button::Look &look)
+{
+    return look.symbol.isEmpty() ? 0 : std::min(look.largestSymbol, qRound(look.symbolSize * textScale()));
+}
+
+void drawFramedButton(QPainter &painter, const QStyleOptionButton &option, const Theme &theme, bool isProminent)
+{
+    constexpr int gap = Button::ringGap;
+    const QRectF shape = QRectF(option.rect).adjusted(gap, gap, -gap, -gap);
+    fillRounded(painter, shape, controlRadius, isProminent ? theme.accent : theme.button);
+    if (!isProminent || theme.isHighContrast)
+        strokeRounded(painter, shape, controlRadius, theme.buttonOutline);
+    if (option.state.testFlag(QStyle::State_Sunken))
+        fillRounded(painter, shape, controlRadius, QColor(0, 0, 0, 40));
+    else if (isHovered(option))
+        fillRounded(painter, shape, controlRadius, isProminent ? QColor(0, 0, 0, 20) : theme.hover);
+    painter.setPen(isProminent ? theme.onAccent : theme.text);
+    painter.drawText(option.rect, Qt::AlignCenter | Qt::TextShowMnemonic, option.text);
+    if (isFocusShown(option))
+        drawFocusRing(painter, option.rect, controlRadius + gap, isProminent ? theme.text : theme.accent);
+}
+
+void drawPlainButton(QPainter &painter, const QStyleOptionButton &option, const Theme &theme, const Button::Look &look)
+{
+    const int inset = look.highlightInset;
+    const QRect highlight = option.rect.adjusted(inset, inset, -inset, -inset);
+    const bool isHighlighted = isHovered(option);
+    if (isHighlighted)
+        fillRounded(painter, highlight, controlRadius, theme.hover);
+    if (isHighlighted && !option.text.isEmpty())
+        painter.setOpacity(hoveredRowOpacity);
+    const QColor ink = theme.*(isHighlighted ? look.hoverInk.value_or(look.ink) : look.ink);
+    QRect line = option.rect.adjusted(look.paddingX, 0, -look.paddingX, 0);
+    if (const int size = symbolSize(look); size > 0) {
+        const QRect square(line.left(), (option.rect.height() - size) / 2, size, size);
+        drawSymbol(painter, QStyle::visualRect(option.direction, option.rect, square), look.symbol, ink, theme.card);
+        line.setLeft(line.left() + size + rowSymbolGap);
+    }
+    painter.setPen(ink);
+    drawLine(painter, option, line, option.text);
+    if (isFocusShown(option))
+        drawFocusRing(painter, highlight, controlRadius, theme.accent);
+}
+
+QMargins padding(SwitchRow::Kind kind)
+{
+    switch (kind) {
+    case SwitchRow::Kind::Menu:
+        return {8, 6, 8, 6};
+    case SwitchRow::Kind::Form:
+        return {14, 10, 14, 10};
+    case SwitchRow::Kind::Inline:
+        break;
+    }
+    return {4, 4, 4, 4};
+}
+
+int chevronRoom() { return qRound(fieldChevron * textScale()) + 10; }
+
+} // namespace
+
+QSize buttonSize(const QStyleOptionButton &option, const Button::Look &look)
+{
+    const int text = option.fontMetrics.horizontalAdvance(option.text);
+    const int line = option.fontMetrics.height();
+    if (isFramed(look))
+        return {text + 2 * (buttonPaddingX + Button::ringGap), line + 2 * (buttonPaddingY + Button::ringGap)};
+    const int symbol = symbolSize(look);
+    const bool isIcon = look.kind == Button::Kind::Icon;
+    const QSize content = isIcon ? QSize(symbol, symbol) : QSize(text + (symbol > 0 ? symbol + rowSymbolGap : 0), line);
+    return content + QSize(2 * look.paddingX, 2 * look.paddingY);
+}
+
+void drawButton(QPainter &painter, const QStyleOptionButton &option, const Button::Look &look)
+{
+    const auto theme = Theme::of(option.palette);
+    painter.setOpacity(option.state.testFlag(QStyle::State_Enabled) ? 1 : disabledOpacity);
+    if (isFramed(look))
+        drawFramedButton(painter, option, theme, look.kind == Button::Kind::Prominent);
+    else
+        drawPlainButton(painter, option, theme, look);
+}
+
+QSize switchSize(const QStyleOptionButton &option, SwitchRow::Kind kind)
+{
+    const auto margins = padding(kind);
+    return {option.fontMetrics.horizontalAdvance(option.text) + switchGap + switchWidth + margins.left() +
+                margins.right(),
+            qMax(option.fontMetrics.height(), switchHeight) + margins.top() + margins.bottom()};
+}
+
+void drawSwitch(QPainter &painter, const QStyleOptionButton &option, const SwitchRow &row)
+{
+    const auto theme = Theme::of(option.palette);
+    const bool isHighlighted = row.kind() == SwitchRow::Kind::Menu && isHovered(option);
+    const double opacity = !option.state.testFlag(QStyle::State_Enabled) ? disabledOpacity
+                           : isHighlighted                               ? hoveredRowOpacity
+                                                                         : 1;
+    painter.setOpacity(opacity);
+    if (isHighlighted)
+        fillRounded(painter, option.rect, controlRadius, theme.hover);
+
+    const QRect line = option.rect.marginsRemoved(padding(row.kind()));
+    const QRect place(line.right() + 1 - switchWidth, line.center().y() + 1 - switchHeight / 2, switchWidth,
+                      switchHeight);
+    const QRectF body = QStyle::visualRect(option.direction, line, place);
+    const double position = row.thumbPosition();
+    fillRounded(painter, body, switchHeight / 2.0, theme.track);
+    painter.setOpacity(opacity * position);
+    fillRounded(painter, body, switchHeight / 2.0, isHighlighted ? theme.accentOnHover : theme.accent);
+    painter.setOpacity(opacity);
+    if (theme.isHighContrast)
+        strokeRounded(painter, body, switchHeight / 2.0, theme.text);
+    const double size = switchHeight - 2.0 * switchThumbInset;
+    const double travelled = (switchWidth - switchHeight) * (isMirrored(option) ? 1 - position : position);
+    drawThumb(painter, {body.left() + switchThumbInset + travelled, body.top() + switchThumbInset, size, size},
+              theme.isHighContrast);
+
+    painter.setPen(theme.text);
+    drawLine(painter, option, line.adjusted(0, 0, -switchWidth - switchGap, 0), option.text);
+    if (isFocusShown(option))
+        drawFocusRing(painter, row.kind() == SwitchRow::Kind::Form ? option.rect.adjusted(4, 3, -4, -3) : option.rect,
+                      controlRadius, theme.accent);
+}
+
+QSize tabSize(const QStyleOptionTab &option)
+{
+    return {qMax(option.fontMetrics.horizontalAdvance(option.text), tabSymbol) + 2 * tabPaddingX + tabGap,
+            tabSymbol + tabSymbolGap + option.fontMetrics.height() + 2 * tabPaddingY};
+}
+
+void drawTab(QPainter &painter, const QStyleOptionTab &option, QLatin1String symbol)
+{
+    const auto theme = Theme::of(option.palette);
+    const QRect shape = option.rect.adjusted(tabGap / 2, 0, -tabGap / 2, 0);
+    const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
+    if (isCurrent || isHovered(option))
+        fillRounded(painter, shape, tabRadius, theme.hover);
+    const QColor ink = isCurrent ? theme.accentOnHover : isHovered(option) ? theme.text : theme.secondaryText;
+    const QRect square(shape.center().x() + 1 - tabSymbol / 2, shape.top() + tabPaddingY, tabSymbol, tabSymbol);
+    drawSymbol(painter, square, symbol, ink);
+    painter.setPen(ink);
+    painter.drawText(shape.adjusted(0, tabPaddingY + tabSymbol + tabSymbolGap, 0, -tabPaddingY), Qt::AlignCenter,
+                     option.text);
+    if (isCurrent && theme.isHighContrast)
+        strokeRounded(painter, shape, tabRadius, theme.text);
+    if (isFocusShown(option))
+        drawFocusRing(painter, shape, tabRadius, theme.accent);
+}
+
+QRect sliderGroove(const QStyleOptionSlider &option)
+{
+    return option.rect.adjusted(sliderRingGap, 0, -sliderRingGap, 0);
+}
+
+QRect sliderHandle(const QStyleOptionSlider &option)
+{
+    const QRect groove = sliderGroove(option);
+    const int travelled = QStyle::sliderPositionFromValue(option.minimum, option.maximum, option.sliderPosition,
+                                                          groove.width() - sliderThumb, option.upsideDown);
+    return {groove.left() + travelled, (option.rect.height() - sliderThumb) / 2, sliderThumb, sliderThumb};
+}
+
+void drawSlider(QPainter &painter, const QStyleOptionSlider &option)
+{
+    const auto theme = Theme::of(option.palette);
+    const QRectF disc = sliderHandle(option);
+    const QRectF track(0, (option.rect.height() - sliderTrack) / 2, option.rect.width(), sliderTrack);
+    QRectF reached = track;
+    if (isMirrored(option))
+        reached.setLeft(disc.center().x());
+    else
+        reached.setRight(disc.center().x());
+    fillRounded(painter, track, sliderTrack / 2, theme.track);
+    fillRounded(painter, reached, sliderTrack / 2, theme.accent);
+    drawThumb(painter, disc, theme.isHighContrast);
+    if (isFocusShown(option)) {
+        constexpr int gap = sliderRingGap;
+        drawFocusRing(painter, disc.adjusted(-gap, -gap, gap, gap), disc.width(), theme.accent);
+    }
+}
+
+QRect scrollThumb(const QStyleOptionSlider &option)
+{
+    const QRect groove = option.rect;
+    const bool isHorizontal = option.orientation == Qt::Horizontal;
+    const int room = isHorizontal ? groove.width() : groove.height();
+    const qint64 range = qint64(option.maximum) - option.minimum;
+    const auto share = room * qint64(option.pageStep) / qMax(qint64(1), range + option.pageStep);
+    const int length = range == 0 ? room : qMin(room, qMax(shortestScrollThumb, static_cast<int>(share)));
+    const int start = QStyle::sliderPositionFromValue(option.minimum, option.maximum, option.sliderPosition,
+                                                      room - length, option.upsideDown);
+    return isHorizontal ? QRect(groove.x() + start, groove.y(), length, groove.height())
+                        : QRect(groove.x(), groove.y() + start, groove.width(), length);
+}
+
+void drawScrollBar(QPainter &painter, const QStyleOptionSlider &option)
+{
+    const auto theme = Theme::of(option.palette);
+    const QRectF thumb =
+        QRectF(scrollThumb(option)).adjusted(scrollThumbInset, scrollThumbInset, -scrollThumbInset, -scrollThumbInset);
+    const bool isTouched = isHovered(option) || option.state.testFlag(QStyle::State_Sunken);
+    QColor ink = theme.text;
+    ink.setAlphaF(static_cast<float>(theme.isHighContrast ? 1
+                                     : isTouched          ? touchedScrollOpacity
+                                                          : restingScrollOpacity));
+    painter.fillRect(option.rect, theme.window);
+    fillRounded(painter, thumb, qMin(thumb.width(), thumb.height()) / 2, ink);
+}
+
+bool isBusy(const QStyleOptionProgressBar &option) { return option.minimum == option.maximum; }
+
+void drawProgressBar(QPainter &painter, const QStyleOptionProgressBar &option, std::optional<double> sweep)
+{
+    constexpr double sweepLength = 0.3; // of the bar
+    const auto theme = Theme::of(option.palette);
+    const double width = option.rect.width();
+    const double height = option.rect.height();
+    const double radius = height / 2;
+    fillRounded(painter, option.rect, radius, theme.track);
+    painter.save();
+    QPainterPath outline;
+    outline.addRoundedRect(option.rect, radius, radius);
+    painter.setClipPath(outline);
+    if (isMirrored(option)) {
+        painter.translate(width, 0);
+        painter.scale(-1, 1);
+    }
+    const auto fill = [&](double start, double length) {
+        fillRounded(painter, {start, 0, length, height}, radius, theme.accent);
+    };
+    if (!isBusy(option)) {
+        const double reached = std::max(option.progress, option.minimum) - option.minimum;
+        fill(0, reached / (option.maximum - option.minimum) * width);
+    } else if (sweep) {
+        const double length = sweepLength * width;
+        fill(QEasingCurve(QEasingCurve::InOutSine).valueForProgress(*sweep) * (width + length) - length, length);
+    } else {
+        for (double start = height; start < width; start += 4 * height)
+            fill(start, 2 * height);
+    }
+    painter.restore();
+    if (theme.isHighContrast)
+        strokeRounded(painter, option.rect, radius, theme.hairline);
+}
+
+QSize timeFieldSize(const QSize &text)
+{
+    return {text.width() + fieldPaddingX + chevronRoom(), text.height() + 2 * fieldPaddingY};
+}
+
+QRect timeFieldText(const QRect &field)
+{
+    return QStyle::visualRect(QGuiApplication::layoutDirection(), field,
+                              field.adjusted(fieldPaddingX, fieldPaddingY, -chevronRoom(), -fieldPaddingY));
+}
+
+void drawTimeField(QPainter &painter, const QStyleOption &option)
+{
+    const auto theme = Theme::of(option.palette);
+    fillRounded(painter, option.rect, controlRadius, theme.button);
+    strokeRounded(painter, option.rect, controlRadius, theme.buttonOutline);
+    if (option.state.testFlag(QStyle::State_HasFocus))
+        drawFocusRing(painter, option.rect, controlRadius, theme.accent);
+}
+
+} // namespace ambertide

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "ui/controls/Button.h"
+#include "ui/controls/SwitchRow.h"
+
+#include <QStyleOption>
+
+namespace ambertide {
+
+// How each control looks and how large it is, for the style. Lengths are in logical pixels.
+
+QSize buttonSize(const QStyleOptionButton &option, const Button::Look &look);
+void drawButton(QPainter &painter, const QStyleOptionButton &option, const Button::Look &look);
+
+QSize switchSize(const QStyleOptionButton &option, SwitchRow::Kind kind);
+void drawSwitch(QPainter &painter, const QStyleOptionButton &option, const SwitchRow &row);
+
+/// A symbol over a word.
+QSize tabSize(const QStyleOptionTab &option);
+void drawTab(QPainter &painter, const QStyleOptionTab &option, QLatin1String symbol);
+
+inline constexpr int sliderThumb = 18;
+inline constexpr int sliderRingGap = 2; ///< around the thumb, for the focus ring
+/// What the thumb travels.
+QRect sliderGroove(const QStyleOptionSlider &option);
+QRect sliderHandle(const QStyleOptionSlider &option);
+void drawSlider(QPainter &painter, const QStyleOptionSlider &option);
+
+/// Without buttons at the ends: the groove is all there is.
+QRect scrollThumb(const QStyleOptionSlider &option);
+void drawScrollBar(QPainter &painter, const QStyleOptionSlider &option);
+
+bool isBusy(const QStyleOptionProgressBar &option);
+/// `sweep` is how far a busy bar's motion has come, 0 to 1; nothing where motion is unwanted.
+void drawProgressBar(QPainter &painter, const QStyleOptionProgressBar &option, std::optional<double> sweep);
+
+/// A field for hour and minute, with room for two small buttons at its end.
+QSize timeFieldSize(const QSize &text);
+QRect timeFieldText(const QRect &field);
+void drawTimeField(QPainter &painter, const QStyleOption &option);
+
+} // namespace ambertide
