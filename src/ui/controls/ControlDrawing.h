@@ -26,7 +26,7 @@ QRect sliderGroove(const QStyleOptionSlider &option);
 QRect sliderHandle(const QStyleOptionSlider &option);
 void drawSlider(QPainter &painter, const QStyleOptionSlider &option);
 
-/// Without buttons at the ends: the groove is all there is.
+/// Upright ones, without buttons at the ends: the groove is all there is. No window has others.
 QRect scrollThumb(const QStyleOptionSlider &option);
 void drawScrollBar(QPainter &painter, const QStyleOptionSlider &option);
 

@@ -33,26 +33,17 @@ void setTextSize(QWidget &control)
 
 QRect scrollBarPart(const QStyleOptionSlider &bar, QStyle::SubControl part)
 {
-    const bool isHorizontal = bar.orientation == Qt::Horizontal;
+    const QRect groove = bar.rect;
     const QRect thumb = scrollThumb(bar);
-    QRect rest = bar.rect; // of the groove, on the side that was asked for
     switch (part) {
     case QStyle::SC_ScrollBarGroove:
-        return bar.rect;
+        return groove;
     case QStyle::SC_ScrollBarSlider:
         return thumb;
     case QStyle::SC_ScrollBarSubPage:
-        if (isHorizontal)
-            rest.setRight(thumb.left() - 1);
-        else
-            rest.setBottom(thumb.top() - 1);
-        return rest;
+        return {groove.topLeft(), thumb.topRight()};
     case QStyle::SC_ScrollBarAddPage:
-        if (isHorizontal)
-            rest.setLeft(thumb.right() + 1);
-        else
-            rest.setTop(thumb.bottom() + 1);
-        return rest;
+        return {thumb.bottomLeft(), groove.bottomRight()};
     default:
         return {};
     }
@@ -74,12 +65,6 @@ void HouseStyle::polish(QWidget *widget)
     setTextSize(*widget);
     if (widget->isWindow())
         widget->installEventFilter(this);
-}
-
-void HouseStyle::unpolish(QWidget *widget)
-{
-    widget->removeEventFilter(this);
-    QProxyStyle::unpolish(widget);
 }
 
 bool HouseStyle::eventFilter(QObject *watched, QEvent *event)
@@ -138,13 +123,6 @@ QSize HouseStyle::sizeFromContents(ContentsType type, const QStyleOption *option
     return QProxyStyle::sizeFromContents(type, option, contents, widget);
 }
 
-QRect HouseStyle::subElementRect(SubElement element, const QStyleOption *option, const QWidget *widget) const
-{
-    if (element == SE_CheckBoxClickRect)
-        return option->rect;
-    return QProxyStyle::subElementRect(element, option, widget);
-}
-
 QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
                                  const QWidget *widget) const
 {
@@ -159,15 +137,6 @@ QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     default:
         return QProxyStyle::subControlRect(control, option, part, widget);
     }
-}
-
-void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
-                               const QWidget *widget) const
-{
-    const auto *parent = widget != nullptr ? widget->parentWidget() : nullptr;
-    const bool isPartOfField = element == PE_PanelLineEdit && qobject_cast<const TimeField *>(parent) != nullptr;
-    if (!isPartOfField)
-        QProxyStyle::drawPrimitive(element, option, painter, widget);
 }
 
 void HouseStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,

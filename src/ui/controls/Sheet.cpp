@@ -26,6 +26,7 @@ Sheet::Sheet(QWidget &host, QWidget *content, const QSize &size, const QString &
 {
     setAccessibleRole(*this, QAccessible::Dialog);
     setAccessibleName(accessibleName);
+    setAttribute(Qt::WA_NoMousePropagation);
     host.installEventFilter(this);
     connect(&m_surface, &Page::idealHeightChanged, this, &Sheet::cover);
     cover();
@@ -93,10 +94,6 @@ void Sheet::keyPressEvent(QKeyEvent *event)
         Q_EMIT cancelled();
     event->accept();
 }
-
-void Sheet::mousePressEvent(QMouseEvent *event) { event->accept(); }
-
-void Sheet::wheelEvent(QWheelEvent *event) { event->accept(); }
 
 void Sheet::paintEvent(QPaintEvent *)
 {

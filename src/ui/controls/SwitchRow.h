@@ -25,6 +25,7 @@ public:
     double thumbPosition() const { return m_thumb.currentValue().toDouble(); }
 
 protected:
+    bool hitButton(const QPoint &position) const override { return rect().contains(position); }
     void keyPressEvent(QKeyEvent *event) override;
     void checkStateSet() override;
     void nextCheckState() override;

@@ -4,6 +4,7 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <array>
 
 namespace ambertide {
 
@@ -15,23 +16,14 @@ constexpr double smallestUsualSize = 9; // points
 constexpr double largestUsualSize = 10;
 constexpr double largestScale = 4;
 
-double logicalSize(TextStyle style)
+struct Cut
 {
-    switch (style) {
-    case TextStyle::Title:
-        return 22;
-    case TextStyle::Title3:
-        return 15;
-    case TextStyle::Headline:
-    case TextStyle::Body:
-        return 13;
-    case TextStyle::Subheadline:
-        return 11;
-    case TextStyle::Caption:
-        break;
-    }
-    return 10;
-}
+    double size; ///< in logical pixels
+    QFont::Weight weight = QFont::Normal;
+};
+
+/// In the order of TextStyle.
+constexpr std::array<Cut, 6> cuts = {{{22, QFont::Bold}, {15, QFont::Medium}, {13, QFont::DemiBold}, {13}, {11}, {10}}};
 
 } // namespace
 
@@ -49,14 +41,10 @@ double textScale()
 
 QFont textFont(TextStyle style)
 {
+    const auto &cut = cuts.at(static_cast<std::size_t>(style));
     QFont font = QApplication::font();
-    font.setPixelSize(qRound(logicalSize(style) * textScale()));
-    if (style == TextStyle::Title)
-        font.setWeight(QFont::Bold);
-    if (style == TextStyle::Headline)
-        font.setWeight(QFont::DemiBold);
-    if (style == TextStyle::Title3)
-        font.setWeight(QFont::Medium);
+    font.setPixelSize(qRound(cut.size * textScale()));
+    font.setWeight(std::max(font.weight(), cut.weight));
     return font;
 }
 

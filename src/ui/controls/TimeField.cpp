@@ -4,6 +4,7 @@
 #include "ui/controls/Drawing.h"
 
 #include <QGuiApplication>
+#include <QLineEdit>
 #include <QVBoxLayout>
 
 namespace ambertide {
@@ -17,6 +18,9 @@ TimeField::TimeField(const QString &accessibleName)
     setWrapping(true);
     setAlignment(Qt::AlignCenter);
     setAccessibleName(accessibleName);
+    QPalette clear;
+    clear.setColor(QPalette::Base, Qt::transparent);
+    lineEdit()->setPalette(clear);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 
     auto *chevrons = new QVBoxLayout;

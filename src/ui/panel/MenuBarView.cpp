@@ -12,6 +12,7 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include <map>
 #include <utility>
 
 namespace ambertide {
@@ -141,22 +142,11 @@ QString MenuBarView::temperatureText(double temperature)
 
 QString MenuBarView::getTemperatureDescription(double temperature)
 {
-    switch (static_cast<long long>(temperature)) {
-    case 1900:
-        return tr("Candle");
-    case 2700:
-        return tr("Tungsten");
-    case 3400:
-        return tr("Halogen");
-    case 4200:
-        return tr("Fluorescent");
-    case 5500:
-        return tr("Sunlight");
-    case 6500:
-        return tr("Daylight");
-    default:
-        return {};
-    }
+    const std::map<long long, QString> descriptions = {{1900, tr("Candle")},   {2700, tr("Tungsten")},
+                                                       {3400, tr("Halogen")},  {4200, tr("Fluorescent")},
+                                                       {5500, tr("Sunlight")}, {6500, tr("Daylight")}};
+    const auto found = descriptions.find(static_cast<long long>(temperature));
+    return found != descriptions.end() ? found->second : QString();
 }
 
 void MenuBarView::handleEditing(bool isEditing)

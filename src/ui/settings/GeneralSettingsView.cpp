@@ -33,7 +33,7 @@ std::optional<std::string> run(CLIInstaller &installer, void (CLIInstaller::*ope
 
 } // namespace
 
-GeneralSettingsView::GeneralSettingsView(SettingsViewModel &viewModel, const Ports &ports)
+GeneralSettingsView::GeneralSettingsView(SettingsViewModel &viewModel, const SettingsPorts &ports)
     : m_viewModel(viewModel), m_installer(ports.installer), m_installerExecutor(ports.installerExecutor),
       m_sparkleUpdater(ports.createUpdaterController, ports.userDefaults),
       m_updaterObservation(

@@ -19,24 +19,29 @@ class LaunchHelper;
 class MainBundle;
 class SwitchRow;
 
+/// What the Settings window works on; all of it must outlive the window.
+struct SettingsPorts
+{
+    CLIInstaller &installer;
+    LaunchHelper &launchHelper;
+    const MainBundle &mainBundle;
+    UpdaterControllerFactory createUpdaterController;
+    UserDefaults &userDefaults;
+    NotificationCenter &notifications;
+    const Calendar &calendar;
+    const LoginItem &loginItem;
+    /// For the installer alone, whose administrator prompt holds up everything else on it. It may outlast the window;
+    /// the end of the process takes the prompt back and then destroys the executor, before the installer.
+    TaskExecutor &installerExecutor;
+};
+
 /// The General tab: what the program is, how it starts and updates itself, and its command-line tool.
 class GeneralSettingsView final : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// What the tab works on; all of it must outlive the tab, and the installer its executor as well.
-    struct Ports
-    {
-        CLIInstaller &installer;
-        LaunchHelper &launchHelper;
-        const MainBundle &mainBundle;
-        const UpdaterControllerFactory &createUpdaterController; ///< needed for construction alone
-        UserDefaults &userDefaults;
-        TaskExecutor &installerExecutor; ///< held up for as long as a prompt is open: nothing else may run on it
-    };
-
-    GeneralSettingsView(SettingsViewModel &viewModel, const Ports &ports);
+    GeneralSettingsView(SettingsViewModel &viewModel, const SettingsPorts &ports);
 
     /// Whether the tool is being installed or uninstalled, which may wait for a person.
     bool isProcessing() const { return m_isProcessing; }

@@ -11,7 +11,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <utility>
 
 namespace ambertide {
 
@@ -107,11 +106,10 @@ void ScheduleEntryEditor::keyPressEvent(QKeyEvent *event)
 
 void ScheduleEntryEditor::save()
 {
+    if (!m_save->isEnabled())
+        return;
     m_save->setEnabled(false);
-    QTimer::singleShot(0, this, [this] {
-        if (!std::exchange(m_isSaved, true))
-            Q_EMIT saved(m_editedEntry);
-    });
+    QTimer::singleShot(0, this, [this] { Q_EMIT saved(m_editedEntry); });
 }
 
 void ScheduleEntryEditor::setTemperature(int kelvin)

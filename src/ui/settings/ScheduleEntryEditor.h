@@ -43,7 +43,6 @@ private:
     void showTemperature();
 
     ScheduleEntry m_editedEntry;
-    bool m_isSaved = false;
     const Calendar &m_calendar;
     TimeField *m_time = nullptr;
     TextLabel *m_temperatureText = nullptr;

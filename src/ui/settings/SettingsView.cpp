@@ -3,7 +3,6 @@
 #include "ui/controls/Drawing.h"
 #include "ui/controls/Page.h"
 #include "ui/controls/Sheet.h"
-#include "ui/settings/GeneralSettingsView.h"
 #include "ui/settings/ScheduleSettingsView.h"
 
 #include <QCloseEvent>
@@ -29,10 +28,7 @@ constexpr int gapBelowTabs = 10;
 
 SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
     : m_settingsViewModel(appViewModel, {ports.userDefaults, ports.notifications, ports.calendar, ports.loginItem}),
-      m_general(new GeneralSettingsView(m_settingsViewModel,
-                                        {ports.installer, ports.launchHelper, ports.mainBundle,
-                                         ports.createUpdaterController, ports.userDefaults, ports.installerExecutor})),
-      m_tabs(new QTabBar), m_pages(new QStackedWidget)
+      m_general(new GeneralSettingsView(m_settingsViewModel, ports)), m_tabs(new QTabBar), m_pages(new QStackedWidget)
 {
     setObjectName(QStringLiteral("Settings"));
     setWindowTitle(tr("Ambertide Settings"));

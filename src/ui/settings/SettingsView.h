@@ -1,22 +1,13 @@
 #pragma once
-
-#include "base/TaskExecutor.h"
-#include "integration/SparkleUpdater.h"
-#include "model/SettingsViewModel.h"
+#include "ui/settings/GeneralSettingsView.h"
 
 #include <QWidget>
-
-#include <vector>
 
 class QStackedWidget;
 class QTabBar;
 
 namespace ambertide {
 
-class CLIInstaller;
-class GeneralSettingsView;
-class LaunchHelper;
-class MainBundle;
 class Page;
 
 /// The Settings window with its two tabs, and the model behind them. Main thread. It opens on General, in front, as
@@ -28,21 +19,7 @@ class SettingsView final : public QWidget
     Q_OBJECT
 
 public:
-    /// What the window works on; all of it must outlive the window.
-    struct Ports
-    {
-        CLIInstaller &installer;
-        LaunchHelper &launchHelper;
-        const MainBundle &mainBundle;
-        UpdaterControllerFactory createUpdaterController;
-        UserDefaults &userDefaults;
-        NotificationCenter &notifications;
-        const Calendar &calendar;
-        const LoginItem &loginItem;
-        /// For the installer alone, whose administrator prompt holds up everything else on it. It may outlast the
-        /// window; the end of the process takes the prompt back and then destroys the executor, before the installer.
-        TaskExecutor &installerExecutor;
-    };
+    using Ports = SettingsPorts;
 
     SettingsView(AppViewModel &appViewModel, const Ports &ports);
     ~SettingsView() override;
