@@ -1,4 +1,5 @@
 #pragma once
+
 #include "ui/settings/GeneralSettingsView.h"
 
 #include <QWidget>

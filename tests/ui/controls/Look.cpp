@@ -1,9 +1,9 @@
 #include "ui/controls/Button.h"
 #include "ui/controls/HouseStyle.h"
+#include "ui/controls/ProgressBar.h"
 
 #include <QApplication>
 #include <QTest>
-#include <QVBoxLayout>
 
 using namespace ambertide;
 
@@ -11,55 +11,42 @@ class Look : public QObject
 {
     Q_OBJECT
 
+private:
+    HouseStyle *m_style = nullptr;
+
 private Q_SLOTS:
-    void everyInkIsReadableOnWhatItStandsOn_data()
-    {
-        QTest::addColumn<QPalette>("palette");
-        QTest::newRow("light") << housePalette(false, false);
-        QTest::newRow("dark") << housePalette(true, false);
-        QTest::newRow("light, high contrast") << housePalette(false, true);
-        QTest::newRow("dark, high contrast") << housePalette(true, true);
-        const auto desktop = [](const char *window, const char *text) {
-            QPalette palette{QColor(window)};
-            palette.setColor(QPalette::WindowText, QColor(text));
-            return palette;
-        };
-        QTest::newRow("a beige desktop") << desktop("#eee8d5", "#073642");
-        QTest::newRow("a blue desktop") << desktop("#002b36", "#eee8d5");
-        QTest::newRow("a grey desktop") << desktop("#c0c0c0", "#000000");
-    }
+    void initTestCase() { QApplication::setStyle(m_style = new HouseStyle); }
+
     void everyInkIsReadableOnWhatItStandsOn()
     {
-        QFETCH(QPalette, palette);
-        const auto theme = Theme::of(palette);
-        const std::vector<std::pair<const char *, QColor>> inks = {{"secondary text", theme.secondaryText},
-                                                                   {"accent", theme.accent},
-                                                                   {"green", theme.green},
-                                                                   {"orange", theme.orange},
-                                                                   {"red", theme.red},
-                                                                   {"blue", theme.blue}};
-        const auto check = [](const char *name, const QColor &ink, const QColor &surface) {
-            QVERIFY2(contrastRatio(ink, surface) >= 4.5,
-                     qPrintable(QStringLiteral("%1: %2 on %3").arg(QLatin1String(name), ink.name(), surface.name())));
-        };
-        for (const auto &surface : {theme.window, theme.panel, theme.card}) {
-            for (const auto &[name, ink] : inks)
-                check(name, ink, surface);
-            check("hovered accent", theme.accentOnHover, blended(theme.hover, surface));
+        QPalette blueDesktop{QColor("#002b36")};
+        blueDesktop.setColor(QPalette::WindowText, QColor("#eee8d5"));
+        QPalette greyDesktop{QColor("#c0c0c0")};
+        greyDesktop.setColor(QPalette::WindowText, Qt::black);
+        for (const auto &palette : {housePalette(false, false), housePalette(true, false), housePalette(false, true),
+                                    housePalette(true, true), blueDesktop, greyDesktop}) {
+            const auto theme = Theme::of(palette);
+            const auto check = [](const QColor &ink, const QColor &surface) {
+                QVERIFY2(contrastRatio(ink, surface) >= 4.5, qPrintable(ink.name() + surface.name()));
+            };
+            for (const auto &surface : {theme.window, theme.panel, theme.card}) {
+                for (const auto &ink :
+                     {theme.secondaryText, theme.accent, theme.green, theme.orange, theme.red, theme.blue})
+                    check(ink, surface);
+                check(theme.accentOnHover, blended(theme.hover, surface));
+            }
+            check(theme.onAccent, theme.accent);
         }
-        check("text on the accent", theme.onAccent, theme.accent);
     }
 
     void controlsFollowTheFontAndThePaletteOfTheApplication()
     {
-        QApplication::setStyle(new HouseStyle);
         QApplication::setPalette(housePalette(false, false));
         QWidget window;
-        auto *column = new QVBoxLayout(&window);
         auto *label = new TextLabel(QStringLiteral("words"), TextStyle::Body, &Theme::secondaryText);
         auto *button = new Button(QStringLiteral("words"));
-        column->addWidget(label);
-        column->addWidget(button);
+        label->setParent(&window);
+        button->setParent(&window);
         window.show();
         const int formerWidth = button->sizeHint().width();
 
@@ -71,6 +58,33 @@ private Q_SLOTS:
         QCOMPARE(label->palette().color(QPalette::WindowText), Theme::of(housePalette(true, false)).secondaryText);
         QCOMPARE(label->font(), textFont(TextStyle::Body));
         QVERIFY(button->sizeHint().width() > formerWidth);
+    }
+
+    void whatIsReachedStartsWhereReadingStarts()
+    {
+        ProgressBar bar(QStringLiteral("Download"));
+        bar.resize(200, bar.height());
+        bar.setRange(0, 100);
+        bar.setValue(25);
+        const auto ink = [&](int x) { return bar.grab().toImage().pixelColor(x, 3).rgb(); };
+        const auto theme = Theme::of(bar.palette());
+        QVERIFY(ink(6) == theme.accent.rgb() && ink(44) == theme.accent.rgb() && ink(56) == theme.track.rgb());
+        bar.setLayoutDirection(Qt::RightToLeft);
+        QVERIFY(ink(193) == theme.accent.rgb() && ink(143) == theme.track.rgb());
+    }
+
+    void workUnderWayShowsAsMotionUnlessItIsUnwanted()
+    {
+        ProgressBar bar(QStringLiteral("Download"));
+        bar.resize(200, bar.height());
+        bar.show();
+        const auto moving = bar.grab().toImage();
+        QTRY_VERIFY(bar.grab().toImage() != moving);
+        m_style->setMotionReduced(true);
+        const auto still = bar.grab().toImage();
+        // Dashes at both ends, which a moving piece never covers together.
+        for (const int x : {12, 180})
+            QCOMPARE(still.pixelColor(x, 3).rgb(), Theme::of(bar.palette()).accent.rgb());
     }
 };
 
