@@ -6,6 +6,7 @@ and ends with the process. Times out with an exception; waits poll a condition, 
 
 import configparser
 import ctypes
+import glob
 import json
 import os
 import pathlib
@@ -20,6 +21,9 @@ from gi.repository import GLib
 
 HERE = pathlib.Path(__file__).resolve().parent
 PANELS = HERE / "panels"
+NEUTRAL = (65535, 65535, 65535)
+AT_3400 = (65535, 48740, 34739)
+AT_2700 = (65535, 42847, 22463)
 SERVICES = ("org.a11y.Bus.service", "org.xfce.Xfconf.service")
 BUS_CONFIGURATION = """<busconfig><type>session</type><listen>unix:path={0}/bus</listen><servicedir>{0}/services</servicedir>
 <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/><allow own="*"/></policy></busconfig>
@@ -143,6 +147,16 @@ class Desktop:
         self.wait_for_line("Registering for CLI")
         return self.application
 
+    def clock(self, time):
+        """The environment of an application whose clock goes on from this time, and from later ones at later calls."""
+        library, = glob.glob("/usr/lib/*/faketime/libfaketimeMT.so.1")
+        file = self.home / "clock"
+        replacement = file.with_suffix(".new")
+        replacement.write_text(time)
+        replacement.rename(file)
+        return {"LD_PRELOAD": library, "FAKETIME_TIMESTAMP_FILE": str(file), "FAKETIME_NO_CACHE": "1",
+                "FAKETIME_DONT_FAKE_MONOTONIC": "1", "TZ": "UTC"}
+
     def wait_for_icon(self):
         """Returns once something is drawn where the panel shows the only icon."""
         x, y = self.icon
@@ -154,6 +168,23 @@ class Desktop:
             return int(shown.stdout or 0) > 3  # colours
 
         wait_until(is_drawn, "there is no icon")
+
+    def open_panel(self):
+        """Clicks again while the click counts as part of the one that has closed the panel."""
+        import screen_reader
+        slider = ("slider", "Color temperature")
+        self.wait_for_icon()
+
+        def is_open():
+            if screen_reader.elements(*slider):
+                return True
+            self.click(*self.icon)
+            try:
+                return wait_until(lambda: screen_reader.elements(*slider), "", seconds=2)
+            except TimeoutError:
+                return False
+
+        wait_until(is_open, "a click on the icon opens no panel")
 
     def log(self):
         return (self.home / "application.log").read_text()

@@ -4,7 +4,6 @@ The windows stand on a plain desktop, in one font, at one time of day, whatever 
 tells the application whether the command-line tool is installed.
 """
 
-import glob
 import json
 import os
 import pathlib
@@ -51,23 +50,14 @@ def take(name, window=None):
 
 
 def start(tool):
-    library, = glob.glob("/usr/lib/*/faketime/libfaketimeMT.so.1")
-    clock = desktop.home / "clock"
-    clock.write_text("2026-06-15 21:30:00")
-    desktop.start_application(
-        "unshare", "--mount", "--map-root-user", "sh", "-c", tool, "sh", LD_PRELOAD=library, TZ="UTC",
-        FAKETIME_TIMESTAMP_FILE=str(clock), FAKETIME_NO_CACHE="1", FAKETIME_DONT_FAKE_MONOTONIC="1")
+    desktop.start_application("unshare", "--mount", "--map-root-user", "sh", "-c", tool, "sh",
+                              **desktop.clock("2026-06-15 21:30:00"))
     desktop.wait_for_icon()
 
 
 def end():
     desktop.application.terminate()
     desktop.application.wait(20)
-
-
-def show_panel():
-    desktop.click(*desktop.icon)
-    screen_reader.element("slider", "Color temperature")
 
 
 def show_settings(tab, label):
@@ -102,7 +92,7 @@ with Desktop(build, scale=scale, gtk_theme={"light": "Adwaita", "dark": "Adwaita
     end()
     store_schedule()
     start(WITH_TOOL)
-    show_panel()
+    desktop.open_panel()
     take("panel")
     desktop.key("Escape")
     show_settings("General", "Command Line Tool")

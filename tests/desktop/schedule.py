@@ -1,15 +1,11 @@
 """A day with a schedule, set up by mouse alone, at a time of day that the test sets."""
 
-import glob
-
 import screen_reader
-from desktop import main, wait_until
+from desktop import AT_2700, AT_3400, NEUTRAL, main, wait_until
 
 HOUR = 3600
-NEUTRAL = (65535, 65535, 65535)
-AT_3400 = (65535, 48740, 34739)
-AT_2700 = (65535, 42847, 22463)
-SLIDER_THUMB = 18
+THUMB = 18
+RING = 2  # around the slider's thumb
 
 
 class Day:
@@ -17,39 +13,23 @@ class Day:
 
     def __init__(self, desktop):
         self.desktop = desktop
-        self.clock = desktop.home / "clock"
-        self.set_clock("2026-06-15 08:00:00")
-        library, = glob.glob("/usr/lib/*/faketime/libfaketimeMT.so.1")
-        desktop.start_application(LD_PRELOAD=library, FAKETIME_TIMESTAMP_FILE=str(self.clock), FAKETIME_NO_CACHE="1",
-                                  FAKETIME_DONT_FAKE_MONOTONIC="1", TZ="UTC")
-        desktop.wait_for_icon()
-        desktop.click(*desktop.icon)
+        desktop.start_application(**desktop.clock("2026-06-15 08:00:00"))
+        desktop.open_panel()
         self.press("Settings")
-        self.choose_tab("Schedule")
-
-    def set_clock(self, time):
-        replacement = self.clock.with_suffix(".new")
-        replacement.write_text(time)
-        replacement.rename(self.clock)
+        self.press("Schedule", "page tab")
 
     def press(self, button, role="push button"):
         screen_reader.click_on(self.desktop, role, button)
 
-    def choose_tab(self, tab):
-        self.press(tab, "page tab")
-
-    def set_entry(self, hours=0, kelvin=None):
+    def save(self, hours=0, kelvin=None):
         """In the editor: steps the time by so many hours, sets the temperature, and saves."""
         for _ in range(abs(hours)):
             self.press("Later" if hours > 0 else "Earlier")
         if kelvin:
             x, y, width, height = screen_reader.extents("slider", "Temperature")
-            travelled = (kelvin - 1000) / 5500 * (width - SLIDER_THUMB)
-            self.desktop.click(x + SLIDER_THUMB / 2 + travelled, y + height / 2)
+            travelled = (kelvin - 1000) / 5500 * (width - THUMB - 2 * RING)
+            self.desktop.click(x + RING + THUMB / 2 + travelled, y + height / 2)
             wait_until(lambda: screen_reader.value("slider", "Temperature") == kelvin, f"no {kelvin} K at the slider")
-        self.save()
-
-    def save(self):
         self.press("Save")
         screen_reader.wait_until_gone("dialog", "Edit Schedule Entry")
 
@@ -61,39 +41,30 @@ class Day:
     def expect_rows(self, *rows):
         wait_until(lambda: self.rows() == list(rows), f"the rows are not {rows}")
 
-    def expect_white_point(self, white_point):
-        wait_until(lambda: self.desktop.white_point() == white_point, f"the display does not show {white_point}")
-
     def look_at(self, time, white_point, *rows):
-        self.set_clock(time)
-        self.expect_white_point(white_point)
-        self.choose_tab("General")  # the mark is brought up to date when its tab is shown, else once a minute
-        self.choose_tab("Schedule")
+        self.desktop.clock(time)
+        wait_until(lambda: self.desktop.white_point() == white_point, f"the display does not show {white_point}")
+        for tab in "General", "Schedule":  # the mark is brought up to date when its tab is shown, else once a minute
+            self.press(tab, "page tab")
         self.expect_rows(*rows)
 
 
 def by_mouse_alone(desktop):
     day = Day(desktop)
-    screen_reader.element("label", "No schedule entries. Add one to get started.")
-    day.press("Add Schedule Entry")
-    day.set_entry(hours=-5, kelvin=6500)
-    day.expect_rows("7:00 AM, Normal (Daylight), active")
-    day.press("Add Schedule Entry")
-    day.set_entry(hours=9, kelvin=3400)
+    for hours, kelvin in ((-5, 6500), (9, 3400)):
+        day.press("Add Schedule Entry")
+        day.save(hours, kelvin)
     day.press("Add Schedule Entry")
     day.press("Cancel")  # it is the last entry of the day that it opens
     day.press("Edit 12:00 PM")
-    day.set_entry(kelvin=2700)
+    day.save(kelvin=2700)
     day.expect_rows("7:00 AM, Normal (Daylight), active", "12:00 PM, 2700K", "9:00 PM, 3400K")
     day.press("Enable Schedule", "check box")
     wait_until(lambda: desktop.setting("ScheduleEnabled") == "true", "the schedule is not switched on")
-
     day.look_at("2026-06-15 12:00:00", AT_2700,
                 "7:00 AM, Normal (Daylight)", "12:00 PM, 2700K, active", "9:00 PM, 3400K")
-    night = ("7:00 AM, Normal (Daylight)", "12:00 PM, 2700K", "9:00 PM, 3400K, active")
-    day.look_at("2026-06-15 21:00:00", AT_3400, *night)
-    day.look_at("2026-06-16 06:59:00", AT_3400, *night)
-
+    day.look_at("2026-06-16 06:59:00", AT_3400,
+                "7:00 AM, Normal (Daylight)", "12:00 PM, 2700K", "9:00 PM, 3400K, active")
     day.press("12:00 PM, 2700K")
     day.press("Enabled", "check box")
     day.save()
@@ -101,7 +72,7 @@ def by_mouse_alone(desktop):
                 "7:00 AM, Normal (Daylight), active", "12:00 PM, 2700K, disabled", "9:00 PM, 3400K")
     day.press("Delete 7:00 AM")
     day.expect_rows("12:00 PM, 2700K, disabled", "9:00 PM, 3400K, active")
-    day.expect_white_point(AT_3400)
+    wait_until(lambda: desktop.white_point() == AT_3400, "the display does not follow")
     wait_until(lambda: desktop.schedule() == [(12 * HOUR, 2700, False), (21 * HOUR, 3400, True)], "it is not stored")
 
 

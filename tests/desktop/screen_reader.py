@@ -48,11 +48,8 @@ def elements(role=None, name=None, within=None):
 
 def outline(role, name, roles):
     """Roles and names, in reading order, of what is shown in that element and has one of the roles."""
-    try:
-        return [(each.get_role_name(), each.get_name()) for each in elements(within=element(role, name))
-                if each.get_role_name() in roles]
-    except GLib.Error:
-        return []  # it changed while it was looked at
+    return [(each.get_role_name(), each.get_name()) for each in elements(within=element(role, name))
+            if each.get_role_name() in roles]
 
 
 def element(role, name):
@@ -81,6 +78,10 @@ def value(role, name):
     return Atspi.Value.get_current_value(element(role, name))
 
 
+def set_value(role, name, number):
+    Atspi.Value.set_current_value(element(role, name), number)
+
+
 def texts():
     """What the labels say."""
     return [label.get_name() for label in elements("label")]
@@ -93,12 +94,7 @@ def extents(role, name):
         return box.x, box.y, box.width, box.height
 
     last = []
-
-    def rests():
-        last.append(read())
-        return last[-4:].count(last[-1]) == 4
-
-    wait_until(rests, f"the {role} {name!r} does not come to rest")
+    wait_until(lambda: last.append(read()) or last[-4:].count(last[-1]) == 4, f"the {role} {name!r} does not rest")
     return last[-1]
 
 
