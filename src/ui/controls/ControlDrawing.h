@@ -5,6 +5,8 @@
 
 #include <QStyleOption>
 
+#include <optional>
+
 namespace ambertide {
 
 // How each control looks and how large it is, for the style. Lengths are in logical pixels.

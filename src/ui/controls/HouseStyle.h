@@ -4,6 +4,8 @@
 #include <QProxyStyle>
 #include <QTimer>
 
+#include <optional>
+
 namespace ambertide {
 
 /// How all windows look: draws and measures the house's controls, and leaves the rest to Fusion. It gives the controls

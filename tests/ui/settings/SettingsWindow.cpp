@@ -153,8 +153,9 @@ private Q_SLOTS:
         QVERIFY(bench.window->height() >= 300);
         QFont larger = font;
         larger.setPointSize(32);
+        bench.close();
         QApplication::setFont(larger);
-        QCoreApplication::processEvents();
+        bench.open();
         for (const auto *control : bench.window->findChildren<QWidget *>()) {
             const int left = control->mapTo(bench.window, QPoint()).x();
             QVERIFY(!control->isVisible() || (left >= 0 && left + control->width() <= bench.window->width()));
