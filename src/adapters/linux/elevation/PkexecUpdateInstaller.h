@@ -1,10 +1,12 @@
 #pragma once
 
+#include "adapters/linux/process/ChildProcess.h"
 #include "ports/UpdateInstaller.h"
 
-#include <QProcess>
+#include <QSocketNotifier>
 
 #include <memory>
+#include <optional>
 
 namespace ambertide {
 
@@ -13,22 +15,19 @@ namespace ambertide {
 class PkexecUpdateInstaller final : public UpdateInstaller
 {
 public:
-    explicit PkexecUpdateInstaller(std::filesystem::path helper, std::filesystem::path pkexec = "/usr/bin/pkexec");
-    ~PkexecUpdateInstaller() override;
+    explicit PkexecUpdateInstaller(std::filesystem::path helper) : m_helper(std::move(helper)) {}
 
     void install(const std::filesystem::path &package, std::string_view signature,
                  std::function<void(Result)> done) override;
 
 private:
-    void collectErrors();
-    void finish(const Result &result);
-    Result resultOfExit(int code) const;
+    void finish();
 
-    std::filesystem::path m_helper;
-    std::filesystem::path m_pkexec;
-    std::unique_ptr<QProcess> m_process;
-    QByteArray m_errors;
+    const std::filesystem::path m_helper;
     std::function<void(Result)> m_done;
+    std::optional<ChildProcess> m_pkexec;
+    std::unique_ptr<QSocketNotifier> m_watch; ///< tells that it has ended
+    QObject m_context;                        ///< of the calls that come from the event loop
 };
 
 } // namespace ambertide

@@ -1,7 +1,5 @@
 #include "adapters/linux/process/ChildProcess.h"
 
-#include "adapters/linux/process/FileDescriptor.h"
-
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
@@ -20,41 +18,55 @@ namespace {
 
 using Kind = ChildProcessEnd::Kind;
 
-constexpr std::size_t keptErrorOutput = 4096;
-constexpr std::size_t maximumErrorOutput = 1024 * 1024;
+constexpr std::size_t pipeBytes = 64 * 1024;
 
-/// What the child is started with, beside its arguments.
+/// What posix_spawn is told beside the arguments.
 class SpawnSettings
 {
 public:
-    explicit SpawnSettings(int errorOutput)
+    explicit SpawnSettings(const ChildStart &start)
     {
-        posix_spawn_file_actions_init(&m_actions);
-        posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&m_actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_adddup2(&m_actions, errorOutput, STDERR_FILENO);
-        posix_spawn_file_actions_addclosefrom_np(&m_actions, STDERR_FILENO + 1);
-        posix_spawnattr_init(&m_attributes);
-        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        posix_spawn_file_actions_init(&m_files);
+        useAs(STDIN_FILENO, start.input);
+        useAs(STDOUT_FILENO, start.output);
+        useAs(STDERR_FILENO, start.errorOutput);
+        posix_spawn_file_actions_addclosefrom_np(&m_files, STDERR_FILENO + 1);
+
         sigset_t signals;
+        posix_spawnattr_init(&m_attributes);
         sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&m_attributes, &signals);
-        sigfillset(&signals);
+        sigaddset(&signals, SIGPIPE);
         posix_spawnattr_setsigdefault(&m_attributes, &signals);
+        if (start.isDetached)
+            sigfillset(&signals);
+        else
+            sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&m_attributes, &signals);
+        const int session = start.isDetached ? POSIX_SPAWN_SETSID : 0;
+        posix_spawnattr_setflags(&m_attributes,
+                                 static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | session));
     }
     SpawnSettings(const SpawnSettings &) = delete;
     SpawnSettings &operator=(const SpawnSettings &) = delete;
     ~SpawnSettings()
     {
-        posix_spawn_file_actions_destroy(&m_actions);
+        posix_spawn_file_actions_destroy(&m_files);
         posix_spawnattr_destroy(&m_attributes);
     }
 
-    const posix_spawn_file_actions_t *actions() const { return &m_actions; }
+    const posix_spawn_file_actions_t *files() const { return &m_files; }
     const posix_spawnattr_t *attributes() const { return &m_attributes; }
 
 private:
-    posix_spawn_file_actions_t m_actions = {};
+    void useAs(int standard, int descriptor)
+    {
+        if (descriptor >= 0)
+            posix_spawn_file_actions_adddup2(&m_files, descriptor, standard);
+        else
+            posix_spawn_file_actions_addopen(&m_files, standard, "/dev/null", O_RDWR, 0);
+    }
+
+    posix_spawn_file_actions_t m_files = {};
     posix_spawnattr_t m_attributes = {};
 };
 
@@ -67,100 +79,80 @@ std::vector<char *> pointersTo(const std::vector<std::string> &texts)
     return pointers;
 }
 
-/// The tail of what a child writes to standard error, through a pipe that never makes this end wait.
-class ErrorOutput
-{
-public:
-    explicit ErrorOutput(FileDescriptor pipe) : m_pipe(std::move(pipe)) {}
-
-    int descriptor() const { return m_pipe.get(); }
-    const std::string &tail() const { return m_tail; }
-
-    /// Takes what there is, and closes the pipe at its end or when it was too much.
-    void read()
-    {
-        std::array<char, keptErrorOutput> buffer;
-        while (m_pipe.isOpen()) {
-            const auto count = ::read(m_pipe.get(), buffer.data(), buffer.size());
-            if (count < 0 && errno == EINTR)
-                continue;
-            if (count < 0 && errno == EAGAIN)
-                return;
-            if (count > 0) {
-                m_total += static_cast<std::size_t>(count);
-                m_tail.append(buffer.data(), static_cast<std::size_t>(count));
-                m_tail.erase(0, m_tail.size() - std::min(m_tail.size(), keptErrorOutput));
-            }
-            if (count <= 0 || m_total > maximumErrorOutput)
-                m_pipe.close();
-        }
-    }
-
-private:
-    FileDescriptor m_pipe;
-    std::string m_tail;
-    std::size_t m_total = 0;
-};
-
 /// glibc 2.36 declares its own for C alone.
 FileDescriptor openProcess(pid_t process)
 {
     return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
 }
 
-bool isReadable(int descriptor)
-{
-    pollfd event = {descriptor, POLLIN, 0};
-    return ::poll(&event, 1, 0) > 0;
-}
-
-/// Ends when the child has ended, whoever else still holds the pipe. False when it was cancelled.
-bool waitForEnd(int process, int cancellation, ErrorOutput &errorOutput)
-{
-    for (;;) {
-        std::array<pollfd, 3> events = {
-            {{cancellation, POLLIN, 0}, {process, POLLIN, 0}, {errorOutput.descriptor(), POLLIN, 0}}};
-        if (::poll(events.data(), events.size(), -1) < 0)
-            continue;
-        if (events[0].revents != 0)
-            return false;
-        errorOutput.read();
-        if (events[1].revents != 0)
-            return true;
-    }
-}
-
 } // namespace
 
-ChildProcessEnd runChildProcess(const std::vector<std::string> &arguments, const std::vector<std::string> &environment,
-                                int cancellation)
+int startChild(const ChildStart &start, pid_t &process)
+{
+    const SpawnSettings settings(start);
+    const auto arguments = pointersTo(start.arguments);
+    const auto variables = start.environment ? pointersTo(*start.environment) : std::vector<char *>();
+    return posix_spawnp(&process, arguments.front(), settings.files(), settings.attributes(), arguments.data(),
+                        start.environment ? variables.data() : environ);
+}
+
+ChildProcess::ChildProcess(ChildStart start, Kept kept)
 {
     std::array<int, 2> ends = {-1, -1};
-    if (isReadable(cancellation))
-        return {Kind::Cancelled, 0, {}};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
-        return {Kind::NotStarted, errno, {}};
-    FileDescriptor writeEnd(ends[1]);
-    ErrorOutput errorOutput{FileDescriptor(ends[0])};
-    ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+        m_error = errno;
+        return;
+    }
+    m_pipe = FileDescriptor(ends[0]);
+    const FileDescriptor writeEnd(ends[1]);
+    ::fcntl(m_pipe.get(), F_SETFL, O_NONBLOCK);
+    start.errorOutput = writeEnd.get();
+    if (kept == Kept::AllOutput)
+        start.output = writeEnd.get();
+    m_error = startChild(start, m_process);
+    if (m_error != 0)
+        return;
+    m_end = openProcess(m_process);
+    if (!m_end.isOpen()) {
+        m_error = errno;
+        ::kill(m_process, SIGTERM);
+    }
+}
 
-    pid_t child = 0;
-    const SpawnSettings settings(writeEnd.get());
-    const int error = posix_spawnp(&child, arguments.front().c_str(), settings.actions(), settings.attributes(),
-                                   pointersTo(arguments).data(), pointersTo(environment).data());
-    if (error != 0)
-        return {Kind::NotStarted, error, {}};
-    writeEnd.close();
-
-    const FileDescriptor process = openProcess(child);
-    if (!process.isOpen() || !waitForEnd(process.get(), cancellation, errorOutput)) {
-        ::kill(child, SIGTERM); // without effect on a child that has become another user's
-        ::waitpid(child, nullptr, WNOHANG);
-        return {Kind::Cancelled, 0, errorOutput.tail()};
+ChildProcessEnd ChildProcess::wait(int cancellation)
+{
+    if (m_error != 0)
+        return {Kind::NotStarted, m_error, {}};
+    for (;;) {
+        std::array<pollfd, 3> events = {
+            {{cancellation, POLLIN, 0}, {m_end.get(), POLLIN, 0}, {m_pipe.get(), POLLIN, 0}}};
+        if (::poll(events.data(), events.size(), -1) < 0)
+            continue;
+        if (events[0].revents != 0) {
+            ::kill(m_process, SIGTERM); // without effect on a child that has become another user's
+            ::waitpid(m_process, nullptr, WNOHANG);
+            return {Kind::Cancelled, 0, m_output};
+        }
+        readOutput();
+        if (events[1].revents != 0)
+            break;
     }
     siginfo_t end = {};
-    ::waitid(P_PID, static_cast<id_t>(child), &end, WEXITED);
-    return {end.si_code == CLD_EXITED ? Kind::Exited : Kind::Signalled, end.si_status, errorOutput.tail()};
+    ::waitid(P_PID, static_cast<id_t>(m_process), &end, WEXITED);
+    return {end.si_code == CLD_EXITED ? Kind::Exited : Kind::Signalled, end.si_status, m_output};
+}
+
+/// Takes at once all that a pipe can hold, so that it neither waits nor goes on for as long as somebody writes.
+void ChildProcess::readOutput()
+{
+    std::array<char, pipeBytes> bytes;
+    const auto count = m_pipe.isOpen() ? ::read(m_pipe.get(), bytes.data(), bytes.size()) : 0;
+    if (count > 0) {
+        m_output.append(bytes.data(), static_cast<std::size_t>(count));
+        m_output.erase(0, m_output.size() - std::min(m_output.size(), mostKept));
+    } else if (count == 0) {
+        m_pipe.close();
+    }
 }
 
 } // namespace ambertide

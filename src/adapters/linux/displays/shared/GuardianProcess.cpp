@@ -1,10 +1,9 @@
 #include "adapters/linux/displays/shared/GuardianProcess.h"
 
+#include "adapters/linux/process/ChildProcess.h"
 #include "base/Console.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,34 +20,6 @@ namespace {
 
 constexpr std::chrono::seconds betweenStarts{1};
 constexpr int millisecondsToEnd = 500;
-
-/// How the guardian begins: deaf to signals and away from the terminal and from all files but its channel.
-struct SpawnSettings
-{
-    posix_spawnattr_t attributes;
-    posix_spawn_file_actions_t files;
-
-    explicit SpawnSettings(int channel)
-    {
-        sigset_t all;
-        sigfillset(&all);
-        posix_spawnattr_init(&attributes);
-        posix_spawnattr_setsigmask(&attributes, &all);
-        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSID);
-        posix_spawn_file_actions_init(&files);
-        posix_spawn_file_actions_adddup2(&files, channel, STDIN_FILENO);
-        posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
-    }
-    ~SpawnSettings()
-    {
-        posix_spawn_file_actions_destroy(&files);
-        posix_spawnattr_destroy(&attributes);
-    }
-    SpawnSettings(const SpawnSettings &) = delete;
-    SpawnSettings &operator=(const SpawnSettings &) = delete;
-};
 
 } // namespace
 
@@ -127,16 +98,10 @@ void GuardianProcess::sayUnguarded(const char *reason)
 
 int GuardianProcess::spawn(int channel)
 {
-    const SpawnSettings settings(channel);
-    std::string program = m_program.string();
-    auto texts = m_arguments;
-    std::vector<char *> arguments{program.data()};
-    for (auto &text : texts)
-        arguments.push_back(text.data());
-    arguments.push_back(nullptr);
+    ChildStart start{.arguments = {m_program.string()}, .input = channel, .isDetached = true};
+    start.arguments.insert(start.arguments.end(), m_arguments.begin(), m_arguments.end());
     pid_t process = 0;
-    const int failure =
-        posix_spawn(&process, program.c_str(), &settings.files, &settings.attributes, arguments.data(), environ);
+    const int failure = startChild(start, process);
     if (failure == 0)
         m_process = process;
     return failure;

@@ -1,16 +1,26 @@
 #include "adapters/linux/elevation/helper/PackageInstallation.h"
 
-#include "adapters/linux/elevation/helper/ChildProgram.h"
 #include "adapters/linux/elevation/helper/PackageCopy.h"
+#include "adapters/linux/process/ChildProcess.h"
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace ambertide {
 
 namespace {
 
 constexpr std::size_t longestLine = 300;
+
+/// dpkg looks for its own helpers on the path, and its maintainer scripts ask nobody.
+ChildProcessEnd run(std::vector<std::string> command)
+{
+    ChildStart start{.arguments = std::move(command)};
+    start.environment =
+        std::vector<std::string>{"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C", "DEBIAN_FRONTEND=noninteractive"};
+    return ChildProcess(std::move(start), ChildProcess::Kept::AllOutput).wait();
+}
 
 std::string lastLine(std::string_view output)
 {
@@ -24,12 +34,13 @@ std::string lastLine(std::string_view output)
 std::optional<std::string> answer(std::vector<std::string> command, const std::vector<std::string> &arguments)
 {
     command.insert(command.end(), arguments.begin(), arguments.end());
-    auto result = runProgram(command);
-    if (result.output.ends_with('\n'))
-        result.output.pop_back();
-    if (result.status != 0 || result.output.empty() || result.output.find('\n') != std::string::npos)
+    auto end = run(std::move(command));
+    const bool isWhole = end.output.size() < ChildProcess::mostKept;
+    if (end.output.ends_with('\n'))
+        end.output.pop_back();
+    if (!end.isExit(0) || !isWhole || end.output.empty() || end.output.find('\n') != std::string::npos)
         return std::nullopt;
-    return result.output;
+    return end.output;
 }
 
 std::optional<std::string> field(const std::string &package, const char *name)
@@ -74,7 +85,7 @@ std::string problemWithVersion(const InstallationRules &rules, const std::string
     const auto installed = installedVersion(rules);
     if (!installed)
         return rules.packageName + " was not installed as a package here; update it the way it was installed";
-    if (runProgram({"/usr/bin/dpkg", "--compare-versions", *version, "gt", *installed}).status != 0)
+    if (!run({"/usr/bin/dpkg", "--compare-versions", *version, "gt", *installed}).isExit(0))
         return "version " + *version + " is not newer than the installed " + *installed;
     return {};
 }
@@ -96,8 +107,8 @@ std::string installPackage(const InstallationRules &rules, int source, std::stri
         return problem;
     auto command = rules.install;
     command.push_back(package->path());
-    const auto result = runProgram(command);
-    return result.status == 0 ? std::string() : "the package would not install: " + lastLine(result.output);
+    const auto end = run(std::move(command));
+    return end.isExit(0) ? std::string() : "the package would not install: " + lastLine(end.output);
 }
 
 } // namespace ambertide
