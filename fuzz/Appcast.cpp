@@ -1,26 +1,27 @@
 #include "update/Appcast.h"
 
 #include "Require.h"
-#include "update/ReleaseNotes.h"
+#include "update/ForeignText.h"
 #include "update/UpdateChoice.h"
 
+/// Whatever is read has a version, only a newer one is chosen, and versions have an order.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
-    const QString notes = ambertide::displayableText(ambertide::plainTextOfHtml(QString::fromUtf8(bytes)));
-    require(notes.size() <= ambertide::longestReleaseNotes);
+    require(ambertide::displayableText(QString::fromUtf8(bytes)).size() <= ambertide::longestForeignText);
 
     QString problem;
     const auto appcast = ambertide::Appcast::read(bytes, problem);
     require(appcast.has_value() || !problem.isEmpty());
     if (!appcast)
         return 0;
-    for (const auto &item : appcast->items)
+    const ambertide::RunningVersion running{QStringLiteral("5"), {}};
+    const auto chosen = ambertide::chooseUpdate(*appcast, running);
+    require(!chosen || !ambertide::isSkipped(*chosen, running.version, running));
+    for (const auto &item : appcast->items) {
         require(!item.version.isEmpty() && !item.displayVersion.isEmpty());
-    const ambertide::RunningVersion running{QStringLiteral("5"), {}, QStringLiteral("6.1")};
-    if (const auto item = ambertide::chooseUpdate(*appcast, running)) {
-        require(item->operatingSystem == QLatin1String("linux"));
-        require(!ambertide::isSkipped(*item, running.version, running));
+        const auto order = ambertide::compareVersions(item.version, running.version);
+        require((order < 0) == (ambertide::compareVersions(running.version, item.version) > 0));
     }
     return 0;
 }

@@ -30,7 +30,6 @@
 #include "ui/controls/AccessibleApplication.h"
 #include "ui/controls/ApplicationIcon.h"
 #include "ui/updates/UpdateWindow.h"
-#include "update/AppcastUpdaterController.h"
 #include "update/UpdateService.h"
 
 #include <QApplication>
@@ -152,14 +151,14 @@ int run(int argc, char *argv[], const std::filesystem::path &program, bool &isRe
     ThreadTaskExecutor executor(mainActor);
 
     PkexecUpdateInstaller updateInstaller(program.parent_path() / "AmbertideInstallHelper");
-    UpdateService updates(UpdateConfiguration::fromBundle(mainBundle), userDefaults, calendar, updateInstaller,
-                          [&](UpdateSession &session) {
+    UpdateService updates(UpdateConfiguration::fromBundle(mainBundle), userDefaults, calendar, executor,
+                          updateInstaller, [&](UpdateSession &session) {
                               return std::make_unique<UpdateWindow>(session, [&] {
                                   isRestartWanted = true;
                                   quit();
                               });
                           });
-    const auto createUpdaterController = [&] { return std::make_unique<AppcastUpdaterController>(updates, executor); };
+    const auto createUpdaterController = [&] { return updates.createController(); };
 
     std::optional<AppScenes> scenes;
     bool isSuperfluous = false;

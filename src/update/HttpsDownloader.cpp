@@ -2,7 +2,6 @@
 
 #include <QHostAddress>
 #include <QIODevice>
-#include <QNetworkReply>
 
 #include <utility>
 
@@ -10,43 +9,32 @@ namespace ambertide {
 
 namespace {
 
+using Kind = UpdateFailure::Kind;
+
 constexpr int mostRedirects = 5;
 constexpr qint64 pieceBytes = 64 * 1024;
 
-bool isLoopback(const QString &host) { return QHostAddress(host).isLoopback(); }
+int statusOf(const QNetworkReply &reply) { return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); }
 
-bool isRedirect(int status)
+Kind kindOf(const QNetworkReply &reply)
 {
-    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-}
-
-/// Every attribute that would let the network layer act on its own is off.
-QNetworkRequest plainRequest(const QUrl &location)
-{
-    QNetworkRequest request(location);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    // A compressed answer could unpack to far more than what came; setting the header also turns unpacking off.
-    request.setRawHeader("Accept-Encoding", "identity");
-    request.setRawHeader("User-Agent", "Ambertide");
-    return request;
+    switch (reply.error()) {
+    case QNetworkReply::InsecureRedirectError:
+        return Kind::NotSecure;
+    case QNetworkReply::OperationCanceledError: // by the transfer timeout: cancel() does not listen any more
+        return Kind::TimedOut;
+    default: // a redirect that leads nowhere has a status, too
+        return statusOf(reply) >= 300 ? Kind::ServerError : Kind::Unreachable;
+    }
 }
 
 } // namespace
 
-HttpsDownloader::HttpsDownloader(TransportSecurity security, QObject *parent)
-    : QObject(parent), m_security(security), m_network(this)
+HttpsDownloader::HttpsDownloader(TransportSecurity security) : m_security(security)
 {
-    m_patience.setSingleShot(true);
     m_total.setSingleShot(true);
-    const auto timeOut = [this] { fail(UpdateFailure::Kind::TimedOut, QStringLiteral("the server is too slow")); };
-    connect(&m_patience, &QTimer::timeout, this, timeOut);
-    connect(&m_total, &QTimer::timeout, this, timeOut);
+    connect(&m_total, &QTimer::timeout, this,
+            [this] { fail(Kind::TimedOut, QStringLiteral("the server is too slow")); });
 }
 
 HttpsDownloader::~HttpsDownloader() { cancel(); }
@@ -57,93 +45,73 @@ void HttpsDownloader::start(const QUrl &location, QIODevice &sink, const Downloa
     m_sink = &sink;
     m_limits = limits;
     m_received = 0;
-    m_redirects = 0;
-    m_total.start(limits.total);
-    m_patience.start(limits.connect);
-    QMetaObject::invokeMethod(
-        this,
-        [this, location, run = ++m_run] {
-            if (run == m_run)
-                request(location);
-        },
-        Qt::QueuedConnection);
-}
-
-void HttpsDownloader::cancel()
-{
-    ++m_run;
-    m_patience.stop();
-    m_total.stop();
-    dropReply();
-}
-
-bool HttpsDownloader::isAllowed(const QUrl &location) const
-{
-    if (!location.isValid() || location.host().isEmpty() || !location.userInfo().isEmpty())
-        return false;
-    return location.scheme() == QLatin1String("https") ||
-           (m_security == TransportSecurity::HttpsOrLoopback && location.scheme() == QLatin1String("http") &&
-            isLoopback(location.host()));
-}
-
-void HttpsDownloader::request(const QUrl &location)
-{
+    m_expected = limits.exactBytes.value_or(0);
     if (!isAllowed(location))
-        return fail(UpdateFailure::Kind::NotSecure, location.toDisplayString().left(200));
-    m_hasHead = false;
-    m_expected = 0;
-    m_patience.start(m_limits.connect);
-    m_reply = m_network.get(plainRequest(location));
+        return fail(Kind::NotSecure, location.toDisplayString().left(200));
+
+    QNetworkRequest request(location);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    request.setMaximumRedirectsAllowed(mostRedirects);
+    request.setTransferTimeout(static_cast<int>(limits.idle.count()));
+    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false); // HTTP/1.1 is enough for one file
+    // A compressed answer could unpack to far more than what came; setting the header also turns unpacking off.
+    request.setRawHeader("Accept-Encoding", "identity");
+    request.setRawHeader("User-Agent", "Ambertide");
+    m_total.start(limits.total);
+    m_reply = m_network.get(request);
     m_reply->setReadBufferSize(pieceBytes);
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &HttpsDownloader::readHead);
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpsDownloader::readBody);
     connect(m_reply, &QNetworkReply::finished, this, &HttpsDownloader::end);
 }
 
-void HttpsDownloader::readHead()
+/// Leaves the reply to the event loop, where its end closes the connection: this may run inside one of its signals.
+void HttpsDownloader::cancel()
 {
-    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (m_hasHead || status == 0)
+    m_total.stop();
+    const QPointer reply = std::exchange(m_reply, nullptr);
+    if (!reply)
         return;
-    m_hasHead = true;
-    if (isRedirect(status))
-        return followRedirect(status);
-    if (status != 200)
-        return fail(UpdateFailure::Kind::ServerError, QStringLiteral("HTTP status %1").arg(status));
-    m_expected = m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
-    if (m_expected > m_limits.mostBytes)
-        return fail(UpdateFailure::Kind::TooLarge, QStringLiteral("%1 bytes announced").arg(m_expected));
-    if (m_limits.exactBytes && m_expected > 0 && m_expected != *m_limits.exactBytes)
-        return fail(UpdateFailure::Kind::WrongLength,
-                    QStringLiteral("%1 bytes instead of %2").arg(m_expected).arg(*m_limits.exactBytes));
-    m_patience.start(m_limits.idle);
+    reply->disconnect(this);
+    reply->deleteLater();
 }
 
-void HttpsDownloader::followRedirect(int status)
+bool HttpsDownloader::isAllowed(const QUrl &location) const
 {
-    const auto target = m_reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
-    if (target.isEmpty() || ++m_redirects > mostRedirects)
-        return fail(UpdateFailure::Kind::ServerError, QStringLiteral("HTTP status %1 leads nowhere").arg(status));
-    const QUrl location = m_reply->url().resolved(target);
-    dropReply();
-    request(location);
+    if (location.scheme() == QLatin1String("https"))
+        return !location.host().isEmpty();
+    return m_security == TransportSecurity::HttpsOrLoopback && location.scheme() == QLatin1String("http") &&
+           QHostAddress(location.host()).isLoopback();
+}
+
+void HttpsDownloader::readHead()
+{
+    const int status = statusOf(*m_reply);
+    if (status >= 400)
+        return fail(Kind::ServerError, QStringLiteral("HTTP status %1").arg(status));
+    const qint64 length = m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
+    if (status != 200 || length <= 0)
+        return;
+    if (length > m_limits.mostBytes)
+        return fail(Kind::TooLarge, QStringLiteral("%1 bytes announced").arg(length));
+    if (m_limits.exactBytes.value_or(length) != length)
+        return fail(Kind::WrongLength, QStringLiteral("%1 bytes instead of %2").arg(length).arg(*m_limits.exactBytes));
+    m_expected = length;
 }
 
 void HttpsDownloader::readBody()
 {
-    readHead();
     while (m_reply && m_reply->bytesAvailable() > 0) {
         const QByteArray piece = m_reply->read(pieceBytes);
         m_received += piece.size();
         if (m_received > m_limits.mostBytes)
-            return fail(UpdateFailure::Kind::TooLarge, QStringLiteral("more than %1 bytes").arg(m_limits.mostBytes));
+            return fail(Kind::TooLarge, QStringLiteral("more than %1 bytes").arg(m_limits.mostBytes));
         if (m_limits.exactBytes && m_received > *m_limits.exactBytes)
-            return fail(UpdateFailure::Kind::WrongLength,
+            return fail(Kind::WrongLength,
                         QStringLiteral("more than the %1 bytes announced").arg(*m_limits.exactBytes));
         if (m_sink->write(piece) != piece.size())
-            return fail(UpdateFailure::Kind::CannotStore, m_sink->errorString());
-        m_patience.start(m_limits.idle);
-        Q_EMIT progressed(m_received, m_limits.exactBytes.value_or(m_expected));
+            return fail(Kind::CannotStore, m_sink->errorString());
+        Q_EMIT progressed(m_received, m_expected);
     }
 }
 
@@ -153,23 +121,13 @@ void HttpsDownloader::end()
     if (!m_reply)
         return;
     if (m_reply->error() != QNetworkReply::NoError)
-        return fail(UpdateFailure::Kind::Unreachable, m_reply->errorString());
-    const qint64 announced = m_limits.exactBytes.value_or(m_expected);
-    if (announced > 0 && m_received != announced)
-        return fail(UpdateFailure::Kind::WrongLength,
-                    QStringLiteral("%1 bytes instead of %2").arg(m_received).arg(announced));
+        return fail(kindOf(*m_reply), m_reply->errorString());
+    if (const int status = statusOf(*m_reply); status != 200)
+        return fail(Kind::ServerError, QStringLiteral("HTTP status %1").arg(status));
+    if (m_expected > 0 && m_received != m_expected)
+        return fail(Kind::WrongLength, QStringLiteral("%1 bytes instead of %2").arg(m_received).arg(m_expected));
     cancel();
     Q_EMIT finished();
-}
-
-/// Leaves the reply to the event loop, where its end closes the connection: this may run inside one of its signals.
-void HttpsDownloader::dropReply()
-{
-    const QPointer reply = std::exchange(m_reply, nullptr);
-    if (!reply)
-        return;
-    reply->disconnect(this);
-    reply->deleteLater();
 }
 
 void HttpsDownloader::fail(UpdateFailure::Kind kind, const QString &detail)

@@ -3,6 +3,7 @@
 #include "update/UpdateFailure.h"
 
 #include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
@@ -11,7 +12,6 @@
 #include <optional>
 
 class QIODevice;
-class QNetworkReply;
 
 namespace ambertide {
 
@@ -24,22 +24,21 @@ enum class TransportSecurity {
 struct DownloadLimits
 {
     qint64 mostBytes = 0;
-    std::optional<qint64> exactBytes = {};                        ///< when another source announced the length
-    std::chrono::milliseconds connect = std::chrono::seconds(20); ///< to the head of the answer, at each hop
-    std::chrono::milliseconds idle = std::chrono::seconds(30);    ///< between two pieces of the body
+    std::optional<qint64> exactBytes = {};                     ///< when another source announced the length
+    std::chrono::milliseconds idle = std::chrono::seconds(30); ///< without a byte, from the connection on
     std::chrono::milliseconds total = std::chrono::minutes(2);
 };
 
-/// Fetches one file at a time over HTTPS, each redirect checked before it is followed.
+/// Fetches one file at a time over HTTPS, with as few redirects as a server needs, all of them to HTTPS.
 ///
 /// Main thread. Holds no more than a few pieces of the body in memory. Ends with exactly one of finished() and
-/// failed(), never from within start(); with neither after cancel().
+/// failed(), which may come from within start(); with neither after cancel().
 class HttpsDownloader final : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit HttpsDownloader(TransportSecurity security, QObject *parent = nullptr);
+    explicit HttpsDownloader(TransportSecurity security);
     ~HttpsDownloader() override;
 
     /// Ends what is under way. `sink` is open for writing and outlives the download; after a failure it may hold a
@@ -55,12 +54,9 @@ Q_SIGNALS:
 
 private:
     bool isAllowed(const QUrl &location) const;
-    void request(const QUrl &location);
     void readHead();
-    void followRedirect(int status);
     void readBody();
     void end();
-    void dropReply();
     void fail(UpdateFailure::Kind kind, const QString &detail);
 
     TransportSecurity m_security;
@@ -68,13 +64,9 @@ private:
     QPointer<QNetworkReply> m_reply;
     QIODevice *m_sink = nullptr;
     DownloadLimits m_limits;
-    QTimer m_patience; ///< runs out when the server says nothing for too long
     QTimer m_total;
     qint64 m_received = 0;
-    qint64 m_expected = 0;
-    int m_redirects = 0;
-    int m_run = 0; ///< tells a start that was cancelled before the event loop came to it
-    bool m_hasHead = false;
+    qint64 m_expected = 0; ///< 0 when unknown
 };
 
 } // namespace ambertide

@@ -1,33 +1,39 @@
 #include "update/UpdateChoice.h"
 
-#include "update/VersionComparator.h"
-
-#include <algorithm>
+#include <QVersionNumber>
 
 namespace ambertide {
 
 namespace {
 
-std::weak_ordering compare(const QString &left, const QString &right)
-{
-    return compareVersions(left.toStdString(), right.toStdString());
-}
-
 bool isEligible(const AppcastItem &item, const RunningVersion &running)
 {
-    const bool canBeUsed = item.packageLink.isEmpty() ? isInformationalFor(item, running) : true;
-    return canBeUsed && item.operatingSystem == QLatin1String("linux") && item.channel.isEmpty() &&
-           compare(item.version, running.version) > 0 &&
-           (item.minimumSystemVersion.isEmpty() || compare(item.minimumSystemVersion, running.systemVersion) <= 0);
+    return !item.packageLink.isEmpty() && item.operatingSystem == QLatin1String("linux") &&
+           compareVersions(item.version, running.version) > 0;
 }
 
 } // namespace
+
+std::weak_ordering compareVersions(const QString &left, const QString &right)
+{
+    qsizetype leftEnd = 0;
+    qsizetype rightEnd = 0;
+    const auto leftNumbers = QVersionNumber::fromString(left, &leftEnd).normalized();
+    const auto rightNumbers = QVersionNumber::fromString(right, &rightEnd).normalized();
+    if (const int order = QVersionNumber::compare(leftNumbers, rightNumbers); order != 0)
+        return order <=> 0;
+    const QString leftSuffix = left.mid(leftEnd);
+    const QString rightSuffix = right.mid(rightEnd);
+    if (leftSuffix.isEmpty() || rightSuffix.isEmpty())
+        return leftSuffix.isEmpty() <=> rightSuffix.isEmpty();
+    return leftSuffix.compare(rightSuffix) <=> 0;
+}
 
 std::optional<AppcastItem> chooseUpdate(const Appcast &appcast, const RunningVersion &running)
 {
     const AppcastItem *best = nullptr;
     for (const auto &item : appcast.items) {
-        if (isEligible(item, running) && (best == nullptr || compare(item.version, best->version) > 0))
+        if (isEligible(item, running) && (best == nullptr || compareVersions(item.version, best->version) > 0))
             best = &item;
     }
     return best != nullptr ? std::optional(*best) : std::nullopt;
@@ -36,21 +42,13 @@ std::optional<AppcastItem> chooseUpdate(const Appcast &appcast, const RunningVer
 bool isCriticalFor(const AppcastItem &item, const RunningVersion &running)
 {
     return item.isCritical &&
-           (item.criticalBelowVersion.isEmpty() || compare(running.version, item.criticalBelowVersion) < 0);
-}
-
-bool isInformationalFor(const AppcastItem &item, const RunningVersion &running)
-{
-    const bool isForAll = item.informationalVersions.empty() && item.informationalBelowVersion.isEmpty();
-    const auto isRunning = [&](const QString &version) { return compare(version, running.version) == 0; };
-    return item.isInformational && (isForAll || std::ranges::any_of(item.informationalVersions, isRunning) ||
-                                    (!item.informationalBelowVersion.isEmpty() &&
-                                     compare(running.version, item.informationalBelowVersion) < 0));
+           (item.criticalBelowVersion.isEmpty() || compareVersions(running.version, item.criticalBelowVersion) < 0);
 }
 
 bool isSkipped(const AppcastItem &item, const QString &skippedVersion, const RunningVersion &running)
 {
-    return !skippedVersion.isEmpty() && compare(item.version, skippedVersion) <= 0 && !isCriticalFor(item, running);
+    return !skippedVersion.isEmpty() && compareVersions(item.version, skippedVersion) <= 0 &&
+           !isCriticalFor(item, running);
 }
 
 } // namespace ambertide

@@ -1,7 +1,5 @@
 #include "update/UpdateConfiguration.h"
 
-#include <QSysInfo>
-
 namespace ambertide {
 
 UpdateConfiguration UpdateConfiguration::fromBundle(const MainBundle &bundle)
@@ -15,7 +13,6 @@ UpdateConfiguration UpdateConfiguration::fromBundle(const MainBundle &bundle)
         SignatureVerifier::withPublicKey(bundle.information("SUPublicEDKey").value_or(std::string()));
     configuration.running.version = text("CFBundleVersion");
     configuration.running.displayVersion = text("CFBundleShortVersionString");
-    configuration.running.systemVersion = QSysInfo::kernelVersion();
     return configuration;
 }
 

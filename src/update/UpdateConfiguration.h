@@ -21,8 +21,7 @@ struct UpdateConfiguration
     RunningVersion running;
     TransportSecurity security = TransportSecurity::HttpsOnly;
 
-    /// From "SUFeedURL", "SUPublicEDKey" and the version values of the bundle's information. The kernel's version
-    /// counts as the system's.
+    /// From "SUFeedURL", "SUPublicEDKey" and the version values of the bundle's information.
     static UpdateConfiguration fromBundle(const MainBundle &bundle);
 
     /// What a check cannot do without, in one line; nothing when all is there.

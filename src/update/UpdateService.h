@@ -1,6 +1,8 @@
 #pragma once
 
+#include "base/Task.h"
 #include "ports/Calendar.h"
+#include "ports/UpdaterController.h"
 #include "update/UpdateSession.h"
 
 #include <functional>
@@ -20,29 +22,33 @@ public:
 /// Creates the windows for a session, which outlives them, and shows them.
 using UpdateViewFactory = std::function<std::unique_ptr<UpdateView>(UpdateSession &)>;
 
-/// Runs at most one session at a time, for all controllers of this process: closing the Settings window must not end a
-/// download that was begun there. Main thread.
+/// Answers UpdaterController over a signed appcast feed. Runs at most one session at a time, for all controllers of
+/// this process: closing the Settings window must not end a download that was begun there. Main thread.
 class UpdateService final
 {
 public:
     /// All that is passed by reference must outlive the service.
     UpdateService(UpdateConfiguration configuration, UserDefaults &defaults, const Calendar &calendar,
-                  UpdateInstaller &installer, UpdateViewFactory createView);
+                  TaskExecutor &executor, UpdateInstaller &installer, UpdateViewFactory createView);
     ~UpdateService();
     UpdateService(const UpdateService &) = delete;
     UpdateService &operator=(const UpdateService &) = delete;
 
-    bool canCheck() const { return !m_configuration.problem(); }
+    /// The service must outlive it.
+    std::unique_ptr<UpdaterController> createController();
     void check(UpdateSession::Origin origin);
-    /// 0 when an automatic check is due.
-    double secondsUntilAutomaticCheck(double interval) const;
 
 private:
+    class Controller;
+
+    bool canCheck() const { return !m_configuration.problem(); }
+    Async checkWhenDue(TaskContext context, double interval);
     void follow();
     void release();
 
     const UpdateConfiguration m_configuration;
     const Calendar &m_calendar;
+    TaskExecutor &m_executor;
     UpdateInstaller &m_installer;
     UpdateViewFactory m_createView;
     UpdateRecord m_record;

@@ -1,6 +1,6 @@
 #include "update/UpdateSession.h"
 
-#include "update/ReleaseNotes.h"
+#include "update/ForeignText.h"
 
 #include <QDir>
 #include <QPointer>
@@ -16,11 +16,6 @@ constexpr qsizetype longestVersion = 40;
 
 /// A foreign text that fits into a sentence.
 QString shortText(const QString &text) { return displayableText(text.simplified()).left(longestVersion); }
-
-QString notesFrom(const QString &text, bool isPlainText)
-{
-    return displayableText(isPlainText ? text : plainTextOfHtml(text));
-}
 
 bool isPlainTextFile(const QUrl &location)
 {
@@ -38,7 +33,7 @@ UpdateSession::UpdateSession(const UpdateConfiguration &configuration, UpdateRec
     connect(&m_feedDownloader, &HttpsDownloader::finished, this, &UpdateSession::readFeed);
     connect(&m_feedDownloader, &HttpsDownloader::failed, this, &UpdateSession::fail);
     connect(&m_notesDownloader, &HttpsDownloader::finished, this, [this] {
-        m_releaseNotes = notesFrom(QString::fromUtf8(m_notes.data()), isPlainTextFile(m_item.releaseNotesLink));
+        m_item.releaseNotes = {QString::fromUtf8(m_notes.data()), isPlainTextFile(m_item.releaseNotesLink)};
         Q_EMIT releaseNotesChanged();
     });
     connect(&m_packageDownloader, &HttpsDownloader::finished, this, &UpdateSession::verify);
@@ -99,7 +94,6 @@ void UpdateSession::readFeed()
         return end();
     m_item = *item;
     m_item.displayVersion = shortText(m_item.displayVersion);
-    m_releaseNotes = notesFrom(m_item.description, m_item.isDescriptionPlainText);
     setState(State::Found);
     loadReleaseNotes();
 }
@@ -111,7 +105,7 @@ void UpdateSession::loadReleaseNotes()
     m_notes.close();
     m_notes.setData({});
     m_notes.open(QIODevice::WriteOnly);
-    m_notesDownloader.start(m_item.releaseNotesLink, m_notes, {.mostBytes = longestReleaseNotes});
+    m_notesDownloader.start(m_item.releaseNotesLink, m_notes, {.mostBytes = longestForeignText});
 }
 
 void UpdateSession::download()

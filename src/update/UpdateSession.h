@@ -51,11 +51,10 @@ public:
     const RunningVersion &running() const { return m_configuration.running; }
     const AppcastItem &item() const { return m_item; } ///< from Found on
     bool isCritical() const { return isCriticalFor(m_item, running()); }
-    bool isInformational() const { return isInformationalFor(m_item, running()); }
-    QString releaseNotes() const { return m_releaseNotes; }    ///< plain text, fit to be shown
-    const UpdateFailure &failure() const { return m_failure; } ///< in Failed
-    qint64 receivedBytes() const { return m_received; }        ///< in Downloading
-    qint64 expectedBytes() const { return m_expected; }        ///< in Downloading; 0 when unknown
+    const ReleaseNotes &releaseNotes() const { return m_item.releaseNotes; } ///< foreign, as they came
+    const UpdateFailure &failure() const { return m_failure; }               ///< in Failed
+    qint64 receivedBytes() const { return m_received; }                      ///< in Downloading
+    qint64 expectedBytes() const { return m_expected; }                      ///< in Downloading; 0 when unknown
 
     void download();
     void install();
@@ -86,7 +85,6 @@ private:
     QBuffer m_feed;
     AppcastItem m_item;
     QBuffer m_notes;
-    QString m_releaseNotes;
     UpdateFailure m_failure{};
     std::unique_ptr<QTemporaryFile> m_package;
     qint64 m_received = 0;

@@ -1,5 +1,3 @@
-#include "support/FakeTaskExecutor.h"
-#include "update/AppcastUpdaterController.h"
 #include "update/UpdateFixture.h"
 
 using namespace ambertide;
@@ -34,36 +32,30 @@ private Q_SLOTS:
     {
         UpdateFixture fixture;
         const auto service = fixture.service();
-        const auto checkInSilence = [&] {
+        const auto endsAs = [&](Origin origin, State state) {
+            // A manual check joins the automatic one that is under way.
+            service->check(Origin::Automatic);
+            service->check(origin);
+            QTRY_VERIFY(fixture.session && fixture.session->state() == state);
+            state == State::Found ? fixture.session->skip() : fixture.session->end();
+            QTRY_VERIFY(!fixture.session);
+        };
+        const auto endsInSilence = [&] {
             service->check(Origin::Automatic);
             // Were that check still under way or shown, this one would join it and not ask the server again.
             const int before = fixture.server.requestCount("/feed");
             QTRY_VERIFY((service->check(Origin::Automatic), fixture.server.requestCount("/feed") > before + 1));
             QVERIFY(!fixture.session);
         };
-        const auto endsAs = [&](Origin origin, State state) {
-            service->check(origin); // a manual check joins the automatic one that is under way
-            QTRY_VERIFY(fixture.session && fixture.session->state() == state);
-        };
-        const auto end = [&] {
-            fixture.session->end();
-            QTRY_VERIFY(!fixture.session);
-        };
-        checkInSilence();
+        endsInSilence();
         endsAs(Origin::Manual, State::Failed);
-        end();
         fixture.serveFeed({});
-        checkInSilence();
+        endsInSilence();
         endsAs(Origin::Manual, State::UpToDate);
-        end();
         fixture.announce({}, {});
         endsAs(Origin::Automatic, State::Found);
-        fixture.session->skip();
-        QTRY_VERIFY(!fixture.session);
-        checkInSilence();
+        endsInSilence();
         endsAs(Origin::Manual, State::Found); // which forgets the skip
-        end();
-        endsAs(Origin::Automatic, State::Found);
     }
 
     void aBuildWithoutAKeySaysSoWhenAsked()
@@ -83,35 +75,35 @@ private Q_SLOTS:
     void twoControllersShareOneSessionAndOneCheckADay()
     {
         UpdateFixture fixture;
-        FakeTaskExecutor executor;
         const auto service = fixture.service();
         const auto pass = [&](std::chrono::seconds time) {
             fixture.calendar.current.secondsSinceReference += static_cast<double>(time.count());
-            executor.advance(time);
+            fixture.executor.advance(time);
             return fixture.defaults.doubleValue("SULastCheckTime");
         };
         {
-            AppcastUpdaterController one(*service, executor);
-            AppcastUpdaterController two(*service, executor);
+            const auto one = service->createController();
+            const auto two = service->createController();
             fixture.defaults.setDouble("SULastCheckTime", 1e9); // as when the clock was set back since
             QCOMPARE(pass(48h), 1e9);                           // off until switched on
-            one.setAutomaticallyChecksForUpdates(true);
-            two.setAutomaticallyChecksForUpdates(true);
-            one.setUpdateCheckInterval(86400);
-            const double firstCheck = pass(0s); // the server knows no feed, which counts as a check
-            QTRY_COMPARE(fixture.server.requestCount("/feed"), 1);
+            one->setAutomaticallyChecksForUpdates(true);
+            two->setAutomaticallyChecksForUpdates(true);
+            one->setUpdateCheckInterval(86400);
+            const double firstCheck = pass(0s);
+            one->checkForUpdates(); // joins that check, which must have ended before the next one can begin
+            two->checkForUpdates();
+            QCOMPARE(fixture.forwardCount, 2);
+            QTRY_VERIFY(fixture.session->state() == State::Failed);
+            QCOMPARE(fixture.server.requestCount("/feed"), 1);
+            fixture.session->end();
             QCOMPARE(pass(23h), firstCheck);
             QCOMPARE(pass(1h), firstCheck + 86400);
-            one.checkForUpdates();
-            const int before = fixture.forwardCount;
-            two.checkForUpdates();
-            QCOMPARE(fixture.forwardCount, before + 1);
-            one.setAutomaticallyChecksForUpdates(false);
-            executor.runReady();
-            QCOMPARE(executor.sleeperCount(), std::size_t{1});
+            one->setAutomaticallyChecksForUpdates(false);
+            fixture.executor.runReady();
+            QCOMPARE(fixture.executor.sleeperCount(), std::size_t{1});
         }
-        executor.runReady();
-        QCOMPARE(executor.sleeperCount(), std::size_t{0});
+        fixture.executor.runReady();
+        QCOMPARE(fixture.executor.sleeperCount(), std::size_t{0});
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include "support/FakeCalendar.h"
 #include "support/FakeMainBundle.h"
+#include "support/FakeTaskExecutor.h"
 #include "support/FakeUserDefaults.h"
 #include "support/LoopbackServer.h"
 #include "support/SigningKey.h"
@@ -55,7 +56,8 @@ struct UpdateFixture final : UpdateInstaller
     {
         auto configuration = UpdateConfiguration::fromBundle(bundle);
         configuration.security = TransportSecurity::HttpsOrLoopback;
-        return std::make_unique<UpdateService>(configuration, defaults, calendar, *this, std::move(createView));
+        return std::make_unique<UpdateService>(configuration, defaults, calendar, executor, *this,
+                                               std::move(createView));
     }
     std::unique_ptr<UpdateService> service()
     {
@@ -70,6 +72,7 @@ struct UpdateFixture final : UpdateInstaller
     FakeMainBundle bundle{"/nowhere/Ambertide.app"};
     FakeUserDefaults defaults;
     FakeCalendar calendar;
+    FakeTaskExecutor executor;
     QPointer<UpdateSession> session; ///< the one that is shown
     int forwardCount = 0;
     std::filesystem::path installedPackage;

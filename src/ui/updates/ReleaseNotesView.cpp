@@ -3,12 +3,15 @@
 #include "ui/controls/Drawing.h"
 #include "ui/controls/TextStyle.h"
 #include "ui/controls/Theme.h"
+#include "update/ForeignText.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTextDocument>
+#include <QTextDocumentFragment>
 
 namespace ambertide {
 
@@ -17,6 +20,34 @@ namespace {
 constexpr int leastHeight = 200; // logical pixels, with the usual font
 constexpr double padding = 11;
 constexpr double focusRingRadius = 7;
+
+QRegularExpression pattern(const char *text)
+{
+    return QRegularExpression(QLatin1String(text), QRegularExpression::CaseInsensitiveOption |
+                                                       QRegularExpression::DotMatchesEverythingOption);
+}
+
+/// Of the tags nothing but line breaks is left for the toolkit's reader of HTML: it takes the square of the time for
+/// elements that nest, and gigabytes for a table that claims a thousand columns. Each pattern takes a tag to its end or
+/// to the next one's start, so that no new tag comes of what is left.
+QString plainTextOfHtml(QString html)
+{
+    static const auto hidden = pattern("<!--.*?(-->|\\z)|<(script|style|head|title)\\b.*?(</\\2\\b[^<>]*>?|\\z)");
+    static const auto listItem = pattern("<li\\b[^<>]*>?");
+    static const auto line = pattern("</?(p|h[1-6]|br|hr|div|ul|ol|pre|table|tr|blockquote)\\b[^<>]*>?");
+    static const auto other = pattern("<(?!br>)[^<>]*>?");
+    static const auto aroundLines = pattern("[ \\t]*\n[ \\t]*");
+    static const auto emptyLines = pattern("\n{3,}");
+    html.remove(hidden);
+    html.replace(pattern("<(?![a-z/!?])"), QStringLiteral("&lt;"));
+    html.replace(listItem, QStringLiteral("<br>\u2022 "));
+    html.replace(line, QStringLiteral("<br>"));
+    html.remove(other);
+    QString text = QTextDocumentFragment::fromHtml(html).toPlainText();
+    text.replace(aroundLines, QStringLiteral("\n"));
+    text.replace(emptyLines, QStringLiteral("\n\n"));
+    return text.trimmed();
+}
 
 } // namespace
 
@@ -31,6 +62,12 @@ ReleaseNotesView::ReleaseNotesView()
     setAccessibleName(tr("Release Notes"));
     setPlaceholderText(tr("There are no release notes."));
     follow();
+}
+
+void ReleaseNotesView::setNotes(const ReleaseNotes &notes)
+{
+    const QString text = notes.text.left(longestForeignText);
+    setPlainText(displayableText(notes.isPlainText ? text : plainTextOfHtml(text)));
 }
 
 bool ReleaseNotesView::event(QEvent *event)

@@ -1,17 +1,22 @@
 #pragma once
 
+#include "update/Appcast.h"
+
 #include <QPlainTextEdit>
 
 namespace ambertide {
 
-/// Release notes to be read and copied, by mouse or keyboard, on a card's surface. Plain text alone: it may come from a
-/// feed.
+/// Release notes to be read and copied, by mouse or keyboard, on a card's surface. They are foreign: nothing that they
+/// name is loaded, run or opened, and whatever they hold takes no longer than their length asks for.
 class ReleaseNotesView final : public QPlainTextEdit
 {
     Q_OBJECT
 
 public:
     ReleaseNotesView();
+
+    /// HTML becomes plain text, with paragraphs and list items on lines of their own.
+    void setNotes(const ReleaseNotes &notes);
 
 protected:
     bool event(QEvent *event) override;

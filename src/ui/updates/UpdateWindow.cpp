@@ -8,7 +8,6 @@
 #include "ui/updates/UpdateFailureText.h"
 #include "ui/updates/UpdatePage.h"
 
-#include <QDesktopServices>
 #include <QEvent>
 #include <QLocale>
 #include <QScreen>
@@ -33,9 +32,9 @@ Card *releaseNotesCard(const UpdateSession &session)
 {
     constexpr int inset = 3; // keeps square corners inside of the round ones
     auto *notes = new ReleaseNotesView;
-    notes->setPlainText(session.releaseNotes());
+    notes->setNotes(session.releaseNotes());
     QObject::connect(&session, &UpdateSession::releaseNotesChanged, notes,
-                     [&session, notes] { notes->setPlainText(session.releaseNotes()); });
+                     [&session, notes] { notes->setNotes(session.releaseNotes()); });
     auto *card = new Card;
     card->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     card->layout()->setContentsMargins(inset, inset, inset, inset);
@@ -159,12 +158,7 @@ UpdatePage *UpdateWindow::foundPage()
         connect(page->addButton(tr("Skip This Version"), UpdatePage::Place::Aside), &Button::clicked, &m_session,
                 &UpdateSession::skip);
     connect(page->addButton(tr("Remind Me Later")), &Button::clicked, &m_session, &UpdateSession::end);
-    const bool isInformational = m_session.isInformational();
-    auto *install = page->addDefaultButton(isInformational ? tr("Learn More\u2026") : tr("Install Update"));
-    if (isInformational)
-        connect(install, &Button::clicked, this, &UpdateWindow::learnMore);
-    else
-        connect(install, &Button::clicked, &m_session, &UpdateSession::download);
+    connect(page->addDefaultButton(tr("Install Update")), &Button::clicked, &m_session, &UpdateSession::download);
     return page;
 }
 
@@ -237,15 +231,6 @@ UpdatePage *UpdateWindow::failedPage()
         connect(page->addButton(tr("Try Again")), &Button::clicked, &m_session, &UpdateSession::start);
     connect(page->addDefaultButton(tr("OK")), &Button::clicked, &m_session, &UpdateSession::end);
     return page;
-}
-
-void UpdateWindow::learnMore()
-{
-    // Only a web page, whatever the feed names: other schemes start other programs.
-    const QUrl link = m_session.item().link;
-    if (link.scheme() == QLatin1String("https"))
-        QDesktopServices::openUrl(link);
-    m_session.end();
 }
 
 } // namespace ambertide

@@ -38,7 +38,6 @@ private:
     UpdatePage *installingPage();
     UpdatePage *installedPage();
     UpdatePage *failedPage();
-    void learnMore();
 
     UpdateSession &m_session;
     std::function<void()> m_relaunch;

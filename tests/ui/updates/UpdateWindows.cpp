@@ -1,4 +1,5 @@
 #include "ui/controls/HouseStyle.h"
+#include "ui/updates/ReleaseNotesView.h"
 #include "ui/updates/UpdateWindow.h"
 #include "update/UpdateFixture.h"
 
@@ -41,6 +42,7 @@ private:
         }
         return texts;
     }
+    QString notes() const { return m_window->findChild<QPlainTextEdit *>()->toPlainText(); }
     void press(const char *text)
     {
         for (auto *button : m_window->findChildren<QPushButton *>()) {
@@ -64,7 +66,7 @@ private Q_SLOTS:
         updates->check(Origin::Manual);
         QVERIFY(texts<QLabel>().startsWith(QStringLiteral("Checking for updates")));
         QTRY_VERIFY(texts<QLabel>().contains(QStringLiteral("Ambertide <b>0.6 is now available. You have 0.5.")));
-        QTRY_COMPARE(m_window->findChild<QPlainTextEdit *>()->toPlainText(), QStringLiteral("\u2022 Better"));
+        QTRY_COMPARE(notes(), QStringLiteral("\u2022 Better"));
         for (const auto *label : m_window->findChildren<QLabel *>())
             QCOMPARE(label->textFormat(), Qt::PlainText);
         press("Install Update");
@@ -86,6 +88,32 @@ private Q_SLOTS:
         QTRY_VERIFY(!m_window);
         QVERIFY(!file.exists());
         QCOMPARE(fixture.server.requestCount("/picture"), 0);
+    }
+
+    void releaseNotesBecomePlainText()
+    {
+        ReleaseNotesView view;
+        const auto shown = [&view](const QString &html) {
+            view.setNotes({html, false});
+            return view.toPlainText().toStdString();
+        };
+        QCOMPARE(shown(QStringLiteral("<h1>New</h1>\n<p>One\n two</p><p>Three<br>four</p>")),
+                 "New\n\nOne two\n\nThree\nfour");
+        QCOMPARE(shown(QStringLiteral("<ul>\n <li>one</li>\n <li><b>two</b></li></ul>")), "\u2022 one\n\u2022 two");
+        QCOMPARE(shown(QStringLiteral("a &amp;&lt;b&gt; &#x41; <s<i>cript>&")), "a &<b> A cript>&");
+        QCOMPARE(
+            shown(QStringLiteral("a<script>alert('<p>')</script>b<!-- <p> --><img src=x onerror=y>c 1 < 2 <style>p")),
+            "abc 1 < 2");
+        QCOMPARE(shown(QStringLiteral("a&#x202e;b\u202e&#7;c<pre>d")), "abc\nd");
+        for (const char *piece : {"<", "<b>", "</i>", "<li>", "<table><tr><td>", "<td rowspan=9999 colspan=9999>",
+                                  "<!--", "<script", "&lt;", "&", "<br>", " "}) {
+            QElapsedTimer watch;
+            watch.start();
+            shown(QString::fromLatin1(piece).repeated(200000));
+            QVERIFY2(watch.elapsed() < 3000, piece);
+        }
+        view.setNotes({QStringLiteral("<b>plain</b>"), true});
+        QCOMPARE(view.toPlainText(), QStringLiteral("<b>plain</b>"));
     }
 
     void aFailedCheckCanBeTriedAgainAndTheServiceMayGo()
