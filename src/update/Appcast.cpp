@@ -80,10 +80,7 @@ private:
 
     void readEnclosure(AppcastItem &item)
     {
-        const auto attributes = m_xml.attributes();
-        item.packageLink = QUrl(attributes.value(QLatin1String("url")).toString(), QUrl::StrictMode);
-        const qint64 length = attributes.value(QLatin1String("length")).toLongLong();
-        item.packageLength = length > 0 ? std::optional(length) : std::nullopt;
+        item.packageLink = QUrl(m_xml.attributes().value(QLatin1String("url")).toString(), QUrl::StrictMode);
         item.signature = attribute("edSignature");
         // An item's own element counts before the attribute, whichever comes first.
         const auto fill = [this](QString &field, const char *name) {

@@ -25,9 +25,8 @@ struct AppcastItem
     QUrl releaseNotesLink;
     ReleaseNotes releaseNotes;
 
-    QUrl packageLink;                    ///< empty when there is nothing to download
-    std::optional<qint64> packageLength; ///< bytes
-    QString signature;                   ///< base64
+    QUrl packageLink;  ///< empty when there is nothing to download
+    QString signature; ///< base64
 
     bool isCritical = false;
     QString criticalBelowVersion; ///< with isCritical: for running versions below this one; empty means for all

@@ -45,7 +45,7 @@ void HttpsDownloader::start(const QUrl &location, QIODevice &sink, const Downloa
     m_sink = &sink;
     m_limits = limits;
     m_received = 0;
-    m_expected = limits.exactBytes.value_or(0);
+    m_expected = 0;
     if (!isAllowed(location))
         return fail(Kind::NotSecure, location.toDisplayString().left(200));
 
@@ -89,14 +89,9 @@ void HttpsDownloader::readHead()
     const int status = statusOf(*m_reply);
     if (status >= 400)
         return fail(Kind::ServerError, QStringLiteral("HTTP status %1").arg(status));
-    const qint64 length = m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
-    if (status != 200 || length <= 0)
-        return;
-    if (length > m_limits.mostBytes)
-        return fail(Kind::TooLarge, QStringLiteral("%1 bytes announced").arg(length));
-    if (m_limits.exactBytes.value_or(length) != length)
-        return fail(Kind::WrongLength, QStringLiteral("%1 bytes instead of %2").arg(length).arg(*m_limits.exactBytes));
-    m_expected = length;
+    m_expected = m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
+    if (m_expected > m_limits.mostBytes)
+        fail(Kind::TooLarge, QStringLiteral("%1 bytes announced").arg(m_expected));
 }
 
 void HttpsDownloader::readBody()
@@ -106,9 +101,6 @@ void HttpsDownloader::readBody()
         m_received += piece.size();
         if (m_received > m_limits.mostBytes)
             return fail(Kind::TooLarge, QStringLiteral("more than %1 bytes").arg(m_limits.mostBytes));
-        if (m_limits.exactBytes && m_received > *m_limits.exactBytes)
-            return fail(Kind::WrongLength,
-                        QStringLiteral("more than the %1 bytes announced").arg(*m_limits.exactBytes));
         if (m_sink->write(piece) != piece.size())
             return fail(Kind::CannotStore, m_sink->errorString());
         Q_EMIT progressed(m_received, m_expected);
@@ -124,8 +116,6 @@ void HttpsDownloader::end()
         return fail(kindOf(*m_reply), m_reply->errorString());
     if (const int status = statusOf(*m_reply); status != 200)
         return fail(Kind::ServerError, QStringLiteral("HTTP status %1").arg(status));
-    if (m_expected > 0 && m_received != m_expected)
-        return fail(Kind::WrongLength, QStringLiteral("%1 bytes instead of %2").arg(m_received).arg(m_expected));
     cancel();
     Q_EMIT finished();
 }

@@ -9,7 +9,6 @@
 #include <QTimer>
 
 #include <chrono>
-#include <optional>
 
 class QIODevice;
 
@@ -24,7 +23,6 @@ enum class TransportSecurity {
 struct DownloadLimits
 {
     qint64 mostBytes = 0;
-    std::optional<qint64> exactBytes = {};                     ///< when another source announced the length
     std::chrono::milliseconds idle = std::chrono::seconds(30); ///< without a byte, from the connection on
     std::chrono::milliseconds total = std::chrono::minutes(2);
 };

@@ -14,8 +14,6 @@ namespace ambertide {
 /// Where updates are announced, whom to believe, and what runs now.
 struct UpdateConfiguration
 {
-    static constexpr qint64 mostPackageBytes = qint64{128} * 1024 * 1024;
-
     QUrl feed;
     std::optional<SignatureVerifier> verifier; ///< nothing when the key is absent or a placeholder
     RunningVersion running;

@@ -14,7 +14,6 @@ struct UpdateFailure
         TimedOut,
         ServerError, ///< the server answered with an error
         TooLarge,
-        WrongLength, ///< more or less came than was announced
         FeedUnreadable,
         BadSignature, ///< none, malformed, or not made with the key over these bytes
         CannotStore,  ///< no room or no right to keep the package

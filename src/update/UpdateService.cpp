@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <chrono>
+#include <string_view>
 #include <utility>
 
 namespace ambertide {
 
 namespace {
+
+constexpr std::string_view lastCheckKey = "SULastCheckTime"; // seconds since the reference date
+constexpr double shortestInterval = 3600;                    // seconds
 
 // A sleep does not count the time that the machine is suspended, hence the look at the clock once an hour.
 constexpr std::chrono::duration<double> longestSleep = std::chrono::hours(1);
@@ -54,7 +58,7 @@ private:
 UpdateService::UpdateService(UpdateConfiguration configuration, UserDefaults &defaults, const Calendar &calendar,
                              TaskExecutor &executor, UpdateInstaller &installer, UpdateViewFactory createView)
     : m_configuration(std::move(configuration)), m_calendar(calendar), m_executor(executor), m_installer(installer),
-      m_createView(std::move(createView)), m_record(defaults)
+      m_createView(std::move(createView)), m_defaults(defaults)
 {
 }
 
@@ -64,29 +68,37 @@ std::unique_ptr<UpdaterController> UpdateService::createController() { return st
 
 void UpdateService::check(UpdateSession::Origin origin)
 {
-    const bool isManual = origin == UpdateSession::Origin::Manual;
     if (m_session && m_session->state() != UpdateSession::State::Ended) {
-        if (isManual)
+        if (origin == UpdateSession::Origin::Manual)
             m_session->makeManual();
-        if (isManual && m_view)
-            m_view->bringForward();
         return;
     }
     release();
     // Recorded first, so that a check that fails counts too and a second controller sees it at once.
-    m_record.setLastCheck(m_calendar.now());
-    m_session = std::make_unique<UpdateSession>(m_configuration, m_record, m_installer, origin);
+    m_defaults.setDouble(lastCheckKey, m_calendar.now().secondsSinceReference);
+    m_session = std::make_unique<UpdateSession>(m_configuration, m_defaults, m_installer, origin);
     QObject::connect(m_session.get(), &UpdateSession::stateChanged, &m_context, [this] { follow(); });
     m_session->start();
+}
+
+/// 0 when a check is due: also where there was none yet, or one in the future.
+double UpdateService::secondsUntilCheck(double interval) const
+{
+    if (!m_defaults.hasObject(lastCheckKey))
+        return 0;
+    const double elapsed = m_calendar.now().secondsSinceReference - m_defaults.doubleValue(lastCheckKey);
+    // Written so that what is not a number counts as too short.
+    const double wanted = interval > shortestInterval ? interval : shortestInterval;
+    return elapsed >= 0 && elapsed < wanted ? wanted - elapsed : 0;
 }
 
 Async UpdateService::checkWhenDue(TaskContext context, double interval)
 {
     for (;;) {
         context.throwIfCancelled();
-        if (m_record.secondsUntilCheck(m_calendar.now(), interval) <= 0)
+        if (secondsUntilCheck(interval) <= 0)
             check(UpdateSession::Origin::Automatic);
-        const std::chrono::duration<double> wait(m_record.secondsUntilCheck(m_calendar.now(), interval));
+        const std::chrono::duration<double> wait(secondsUntilCheck(interval));
         const auto sleep = std::clamp(wait, shortestSleep, longestSleep);
         co_await context.sleep(std::chrono::duration_cast<std::chrono::nanoseconds>(sleep));
         co_await context.onMain();

@@ -10,17 +10,8 @@
 
 namespace ambertide {
 
-/// The windows of one session.
-class UpdateView
-{
-public:
-    virtual ~UpdateView() = default;
-
-    virtual void bringForward() = 0;
-};
-
 /// Creates the windows for a session, which outlives them, and shows them.
-using UpdateViewFactory = std::function<std::unique_ptr<UpdateView>(UpdateSession &)>;
+using UpdateViewFactory = std::function<std::unique_ptr<QObject>(UpdateSession &)>;
 
 /// Answers UpdaterController over a signed appcast feed. Runs at most one session at a time, for all controllers of
 /// this process: closing the Settings window must not end a download that was begun there. Main thread.
@@ -42,6 +33,7 @@ private:
     class Controller;
 
     bool canCheck() const { return !m_configuration.problem(); }
+    double secondsUntilCheck(double interval) const;
     Async checkWhenDue(TaskContext context, double interval);
     void follow();
     void release();
@@ -51,9 +43,9 @@ private:
     TaskExecutor &m_executor;
     UpdateInstaller &m_installer;
     UpdateViewFactory m_createView;
-    UpdateRecord m_record;
+    UserDefaults &m_defaults; ///< holds the time of the last check
     std::unique_ptr<UpdateSession> m_session;
-    std::unique_ptr<UpdateView> m_view;
+    std::unique_ptr<QObject> m_view;
     QObject m_context; ///< of the calls that come back from the session and the event loop
 };
 

@@ -13,6 +13,8 @@ namespace ambertide {
 namespace {
 
 constexpr qsizetype longestVersion = 40;
+constexpr qint64 mostPackageBytes = qint64{128} * 1024 * 1024;
+constexpr std::string_view skippedVersionKey = "SUSkippedVersion";
 
 /// A foreign text that fits into a sentence.
 QString shortText(const QString &text) { return displayableText(text.simplified()).left(longestVersion); }
@@ -24,9 +26,9 @@ bool isPlainTextFile(const QUrl &location)
 
 } // namespace
 
-UpdateSession::UpdateSession(const UpdateConfiguration &configuration, UpdateRecord &record, UpdateInstaller &installer,
-                             Origin origin)
-    : m_configuration(configuration), m_record(record), m_installer(installer), m_origin(origin),
+UpdateSession::UpdateSession(const UpdateConfiguration &configuration, UserDefaults &defaults,
+                             UpdateInstaller &installer, Origin origin)
+    : m_configuration(configuration), m_defaults(defaults), m_installer(installer), m_origin(origin),
       m_feedDownloader(configuration.security), m_notesDownloader(configuration.security),
       m_packageDownloader(configuration.security)
 {
@@ -38,11 +40,7 @@ UpdateSession::UpdateSession(const UpdateConfiguration &configuration, UpdateRec
     });
     connect(&m_packageDownloader, &HttpsDownloader::finished, this, &UpdateSession::verify);
     connect(&m_packageDownloader, &HttpsDownloader::failed, this, &UpdateSession::fail);
-    connect(&m_packageDownloader, &HttpsDownloader::progressed, this, [this](qint64 received, qint64 expected) {
-        m_received = received;
-        m_expected = expected;
-        Q_EMIT progressed();
-    });
+    connect(&m_packageDownloader, &HttpsDownloader::progressed, this, &UpdateSession::progressed);
 }
 
 void UpdateSession::start()
@@ -52,7 +50,7 @@ void UpdateSession::start()
     if (m_state == State::Failed)
         m_origin = Origin::Manual; // a person tries again
     if (m_origin == Origin::Manual)
-        m_record.setSkippedVersion({});
+        m_defaults.setData(skippedVersionKey, {});
     m_feed.close();
     m_feed.setData({});
     m_feed.open(QIODevice::WriteOnly);
@@ -64,9 +62,10 @@ void UpdateSession::start()
 
 void UpdateSession::makeManual()
 {
-    m_record.setSkippedVersion({});
+    m_defaults.setData(skippedVersionKey, {});
     if (std::exchange(m_origin, Origin::Manual) != Origin::Manual)
         Q_EMIT stateChanged(); // it has become worth showing
+    Q_EMIT askedAgain();
 }
 
 bool UpdateSession::isWorthShowing() const
@@ -90,7 +89,8 @@ void UpdateSession::readFeed()
     const bool isAutomatic = m_origin == Origin::Automatic;
     if (!item)
         return isAutomatic ? end() : setState(State::UpToDate);
-    if (isAutomatic && isSkipped(*item, m_record.skippedVersion(), m_configuration.running))
+    const auto skipped = QString::fromStdString(m_defaults.data(skippedVersionKey).value_or(std::string()));
+    if (isAutomatic && isSkipped(*item, skipped, m_configuration.running))
         return end();
     m_item = *item;
     m_item.displayVersion = shortText(m_item.displayVersion);
@@ -112,16 +112,12 @@ void UpdateSession::download()
 {
     if (m_state != State::Found || m_item.packageLink.isEmpty())
         return;
-    m_received = 0;
-    m_expected = m_item.packageLength.value_or(0);
     m_package = std::make_unique<QTemporaryFile>(QDir::tempPath() + QStringLiteral("/ambertide-update-XXXXXX.deb"));
     setState(State::Downloading);
     if (!m_package->open())
         return fail({UpdateFailure::Kind::CannotStore, m_package->errorString()});
     m_packageDownloader.start(m_item.packageLink, *m_package,
-                              {.mostBytes = UpdateConfiguration::mostPackageBytes,
-                               .exactBytes = m_item.packageLength,
-                               .total = std::chrono::hours(1)});
+                              {.mostBytes = mostPackageBytes, .total = std::chrono::hours(1)});
 }
 
 void UpdateSession::verify()
@@ -168,7 +164,7 @@ void UpdateSession::skip()
 {
     if (m_state != State::Found || isCritical())
         return;
-    m_record.setSkippedVersion(m_item.version);
+    m_defaults.setData(skippedVersionKey, m_item.version.toStdString());
     end();
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "ports/UpdateInstaller.h"
+#include "ports/UserDefaults.h"
 #include "update/Appcast.h"
 #include "update/HttpsDownloader.h"
 #include "update/UpdateConfiguration.h"
-#include "update/UpdateRecord.h"
 
 #include <QBuffer>
 #include <QObject>
@@ -38,12 +38,12 @@ public:
     };
 
     /// All that is passed by reference must outlive the session.
-    UpdateSession(const UpdateConfiguration &configuration, UpdateRecord &record, UpdateInstaller &installer,
+    UpdateSession(const UpdateConfiguration &configuration, UserDefaults &defaults, UpdateInstaller &installer,
                   Origin origin);
 
     /// Also begins anew after a failure.
     void start();
-    /// A person asked while an automatic check is under way.
+    /// A person asked while a check is under way.
     void makeManual();
 
     State state() const { return m_state; }
@@ -53,8 +53,6 @@ public:
     bool isCritical() const { return isCriticalFor(m_item, running()); }
     const ReleaseNotes &releaseNotes() const { return m_item.releaseNotes; } ///< foreign, as they came
     const UpdateFailure &failure() const { return m_failure; }               ///< in Failed
-    qint64 receivedBytes() const { return m_received; }                      ///< in Downloading
-    qint64 expectedBytes() const { return m_expected; }                      ///< in Downloading; 0 when unknown
 
     void download();
     void install();
@@ -65,7 +63,10 @@ public:
 
 Q_SIGNALS:
     void stateChanged();
-    void progressed();
+    /// A person asked for what is shown already.
+    void askedAgain();
+    /// In Downloading, in bytes; `expected` is 0 when the server does not tell.
+    void progressed(qint64 received, qint64 expected);
     void releaseNotesChanged();
 
 private:
@@ -77,7 +78,7 @@ private:
     void fail(const UpdateFailure &failure);
 
     const UpdateConfiguration &m_configuration;
-    UpdateRecord &m_record;
+    UserDefaults &m_defaults; ///< holds the version that a person chose to skip
     UpdateInstaller &m_installer;
     Origin m_origin;
     State m_state = State::Checking;
@@ -87,8 +88,6 @@ private:
     QBuffer m_notes;
     UpdateFailure m_failure{};
     std::unique_ptr<QTemporaryFile> m_package;
-    qint64 m_received = 0;
-    qint64 m_expected = 0;
     // Last, so that they fall silent before what they write to is gone.
     HttpsDownloader m_feedDownloader;
     HttpsDownloader m_notesDownloader;

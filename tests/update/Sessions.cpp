@@ -92,7 +92,7 @@ private Q_SLOTS:
             const double firstCheck = pass(0s);
             one->checkForUpdates(); // joins that check, which must have ended before the next one can begin
             two->checkForUpdates();
-            QCOMPARE(fixture.forwardCount, 2);
+            QCOMPARE(fixture.askedCount, 2);
             QTRY_VERIFY(fixture.session->state() == State::Failed);
             QCOMPARE(fixture.server.requestCount("/feed"), 1);
             fixture.session->end();

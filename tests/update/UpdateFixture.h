@@ -17,13 +17,6 @@ namespace ambertide {
 /// for the test to say what came of the installation.
 struct UpdateFixture final : UpdateInstaller
 {
-    struct View final : UpdateView
-    {
-        explicit View(int &counter) : count(counter) {}
-        void bringForward() override { ++count; }
-        int &count;
-    };
-
     UpdateFixture()
     {
         bundle.values = {{"SUFeedURL", server.url("/feed").toString().toStdString()},
@@ -43,8 +36,8 @@ struct UpdateFixture final : UpdateInstaller
     void announce(const QByteArray &package, const std::string &signature, const QByteArray &more = {})
     {
         server.serve("/package", package);
-        serveFeed("<item><up:version>6</up:version>" + more + "<enclosure url='" + server.url("/package").toEncoded() +
-                  "' up:edSignature='" + QByteArray::fromStdString(signature) + "' up:os='linux'/></item>");
+        serveFeed("<item><up:version>6</up:version><up:os>linux</up:os>" + more + "<enclosure url='" +
+                  server.url("/package").toEncoded() + "' up:edSignature='" + signature.c_str() + "'/></item>");
     }
     void serveFeed(const QByteArray &items)
     {
@@ -63,7 +56,9 @@ struct UpdateFixture final : UpdateInstaller
     {
         return service([this](UpdateSession &shown) {
             session = &shown;
-            return std::make_unique<View>(forwardCount);
+            auto view = std::make_unique<QObject>();
+            QObject::connect(&shown, &UpdateSession::askedAgain, view.get(), [this] { ++askedCount; });
+            return view;
         });
     }
 
@@ -74,7 +69,7 @@ struct UpdateFixture final : UpdateInstaller
     FakeCalendar calendar;
     FakeTaskExecutor executor;
     QPointer<UpdateSession> session; ///< the one that is shown
-    int forwardCount = 0;
+    int askedCount = 0;
     std::filesystem::path installedPackage;
     std::string installedSignature;
     std::function<void(Result)> installed;

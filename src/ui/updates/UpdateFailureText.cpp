@@ -28,8 +28,6 @@ public:
             return tr("The update server could not answer the request. Try again later.");
         case UpdateFailure::Kind::TooLarge:
             return tr("The update server sent more than an update can be, so it was not loaded. Try again later.");
-        case UpdateFailure::Kind::WrongLength:
-            return tr("The download is not as long as it should be. Try again.");
         case UpdateFailure::Kind::FeedUnreadable:
             return tr("The update server sent something other than update information. If your network asks you to "
                       "log in first, do so and try again.");

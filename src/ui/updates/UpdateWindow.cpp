@@ -51,6 +51,7 @@ UpdateWindow::UpdateWindow(UpdateSession &session, std::function<void()> relaunc
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetNoConstraint);
     connect(&m_session, &UpdateSession::stateChanged, this, &UpdateWindow::showState);
+    connect(&m_session, &UpdateSession::askedAgain, this, &UpdateWindow::bringForward);
     showState();
     // An answer that comes at once is shown at once; and a window that changes its size before the window manager has
     // placed it would end up in the screen's corner.
@@ -119,7 +120,7 @@ UpdatePage *UpdateWindow::pageForState()
     case UpdateSession::State::ReadyToInstall:
         return readyPage();
     case UpdateSession::State::Installing:
-        return installingPage();
+        return busyPage(tr("Installing the update\u2026"));
     case UpdateSession::State::Installed:
         return installedPage();
     case UpdateSession::State::Failed:
@@ -129,10 +130,16 @@ UpdatePage *UpdateWindow::pageForState()
     return failedPage();
 }
 
+UpdatePage *UpdateWindow::busyPage(const QString &heading)
+{
+    auto *page = new UpdatePage(heading, {}, this);
+    page->addUnderTexts(new ProgressBar(page->accessibleName()));
+    return page;
+}
+
 UpdatePage *UpdateWindow::checkingPage()
 {
-    auto *page = new UpdatePage(tr("Checking for updates\u2026"), {}, this);
-    page->addUnderTexts(new ProgressBar(page->accessibleName()));
+    auto *page = busyPage(tr("Checking for updates\u2026"));
     connect(page->addButton(tr("Cancel")), &Button::clicked, &m_session, &UpdateSession::end);
     return page;
 }
@@ -168,11 +175,9 @@ UpdatePage *UpdateWindow::downloadingPage()
     auto *bar = new ProgressBar(page->accessibleName());
     // A space keeps the line's height until there is something to tell.
     auto *amount = new TextLabel(QStringLiteral(" "), TextStyle::Subheadline, &Theme::secondaryText);
-    connect(&m_session, &UpdateSession::progressed, bar, [this, bar, amount] {
+    connect(&m_session, &UpdateSession::progressed, bar, [bar, amount](qint64 received, qint64 expected) {
         const QLocale locale;
         const auto size = [&](qint64 bytes) { return locale.formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat); };
-        const qint64 received = m_session.receivedBytes();
-        const qint64 expected = m_session.expectedBytes();
         if (expected <= 0)
             return amount->setText(size(received));
         bar->setRange(0, progressSteps);
@@ -199,22 +204,10 @@ UpdatePage *UpdateWindow::readyPage()
     return page;
 }
 
-UpdatePage *UpdateWindow::installingPage()
-{
-    auto *page = new UpdatePage(tr("Installing the update\u2026"), {}, this);
-    page->addUnderTexts(new ProgressBar(page->accessibleName()));
-    return page;
-}
-
 UpdatePage *UpdateWindow::installedPage()
 {
-    auto *page = new UpdatePage(
-        tr("Ambertide %1 is installed").arg(m_session.item().displayVersion),
-        m_relaunch ? tr("Restart Ambertide to use it.") : tr("Quit and start Ambertide to use it."), this);
-    if (!m_relaunch) {
-        connect(page->addDefaultButton(tr("OK")), &Button::clicked, &m_session, &UpdateSession::end);
-        return page;
-    }
+    auto *page = new UpdatePage(tr("Ambertide %1 is installed").arg(m_session.item().displayVersion),
+                                tr("Restart Ambertide to use it."), this);
     connect(page->addButton(tr("Later")), &Button::clicked, &m_session, &UpdateSession::end);
     auto *restart = page->addDefaultButton(tr("Restart Ambertide"));
     connect(restart, &Button::clicked, &m_session, [this] {

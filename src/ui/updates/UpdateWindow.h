@@ -11,16 +11,16 @@ namespace ambertide {
 class UpdatePage;
 
 /// The window of one session, from the check to the installed update. Closing it cancels or puts off what can be.
-class UpdateWindow final : public QDialog, public UpdateView
+class UpdateWindow final : public QDialog
 {
     Q_OBJECT
 
 public:
     /// Shows itself after a moment, as far as the session has come by then. `session` must outlive it. `relaunch`
-    /// starts the new version in the place of this one; without it a person is told to do so.
-    explicit UpdateWindow(UpdateSession &session, std::function<void()> relaunch = {});
+    /// starts the new version in the place of this one.
+    UpdateWindow(UpdateSession &session, std::function<void()> relaunch);
 
-    void bringForward() override;
+    void bringForward();
     void reject() override;
 
 protected:
@@ -30,12 +30,12 @@ private:
     void showState();
     void fit();
     UpdatePage *pageForState();
+    UpdatePage *busyPage(const QString &heading);
     UpdatePage *checkingPage();
     UpdatePage *upToDatePage();
     UpdatePage *foundPage();
     UpdatePage *downloadingPage();
     UpdatePage *readyPage();
-    UpdatePage *installingPage();
     UpdatePage *installedPage();
     UpdatePage *failedPage();
 

@@ -21,53 +21,47 @@ using Kind = ChildProcessEnd::Kind;
 constexpr std::size_t pipeBytes = 64 * 1024;
 
 /// What posix_spawn is told beside the arguments.
-class SpawnSettings
+struct SpawnSettings
 {
-public:
     explicit SpawnSettings(const ChildStart &start)
     {
-        posix_spawn_file_actions_init(&m_files);
+        posix_spawn_file_actions_init(&files);
         useAs(STDIN_FILENO, start.input);
         useAs(STDOUT_FILENO, start.output);
         useAs(STDERR_FILENO, start.errorOutput);
-        posix_spawn_file_actions_addclosefrom_np(&m_files, STDERR_FILENO + 1);
+        posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
 
         sigset_t signals;
-        posix_spawnattr_init(&m_attributes);
+        posix_spawnattr_init(&attributes);
         sigemptyset(&signals);
-        sigaddset(&signals, SIGPIPE);
-        posix_spawnattr_setsigdefault(&m_attributes, &signals);
         if (start.isDetached)
             sigfillset(&signals);
-        else
-            sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&m_attributes, &signals);
+        posix_spawnattr_setsigmask(&attributes, &signals);
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGPIPE);
+        posix_spawnattr_setsigdefault(&attributes, &signals);
         const int session = start.isDetached ? POSIX_SPAWN_SETSID : 0;
-        posix_spawnattr_setflags(&m_attributes,
+        posix_spawnattr_setflags(&attributes,
                                  static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | session));
     }
     SpawnSettings(const SpawnSettings &) = delete;
     SpawnSettings &operator=(const SpawnSettings &) = delete;
     ~SpawnSettings()
     {
-        posix_spawn_file_actions_destroy(&m_files);
-        posix_spawnattr_destroy(&m_attributes);
+        posix_spawn_file_actions_destroy(&files);
+        posix_spawnattr_destroy(&attributes);
     }
 
-    const posix_spawn_file_actions_t *files() const { return &m_files; }
-    const posix_spawnattr_t *attributes() const { return &m_attributes; }
-
-private:
     void useAs(int standard, int descriptor)
     {
         if (descriptor >= 0)
-            posix_spawn_file_actions_adddup2(&m_files, descriptor, standard);
+            posix_spawn_file_actions_adddup2(&files, descriptor, standard);
         else
-            posix_spawn_file_actions_addopen(&m_files, standard, "/dev/null", O_RDWR, 0);
+            posix_spawn_file_actions_addopen(&files, standard, "/dev/null", O_RDWR, 0);
     }
 
-    posix_spawn_file_actions_t m_files = {};
-    posix_spawnattr_t m_attributes = {};
+    posix_spawn_file_actions_t files = {};
+    posix_spawnattr_t attributes = {};
 };
 
 std::vector<char *> pointersTo(const std::vector<std::string> &texts)
@@ -92,7 +86,7 @@ int startChild(const ChildStart &start, pid_t &process)
     const SpawnSettings settings(start);
     const auto arguments = pointersTo(start.arguments);
     const auto variables = start.environment ? pointersTo(*start.environment) : std::vector<char *>();
-    return posix_spawnp(&process, arguments.front(), settings.files(), settings.attributes(), arguments.data(),
+    return posix_spawnp(&process, arguments.front(), &settings.files, &settings.attributes, arguments.data(),
                         start.environment ? variables.data() : environ);
 }
 

@@ -1,38 +1,33 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace ambertide {
 
-/// A package in a directory that only this user can enter, so that what is verified is what is installed. Directory and
-/// file are gone when the object is.
+/// All bytes up to the end of `source`. Nothing when they cannot be read, or are none or more than `mostBytes`;
+/// `problem` then says so in one line.
+std::optional<std::vector<unsigned char>> readPackage(int source, std::uint64_t mostBytes, std::string &problem);
+
+/// A package in a directory that only this user can enter, so that what was verified is what is installed. Directory
+/// and file are gone when the object is.
 class PackageCopy
 {
 public:
-    /// Reads `source` to its end and writes it below `parent`, a directory that only this user can write to. Nothing
-    /// when that fails, or when there are no bytes or more than `mostBytes`; `problem` then says so in one line.
-    static std::unique_ptr<PackageCopy> take(int source, const std::string &parent, std::uint64_t mostBytes,
-                                             std::string &problem);
+    /// `parent` is a directory that only this user can write to. Empty `path()` when the copy cannot be made.
+    PackageCopy(std::span<const unsigned char> bytes, const std::string &parent);
     ~PackageCopy();
     PackageCopy(const PackageCopy &) = delete;
     PackageCopy &operator=(const PackageCopy &) = delete;
 
     const std::string &path() const { return m_path; }
-    std::span<const unsigned char> bytes() const { return m_bytes; }
 
 private:
-    explicit PackageCopy(std::string directory) : m_directory(std::move(directory)), m_path(m_directory + "/update.deb")
-    {
-    }
-    bool fill(int source, std::uint64_t mostBytes, std::string &problem);
-    bool mapFile(int file, std::uint64_t size);
-
     std::string m_directory;
     std::string m_path;
-    std::span<const unsigned char> m_bytes;
 };
 
 } // namespace ambertide

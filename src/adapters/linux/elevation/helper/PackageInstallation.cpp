@@ -95,18 +95,21 @@ std::string problemWithVersion(const InstallationRules &rules, const std::string
 std::string installPackage(const InstallationRules &rules, int source, std::string_view signature)
 {
     std::string problem;
-    const auto package = PackageCopy::take(source, rules.directory, rules.mostBytes, problem);
-    if (!package)
+    const auto bytes = readPackage(source, rules.mostBytes, problem);
+    if (!bytes)
         return problem;
-    if (!rules.verifier.accepts(package->bytes(), signature))
+    if (!rules.verifier.accepts(*bytes, signature))
         return "the package is not signed with the key of this application";
+    const PackageCopy package(*bytes, rules.directory);
+    if (package.path().empty())
+        return "the package could not be stored";
     // Only what is signed is handed to programs that take it apart.
-    if (problem = problemWithNameAndArchitecture(rules, package->path()); !problem.empty())
+    if (problem = problemWithNameAndArchitecture(rules, package.path()); !problem.empty())
         return problem;
-    if (problem = problemWithVersion(rules, package->path()); !problem.empty())
+    if (problem = problemWithVersion(rules, package.path()); !problem.empty())
         return problem;
     auto command = rules.install;
-    command.push_back(package->path());
+    command.push_back(package.path());
     const auto end = run(std::move(command));
     return end.isExit(0) ? std::string() : "the package would not install: " + lastLine(end.output);
 }

@@ -31,34 +31,24 @@ private Q_SLOTS:
         m_rules.install = {"/usr/bin/dpkg", root, "--force-not-root", "--log=/dev/null", "--install"};
     }
 
-    void onlyANewerPackageOfThisApplicationIsInstalled_data()
-    {
-        QTest::addColumn<QByteArray>("control");
-        QTest::addColumn<QByteArray>("complaint");
-        const auto row = [](const char *name, const char *version, const char *architecture, const char *complaint) {
-            QTest::addRow("%s %s %s", name, version, architecture)
-                << QByteArray("Package: ") + name + "\nVersion: " + version + "\nArchitecture: " + architecture
-                << QByteArray(complaint);
-        };
-        row("ambertide", "2.0", "all", "");
-        row("ambertide", "1.10", "all", "not newer");
-        row("ambertide", "1.9", "all", "not newer");
-        row("amberwave", "2.0", "all", "no package of");
-        row("ambertide", "2.0", "s390x", "architecture");
-    }
     void onlyANewerPackageOfThisApplicationIsInstalled()
     {
-        QFETCH(QByteArray, control);
-        QFETCH(QByteArray, complaint);
-        const QByteArray package = build(control);
-        const auto problem = QByteArray::fromStdString(install(package, m_key.sign(package)));
-        QVERIFY2(complaint.isEmpty() ? problem.isEmpty() : problem.contains(complaint), problem);
-        QCOMPARE(isInstalled(), complaint.isEmpty());
+        const auto problem = [this](const char *name, const char *version, const char *architecture) {
+            const QByteArray package = build(name, version, architecture);
+            return QByteArray::fromStdString(install(package, m_key.sign(package)));
+        };
+        QVERIFY(problem("ambertide", "1.10", "all").contains("not newer"));
+        QVERIFY(problem("ambertide", "1.9", "all").contains("not newer"));
+        QVERIFY(problem("amberwave", "2.0", "all").contains("no package of"));
+        QVERIFY(problem("ambertide", "2.0", "s390x").contains("architecture"));
+        QVERIFY(!isInstalled());
+        QCOMPARE(problem("ambertide", "2.0", "all"), QByteArray());
+        QVERIFY(isInstalled());
     }
 
     void bytesThatTheKeyDidNotSignAreRefused()
     {
-        QByteArray package = build("Package: ambertide\nVersion: 2.0\nArchitecture: all");
+        QByteArray package = build("ambertide", "2.0", "all");
         const std::string signature = m_key.sign(package);
         const auto refuses = [&](const QByteArray &bytes, const std::string &claim) {
             return install(bytes, claim).find("not signed") != std::string::npos && !isInstalled();
@@ -71,7 +61,7 @@ private Q_SLOTS:
 
     void whatCannotBeInstalledHereIsTold()
     {
-        const QByteArray package = build("Package: amberwave\nVersion: 2.0\nArchitecture: all");
+        const QByteArray package = build("amberwave", "2.0", "all");
         const auto problem = [&](const QByteArray &bytes) { return install(bytes, m_key.sign(bytes)); };
         QVERIFY(!problem({}).empty());
         QVERIFY(problem("text").find("no package of") != std::string::npos);
@@ -92,10 +82,11 @@ private:
             qFatal("%s: %s", name, qPrintable(file.errorString()));
         return file.fileName();
     }
-    QByteArray build(const QByteArray &control)
+    QByteArray build(const QByteArray &name, const QByteArray &version, const QByteArray &architecture)
     {
         file("new/version", "2");
-        file("new/DEBIAN/control", control + "\nMaintainer: x\nDescription: x\n");
+        file("new/DEBIAN/control", "Package: " + name + "\nVersion: " + version + "\nArchitecture: " + architecture +
+                                       "\nMaintainer: x\nDescription: x\n");
         const QString built = m_folder.filePath(QStringLiteral("built.deb"));
         QProcess::execute(QStringLiteral("/usr/bin/dpkg-deb"),
                           {QStringLiteral("--build"), m_folder.filePath(QStringLiteral("new")), built});
