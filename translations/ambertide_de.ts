@@ -193,6 +193,22 @@
         <source>pkexec, which asks for administrator rights, is not installed</source>
         <translation>pkexec, das Administratorrechte anfordert, ist nicht installiert</translation>
     </message>
+    <message>
+        <source>pkexec, which asks for administrator rights, could not be started: %1</source>
+        <translation>pkexec, das nach Administratorrechten fragt, konnte nicht gestartet werden: %1</translation>
+    </message>
+    <message>
+        <source>the command was broken off (signal %1)</source>
+        <translation>der Befehl wurde abgebrochen (Signal %1)</translation>
+    </message>
+    <message>
+        <source>the request for administrator rights was taken back</source>
+        <translation>die Anfrage nach Administratorrechten wurde zurückgezogen</translation>
+    </message>
+    <message>
+        <source>the command ended with status %1</source>
+        <translation>der Befehl endete mit dem Status %1</translation>
+    </message>
 </context>
 <context>
     <name>ambertide::ReleaseNotesView</name>
@@ -377,10 +393,6 @@
         <translation>Der Update-Server hat mehr Daten gesendet, als ein Update umfassen kann. Das Update wurde deshalb nicht geladen. Bitte später erneut versuchen.</translation>
     </message>
     <message>
-        <source>The download is not as long as it should be. Try again.</source>
-        <translation>Die heruntergeladene Datei hat nicht die erwartete Größe. Bitte erneut versuchen.</translation>
-    </message>
-    <message>
         <source>The update server sent something other than update information. If your network asks you to log in first, do so and try again.</source>
         <translation>Der Update-Server hat etwas anderes als Angaben zu Updates gesendet. Falls das Netzwerk zuerst eine Anmeldung verlangt, bitte anmelden und erneut versuchen.</translation>
     </message>
@@ -448,10 +460,6 @@
         <translation>Später erinnern</translation>
     </message>
     <message>
-        <source>Learn More…</source>
-        <translation>Mehr erfahren …</translation>
-    </message>
-    <message>
         <source>Install Update</source>
         <translation>Update installieren</translation>
     </message>
@@ -491,10 +499,6 @@
     <message>
         <source>Restart Ambertide to use it.</source>
         <translation>Die neue Version läuft nach einem Neustart von Ambertide.</translation>
-    </message>
-    <message>
-        <source>Quit and start Ambertide to use it.</source>
-        <translation>Bitte Ambertide beenden und wieder starten, um die neue Version zu verwenden.</translation>
     </message>
     <message>
         <source>Later</source>
