@@ -195,19 +195,19 @@
     </message>
     <message>
         <source>pkexec, which asks for administrator rights, could not be started: %1</source>
-        <translation>pkexec, das nach Administratorrechten fragt, konnte nicht gestartet werden: %1</translation>
+        <translation>pkexec, das Administratorrechte anfordert, konnte nicht gestartet werden: %1</translation>
     </message>
     <message>
         <source>the command was broken off (signal %1)</source>
-        <translation>der Befehl wurde abgebrochen (Signal %1)</translation>
+        <translation>Der Befehl wurde abgebrochen (Signal %1)</translation>
     </message>
     <message>
         <source>the request for administrator rights was taken back</source>
-        <translation>die Anfrage nach Administratorrechten wurde zurückgezogen</translation>
+        <translation>Die Anfrage nach Administratorrechten wurde zurückgezogen</translation>
     </message>
     <message>
         <source>the command ended with status %1</source>
-        <translation>der Befehl endete mit dem Status %1</translation>
+        <translation>Der Befehl endete mit dem Status %1</translation>
     </message>
 </context>
 <context>
