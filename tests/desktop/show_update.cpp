@@ -26,7 +26,8 @@ int main(int argc, char *argv[])
     fixture.announce(package, fixture.key.sign(package),
                      "<up:shortVersionString>0.2.0</up:shortVersionString><up:releaseNotesLink>" +
                          fixture.server.url("/notes").toEncoded() + "</up:releaseNotesLink>");
-    const auto service = fixture.service([](UpdateSession &shown) { return std::make_unique<UpdateWindow>(shown, [] {}); });
+    const auto service =
+        fixture.service([](UpdateSession &shown) { return std::make_unique<UpdateWindow>(shown, [] {}); });
     service->check(UpdateSession::Origin::Automatic); // shows nothing before it is found
     return QApplication::exec();
 }
