@@ -1,8 +1,9 @@
 #include "update/UpdateChoice.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
+
+#include <ctime>
 
 using namespace ambertide;
 
@@ -76,11 +77,10 @@ private Q_SLOTS:
                                  start + QByteArray("<a>").repeated(60000) + QByteArray("</a>").repeated(60000) + end,
                                  start + "<b" + attributes + "/>" + end, start + release("1").repeated(9000) + end,
                                  start + QByteArray(Appcast::mostBytes, ' ') + end}) {
-            QElapsedTimer watch;
-            watch.start();
+            const auto before = std::clock(); // of the processor: other processes may be busy
             QString problem;
             QVERIFY(!Appcast::read(feed, problem));
-            QVERIFY2(!problem.isEmpty() && watch.elapsed() < 2000, qPrintable(problem));
+            QVERIFY2(!problem.isEmpty() && std::clock() - before < 2 * CLOCKS_PER_SEC, qPrintable(problem));
         }
         QString problem;
         QVERIFY(Appcast::read(start + QByteArray("<a>").repeated(9000) + QByteArray("</a>").repeated(9000) + end,

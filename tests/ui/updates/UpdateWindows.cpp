@@ -2,10 +2,11 @@
 #include "ui/updates/UpdateWindow.h"
 #include "update/UpdateFixture.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QPushButton>
+
+#include <ctime>
 
 using namespace ambertide;
 using Origin = UpdateSession::Origin;
@@ -117,10 +118,9 @@ private Q_SLOTS:
         QCOMPARE(shown("a&#x202e;b\u202e&#7;c<pre>d"), "abc\nd");
         for (const char *piece :
              {"<", "<b>", "</i>", "<ul><li>", "<td rowspan=9999 colspan=9999>", "<!--", "<script", "&"}) {
-            QElapsedTimer watch;
-            watch.start();
+            const auto before = std::clock(); // of the processor: other processes may be busy
             shown(QByteArray(piece).repeated(200000));
-            QVERIFY2(watch.elapsed() < 3000, piece);
+            QVERIFY2(std::clock() - before < 3 * CLOCKS_PER_SEC, piece);
         }
         view.setNotes({QStringLiteral("<b>plain</b>"), true});
         QCOMPARE(view.toPlainText(), QStringLiteral("<b>plain</b>"));
