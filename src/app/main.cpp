@@ -9,9 +9,10 @@
 #include "adapters/linux/elevation/PkexecPrivilegedRunner.h"
 #include "adapters/linux/elevation/PkexecUpdateInstaller.h"
 #include "adapters/linux/panel/DesktopPanelPlacement.h"
-#include "adapters/linux/services/DBusActions.h"
 #include "adapters/linux/services/DBusApplicationObject.h"
 #include "adapters/linux/services/DBusTemperatureObject.h"
+#include "adapters/linux/services/GnomeSearchProvider.h"
+#include "adapters/linux/services/KRunnerObject.h"
 #include "adapters/linux/tray/DesktopTrayIcon.h"
 #include "adapters/qt/PlistMainBundle.h"
 #include "adapters/qt/QtMainActor.h"
@@ -21,7 +22,6 @@
 #include "app/AmbertideApp.h"
 #include "app/AppScenes.h"
 #include "app/EndingSignals.h"
-#include "app/ModelTemperatureControl.h"
 #include "app/Translations.h"
 #include "base/Console.h"
 #include "integration/CLIInstaller.h"
@@ -196,21 +196,22 @@ int run(int argc, char *argv[], const std::filesystem::path &program, bool &isRe
                             userDefaults, ambertide->notifications(), calendar, loginItem, installerExecutor},
         quit});
 
-    DBusApplicationObject busObject(sessionBus, [&](const std::string &activationToken) {
+    const auto perform = [&](ColorTemperature preset) {
+        SetColorTemperatureShortcut{preset}.perform(userDefaults, distributedNotifications);
+    };
+    const auto activate = [&](const std::string &activationToken) {
         // The toolkit takes the token from there when a window asks to be active.
         if (!activationToken.empty())
             qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
         scenes->activate();
-    });
+    };
+    DBusApplicationObject busObject(sessionBus, activate, perform);
     busObject.setAction("quit", [](const std::string &) { quit(); });
     busObject.setAction("settings", [&](const std::string &) { scenes->showSettings(); });
     busObject.setAction("check-for-updates", [&](const std::string &) { ambertide->updater().checkForUpdates(); });
-    const auto perform = [&](ColorTemperature preset) {
-        SetColorTemperatureShortcut{preset}.perform(userDefaults, distributedNotifications);
-    };
-    const DBusActions actions(sessionBus, busObject, perform);
-    ModelTemperatureControl temperatureControl(ambertide->viewModel());
-    const DBusTemperatureObject temperatureObject(sessionBus, temperatureControl);
+    const KRunnerObject runner(sessionBus, perform);
+    const GnomeSearchProvider searchProvider(sessionBus, perform, [&] { activate({}); });
+    const DBusTemperatureObject temperatureObject(sessionBus, ambertide->viewModel());
 
     const int status = QApplication::exec();
 

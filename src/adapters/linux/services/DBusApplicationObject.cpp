@@ -62,7 +62,8 @@ const sd_bus_vtable DBusApplicationObject::Methods::vtable[] = {
     SD_BUS_VTABLE_END,
 };
 
-DBusApplicationObject::DBusApplicationObject(DBusSession &session, Callback activate)
+DBusApplicationObject::DBusApplicationObject(DBusSession &session, Callback activate,
+                                             const std::function<void(ColorTemperature)> &perform)
     : m_session(session), m_activate(std::move(activate)), m_object(session.install([this](sd_bus *bus) {
           sd_bus_slot *slot = nullptr;
           sd_bus_add_object_vtable(bus, &slot, bus_names::applicationPath, bus_names::applicationInterface,
@@ -70,6 +71,8 @@ DBusApplicationObject::DBusApplicationObject(DBusSession &session, Callback acti
           return SdBusSlot(slot);
       }))
 {
+    for (const auto preset : allColorTemperatures())
+        setAction(identifier(preset), [perform, preset](const std::string &) { perform(preset); });
 }
 
 void DBusApplicationObject::setAction(std::string name, Callback callback)

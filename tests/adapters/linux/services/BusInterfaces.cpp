@@ -1,7 +1,10 @@
 #include "adapters/linux/bus/BusNames.h"
 #include "adapters/linux/bus/SdBusReader.h"
-#include "adapters/linux/services/DBusActions.h"
+#include "adapters/linux/services/DBusApplicationObject.h"
 #include "adapters/linux/services/DBusTemperatureObject.h"
+#include "adapters/linux/services/GnomeSearchProvider.h"
+#include "adapters/linux/services/KRunnerObject.h"
+#include "support/ModelBench.h"
 #include "support/PrivateBus.h"
 #include "support/busctl.h"
 
@@ -10,48 +13,20 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A model of two values, which says more often than it must that it has changed.
-struct Model final : TemperatureControl
-{
-    double current = 6500;
-    bool isScheduled = true;
-    std::function<void()> changed;
-
-    double temperature() const override { return current; }
-    double minimumTemperature() const override { return 1000; }
-    double maximumTemperature() const override { return 6500; }
-    bool scheduleEnabled() const override { return isScheduled; }
-    bool acceptsTemperature(double temperature) const override { return temperature >= 1000 && temperature <= 6500; }
-    void requestTemperature(double temperature) override
-    {
-        isScheduled = false;
-        changed();
-        current = temperature;
-        changed();
-    }
-    void setScheduleEnabled(bool enabled) override
-    {
-        isScheduled = enabled;
-        changed();
-    }
-    Observation observe(std::function<void()> observer) override
-    {
-        changed = std::move(observer);
-        return {};
-    }
-};
-
 /// All that the application exports, under its name.
 struct Exports
 {
     PrivateBus bus;
     QStringList events;
-    Model model;
+    ModelBench bench{6500};
+    std::function<void(ColorTemperature)> perform = [this](auto preset) {
+        events += QString::number(rawValue(preset));
+    };
     DBusSession session{SdBusKind::session};
-    DBusApplicationObject application{session, [this](const auto &) { events += QStringLiteral("activate"); }};
-    DBusActions actions{session, application,
-                        [this](ColorTemperature preset) { events += QString::number(rawValue(preset)); }};
-    DBusTemperatureObject temperature{session, model};
+    DBusApplicationObject application{session, [](const auto &) {}, perform};
+    KRunnerObject runner{session, perform};
+    GnomeSearchProvider searchProvider{session, perform, [this] { events += QStringLiteral("launch"); }};
+    DBusTemperatureObject temperature{session, *bench.model};
 
     Exports()
     {
@@ -93,12 +68,10 @@ private Q_SLOTS:
               ""},
              {"Match s 33",
               R"(a(sssida{sv}) 1 "k3300" "Set display temperature to 3300K" "me.tovanu.Ambertide" 30 0.4 0)", ""},
-             {"Match s firefox", "a(sssida{sv}) 0", ""},
              {"Run ss k2700 any", "", "2700"},
              {"Run ss k2750 any", "Call failed: There is no such match", ""}});
         rows("/me/tovanu/Ambertide/SearchProvider org.gnome.Shell.SearchProvider2",
              {{"GetInitialResultSet as 2 warm tungsten", R"(as 1 "k2700")", ""},
-              {"GetInitialResultSet as 1 warm", R"(as 4 "k1000" "k1900" "k2700" "k3400")", ""},
               {"GetSubsearchResultSet asas 2 k1000 k1900 1 daylight", R"(as 1 "k6500")", ""},
               {"GetResultMetas as 2 k3400 unknown",
                R"~(aa{sv} 1 4 "description" s "Set Color Temperature" "gicon" s "me.tovanu.Ambertide" )~"
@@ -106,7 +79,7 @@ private Q_SLOTS:
                ""},
               {"ActivateResult sasu k1900 1 candle 0", "", "1900"},
               {"ActivateResult sasu 1900 1 candle 0", "Call failed: There is no such result", ""},
-              {"LaunchSearch asu 1 candle 0", "", "activate"}});
+              {"LaunchSearch asu 1 candle 0", "", "launch"}});
         rows("/me/tovanu/Ambertide org.freedesktop.Application",
              {{"ActivateAction sava{sv} k5500 0 0", "", "5500"},
               {"ActivateAction sava{sv} k5550 0 0", "Call failed: There is no such action", ""}});
@@ -139,14 +112,13 @@ private Q_SLOTS:
         const auto row = [](const char *write, const char *reply, const char *state) {
             QTest::newRow(write) << QString::fromLatin1(reply) << QString::fromLatin1(state);
         };
-        row("Temperature d 3400", "", "d 3400 b false {ScheduleEnabled = false}{Temperature = 3400}");
-        row("Temperature d 6500", "", "d 6500 b false {ScheduleEnabled = false}");
-        row("ScheduleEnabled b false", "", "d 6500 b false {ScheduleEnabled = false}");
-        row("ScheduleEnabled b true", "", "d 6500 b true ");
-        for (const char *write : {"Temperature d 999", "Temperature d 6501", "Temperature d inf", "Temperature d nan"})
-            row(write, "The temperature must be between 1000 and 6500 K", "d 6500 b true ");
-        row("Temperature i 3400", "Incorrect parameters for property 'Temperature'", "d 6500 b true ");
-        row("MinimumTemperature d 500", "Property 'MinimumTemperature' is not writable", "d 6500 b true ");
+        row("Temperature d 3449", "", "d 3400 b false {Temperature = 3400}");
+        row("Temperature d 6500", "", "d 6500 b false ");
+        row("ScheduleEnabled b true", "", "d 6500 b true {ScheduleEnabled = true}");
+        for (const char *write : {"Temperature d 949", "Temperature d 6550", "Temperature d inf", "Temperature d nan"})
+            row(write, "The temperature must be between 1000 and 6500 K", "d 6500 b false ");
+        row("Temperature i 3400", "Incorrect parameters for property 'Temperature'", "d 6500 b false ");
+        row("MinimumTemperature d 500", "Property 'MinimumTemperature' is not writable", "d 6500 b false ");
     }
     void writesChangeWhatIsReadNext()
     {
