@@ -15,11 +15,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-class NoMainActor final : public MainActor
-{
-    void resume(Continuation continuation) override { const auto dropped = std::move(continuation); }
-};
-
 /// The real executor with a second shrunk to a millisecond.
 class HastyExecutor final : public TaskExecutor
 {
@@ -50,10 +45,9 @@ private Q_SLOTS:
     {
         FakeDisplayServices displays;
         FakeSystemWake wake;
-        NoMainActor mainActor;
         std::shared_ptr<DisplayManager> manager;
         {
-            ThreadTaskExecutor threads(mainActor);
+            ThreadTaskExecutor threads;
             HastyExecutor executor(threads);
             manager = DisplayManager::create(displays, executor, wake);
 

@@ -33,9 +33,6 @@ public:
     /// Writes what is still waiting.
     ~SettingsUserDefaults() override = default;
 
-    /// Has what is still waiting written now, and waits until it was tried or `limit` has passed. Takes no lock.
-    void flush(std::chrono::milliseconds limit);
-
     bool hasObject(std::string_view key) override;
     double doubleValue(std::string_view key) override;
     bool boolValue(std::string_view key) override;
@@ -45,6 +42,8 @@ public:
     void setInteger(std::string_view key, long long value) override { set(key, value); }
     void setBool(std::string_view key, bool value) override { set(key, value); }
     void setData(std::string_view key, std::string_view bytes) override;
+    /// Takes no lock.
+    void flush(std::chrono::milliseconds limit) override;
 
 private:
     using Values = std::map<QString, QVariant>;

@@ -1,4 +1,3 @@
-#include "adapters/qt/QtMainActor.h"
 #include "adapters/qt/ThreadTaskExecutor.h"
 #include "base/Task.h"
 
@@ -32,8 +31,7 @@ class TaskExecutorsTest : public QObject
 private Q_SLOTS:
     void aCancelledSleepThrowsThroughNestedBodies()
     {
-        QtMainActor mainActor;
-        ThreadTaskExecutor executor(mainActor);
+        ThreadTaskExecutor executor;
         std::promise<bool> wasCut;
         std::promise<void> isAsleep;
         const auto task = Task::start(executor, [&](TaskContext context) -> Async {
@@ -59,8 +57,7 @@ private Q_SLOTS:
         const auto held = std::make_shared<int>(stage);
         std::promise<bool> unused;
         {
-            QtMainActor mainActor;
-            ThreadTaskExecutor executor(mainActor);
+                ThreadTaskExecutor executor;
             Task::start(executor, [held, stage, &unused](TaskContext context) -> Async {
                 if (stage == 0)
                     co_await context.sleep(1h);
