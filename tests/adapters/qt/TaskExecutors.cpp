@@ -33,15 +33,38 @@ private Q_SLOTS:
     {
         ThreadTaskExecutor executor;
         std::promise<bool> wasCut;
-        std::promise<void> isAsleep;
-        const auto task = Task::start(executor, [&](TaskContext context) -> Async {
-            isAsleep.set_value();
-            co_await sleepLong(context, wasCut);
-        });
-        isAsleep.get_future().wait();
+        const auto task =
+            Task::start(executor, [&](TaskContext context) -> Async { co_await sleepLong(context, wasCut); });
         task.cancel(); // before or after the sleep has begun: both must end it
         task.cancel();
         QVERIFY(wasCut.get_future().get());
+    }
+
+    void anEarlierSleeperIsWokenBeforeALaterOne()
+    {
+        ThreadTaskExecutor executor;
+        std::promise<bool> unused;
+        Task::start(executor, [&](TaskContext context) -> Async { co_await sleepLong(context, unused); });
+        QVERIFY(executor.waitUntilIdle(10s));
+        std::promise<void> isAwake;
+        Task::start(executor, [&](TaskContext context) -> Async {
+            co_await context.sleep(1ms);
+            isAwake.set_value();
+        });
+        QVERIFY(isAwake.get_future().wait_for(10s) == std::future_status::ready);
+    }
+
+    void hopsToTheMainThreadKeepTheirOrder()
+    {
+        ThreadTaskExecutor executor;
+        std::string order;
+        for (const char name : {'a', 'b', 'c'}) {
+            Task::startOnMain(executor, [&order, name](TaskContext) -> Async {
+                order += name;
+                co_return;
+            });
+        }
+        QTRY_COMPARE(order, std::string("abc"));
     }
 
     void whatATaskHoldsIsReleasedWithItsExecutor_data()
@@ -57,7 +80,7 @@ private Q_SLOTS:
         const auto held = std::make_shared<int>(stage);
         std::promise<bool> unused;
         {
-                ThreadTaskExecutor executor;
+            ThreadTaskExecutor executor;
             Task::start(executor, [held, stage, &unused](TaskContext context) -> Async {
                 if (stage == 0)
                     co_await context.sleep(1h);
