@@ -169,6 +169,9 @@ private Q_SLOTS:
             QCOMPARE(bench.model->temperature(), 3500.0);
             bench.executor.advance(5s);
             QVERIFY(bench.isShown(3500));
+            bench.nudge();
+            bench.executor.runReady();
+            QVERIFY(bench.displays.takeWrites().empty()); // it is so already
         }
     }
 

@@ -3,6 +3,7 @@
 
 #include <QTest>
 
+#include <atomic>
 #include <future>
 #include <memory>
 
@@ -46,12 +47,12 @@ private Q_SLOTS:
         std::promise<bool> unused;
         Task::start(executor, [&](TaskContext context) -> Async { co_await sleepLong(context, unused); });
         QVERIFY(executor.waitUntilIdle(10s));
-        std::promise<void> isAwake;
-        Task::start(executor, [&](TaskContext context) -> Async {
-            co_await context.sleep(1ms);
-            isAwake.set_value();
+        std::atomic<bool> isAwake = false;
+        Task::startOnMain(executor, [&](TaskContext context) -> Async {
+            co_await context.sleep(1ms); // begun while the background thread is asleep
+            isAwake = true;
         });
-        QVERIFY(isAwake.get_future().wait_for(10s) == std::future_status::ready);
+        QTRY_VERIFY(isAwake);
     }
 
     void hopsToTheMainThreadKeepTheirOrder()
