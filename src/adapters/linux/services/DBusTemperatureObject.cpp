@@ -1,6 +1,7 @@
 #include "adapters/linux/services/DBusTemperatureObject.h"
 
 #include "adapters/linux/bus/BusNames.h"
+#include "adapters/linux/bus/SdBusObject.h"
 #include "model/AppViewModel.h"
 
 #include <utility>
@@ -20,23 +21,20 @@ struct DBusTemperatureObject::Properties
 {
     static const sd_bus_vtable vtable[];
 
-    static int getTemperature(sd_bus *, const char *, const char *, const char *, sd_bus_message *reply, void *context,
-                              sd_bus_error *)
+    static void temperature(DBusTemperatureObject &object, SdBusWriter &value)
     {
-        return sd_bus_message_append(reply, "d", modelOf(context).temperature());
+        value.add(object.m_model.temperature());
     }
 
-    template <const double &value>
-    static int getBound(sd_bus *, const char *, const char *, const char *, sd_bus_message *reply, void *,
-                        sd_bus_error *)
+    template <const double &bound>
+    static void temperatureBound(DBusTemperatureObject &, SdBusWriter &value)
     {
-        return sd_bus_message_append(reply, "d", value);
+        value.add(bound);
     }
 
-    static int getScheduleEnabled(sd_bus *, const char *, const char *, const char *, sd_bus_message *reply,
-                                  void *context, sd_bus_error *)
+    static void scheduleEnabled(DBusTemperatureObject &object, SdBusWriter &value)
     {
-        return sd_bus_message_append(reply, "b", static_cast<int>(modelOf(context).scheduleEnabled()));
+        value.add(object.m_model.scheduleEnabled());
     }
 
     static int setTemperature(sd_bus *, const char *, const char *, const char *, sd_bus_message *value, void *context,
@@ -72,23 +70,22 @@ private:
 
 const sd_bus_vtable DBusTemperatureObject::Properties::vtable[] = {
     SD_BUS_VTABLE_START(0),
-    SD_BUS_WRITABLE_PROPERTY(temperatureProperty, "d", getTemperature, setTemperature, 0,
+    SD_BUS_WRITABLE_PROPERTY(temperatureProperty, "d", handleRead<temperature>, setTemperature, 0,
                              SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE | SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_PROPERTY("MinimumTemperature", "d", getBound<AppViewModel::minTemperature>, 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("MaximumTemperature", "d", getBound<AppViewModel::maxTemperature>, 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_WRITABLE_PROPERTY(scheduleProperty, "b", getScheduleEnabled, setScheduleEnabled, 0,
+    SD_BUS_PROPERTY("MinimumTemperature", "d", handleRead<temperatureBound<AppViewModel::minTemperature>>, 0,
+                    SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("MaximumTemperature", "d", handleRead<temperatureBound<AppViewModel::maxTemperature>>, 0,
+                    SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_WRITABLE_PROPERTY(scheduleProperty, "b", handleRead<scheduleEnabled>, setScheduleEnabled, 0,
                              SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE | SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_VTABLE_END,
 };
 
 DBusTemperatureObject::DBusTemperatureObject(DBusSession &session, AppViewModel &model)
     : m_session(session), m_model(model), m_announcedTemperature(model.temperature()),
-      m_announcedScheduleEnabled(model.scheduleEnabled()), m_object(session.install([this](sd_bus *bus) {
-          sd_bus_slot *slot = nullptr;
-          sd_bus_add_object_vtable(bus, &slot, bus_names::applicationPath, bus_names::temperatureInterface,
-                                   Properties::vtable, this);
-          return SdBusSlot(slot);
-      }))
+      m_announcedScheduleEnabled(model.scheduleEnabled()),
+      m_object(
+          session.exportObject(bus_names::applicationPath, bus_names::temperatureInterface, Properties::vtable, this))
 {
     QObject::connect(&model, &AppViewModel::changed, &m_context, [this] { announceChanges(); });
 }
@@ -99,21 +96,17 @@ void DBusTemperatureObject::announceChanges()
     const bool scheduleEnabled = m_model.scheduleEnabled();
     const bool hasNewTemperature = std::exchange(m_announcedTemperature, temperature) != temperature;
     const bool hasNewSchedule = std::exchange(m_announcedScheduleEnabled, scheduleEnabled) != scheduleEnabled;
-    sd_bus_message *message = nullptr;
-    if (!(hasNewTemperature || hasNewSchedule) || m_session.bus() == nullptr ||
-        sd_bus_message_new_signal(m_session.bus(), &message, bus_names::applicationPath,
-                                  "org.freedesktop.DBus.Properties", "PropertiesChanged") < 0)
+    if (!hasNewTemperature && !hasNewSchedule)
         return;
-    const SdBusMessage owner(message);
-    sd_bus_message_append(message, "s", bus_names::temperatureInterface);
-    sd_bus_message_open_container(message, 'a', "{sv}");
+    UserInfo changed;
     if (hasNewTemperature)
-        sd_bus_message_append(message, "{sv}", temperatureProperty, "d", temperature);
+        changed.emplace(temperatureProperty, temperature);
     if (hasNewSchedule)
-        sd_bus_message_append(message, "{sv}", scheduleProperty, "b", static_cast<int>(scheduleEnabled));
-    sd_bus_message_close_container(message);
-    sd_bus_message_append(message, "as", 0);
-    m_session.send(owner);
+        changed.emplace(scheduleProperty, scheduleEnabled);
+    auto signal = SdBusWriter::signal(m_session.bus(), bus_names::applicationPath, "org.freedesktop.DBus.Properties",
+                                      "PropertiesChanged");
+    signal.add(bus_names::temperatureInterface, changed).container('a', "s", [] {});
+    m_session.send(signal.take());
 }
 
 } // namespace ambertide
