@@ -59,11 +59,6 @@ void measureTables()
     print("createGammaTables, in times of filling 768 floats", ratio, 6, "");
 }
 
-class NoMainActor final : public MainActor
-{
-    void resume(Continuation continuation) override { const auto dropped = std::move(continuation); }
-};
-
 /// Passes everything on and measures a ramp, with the periodic pass or two that fall into it.
 class TimedDisplays final : public DisplayServices
 {
@@ -125,8 +120,7 @@ Ramp measureRamp(const PrivateXServer &server, std::size_t displayCount)
         throw std::runtime_error("the X server shows another number of displays");
     TimedDisplays displays(randr);
     static FakeSystemWake wake;
-    NoMainActor mainActor;
-    ThreadTaskExecutor executor(mainActor);
+    ThreadTaskExecutor executor;
     const auto manager = DisplayManager::create(displays, executor, wake);
     const auto rampTo = [&](double temperature) {
         displays.expectRamp(temperature);

@@ -1,17 +1,133 @@
 #include "app/AmbertideApp.h"
 
+#include "app/Translations.h"
+#include "integration/CLIInstaller.h"
+#include "integration/LaunchHelper.h"
+#include "ports/PrivilegedRunner.h"
+#include "ui/controls/AccessibleApplication.h"
+#include "ui/controls/ApplicationIcon.h"
+#include "ui/settings/SettingsView.h"
+#include "ui/updates/UpdateWindow.h"
+
+#include <QApplication>
+#include <QLocale>
+
 #include <utility>
 
 namespace ambertide {
 
-AmbertideApp::AmbertideApp(Ports ports)
-    : m_viewModel({ports.displays, ports.executor, ports.wake, ports.userDefaults, m_notifications,
-                   ports.distributedNotifications, ports.calendar}),
-      m_updater(ports.createUpdaterController, ports.userDefaults),
-      m_delegate({ports.mainBundle, ports.runningApplications, m_notifications, ports.distributedNotifications,
-                  ports.wake, ports.userDefaults, ports.executor, std::move(ports.terminate),
-                  std::move(ports.bringSettingsForward)})
+AmbertideApp::AmbertideApp(SystemPorts system)
+    : m_system(std::move(system)),
+      m_updates(
+          UpdateConfiguration::fromBundle(m_system.mainBundle), m_system.userDefaults, m_system.calendar,
+          m_system.executor, m_system.updateInstaller,
+          [this](UpdateSession &session) { return std::make_unique<UpdateWindow>(session, [this] { restart(); }); }),
+      m_viewModel({.displays = m_system.displays,
+                   .executor = m_system.executor,
+                   .wake = m_system.wake,
+                   .userDefaults = m_system.userDefaults,
+                   .notifications = m_notifications,
+                   .distributedNotifications = m_system.distributedNotifications,
+                   .calendar = m_system.calendar}),
+      m_updater([this] { return m_updates.createController(); }, m_system.userDefaults),
+      m_delegate({.mainBundle = m_system.mainBundle,
+                  .runningApplications = m_system.runningApplications,
+                  .notifications = m_notifications,
+                  .distributedNotifications = m_system.distributedNotifications,
+                  .wake = m_system.wake,
+                  .userDefaults = m_system.userDefaults,
+                  .executor = m_system.executor,
+                  .terminate = [this] { m_isSuperfluous = true; },
+                  .bringSettingsForward = [this] { bringSettingsForward(); }})
 {
+    AccessibleApplication::install();
+    QApplication::setApplicationName(QStringLiteral("Ambertide"));
+    QApplication::setApplicationVersion(QStringLiteral(AMBERTIDE_VERSION));
+    QApplication::setWindowIcon(applicationIcon());
+    QApplication::setQuitOnLastWindowClosed(m_delegate.applicationShouldTerminateAfterLastWindowClosed());
+    installTranslations(*qApp, QLocale().uiLanguages());
+}
+
+AmbertideApp::~AmbertideApp()
+{
+    delete m_settings;
+    m_menuBarExtra.reset();
+    m_system.privilegedRunner.cancel();
+    m_delegate.applicationWillTerminate();
+}
+
+bool AmbertideApp::launch()
+{
+    m_delegate.applicationDidFinishLaunching();
+    if (m_isSuperfluous)
+        return false;
+    CLIInstaller::makeShared(m_system.mainBundle, m_system.privilegedRunner);
+    LaunchHelper::makeShared(m_system.loginItem);
+    m_appearance.emplace(m_system.appearance);
+    m_menuBarExtra.emplace(MenuBarExtra::Ports{.viewModel = m_viewModel,
+                                               .updater = m_updater,
+                                               .executor = m_system.executor,
+                                               .haptics = m_system.haptics,
+                                               .placement = m_system.placement,
+                                               .createTrayIcon = m_system.createTrayIcon,
+                                               .openSettings = [this] { showSettings(); },
+                                               .quit = quit});
+    return true;
+}
+
+AmbertideApp::Ending AmbertideApp::run()
+{
+    QApplication::exec();
+    return m_ending;
+}
+
+void AmbertideApp::quit()
+{
+    // QCoreApplication::quit() would ask the windows, and the one of an update under way says no.
+    QCoreApplication::exit();
+}
+
+void AmbertideApp::restart()
+{
+    m_ending = Ending::Restart;
+    quit();
+}
+
+void AmbertideApp::activate()
+{
+    if (m_settings && m_settings->isVisible() && m_menuBarExtra->isIconShown())
+        bringSettingsForward();
+    else
+        m_menuBarExtra->openAsWindow();
+}
+
+void AmbertideApp::showSettings()
+{
+    if (!m_settings) {
+        m_settings =
+            new SettingsView(m_viewModel, {.installer = CLIInstaller::shared(),
+                                           .launchHelper = LaunchHelper::shared(),
+                                           .mainBundle = m_system.mainBundle,
+                                           .createUpdaterController = [this] { return m_updates.createController(); },
+                                           .userDefaults = m_system.userDefaults,
+                                           .notifications = m_notifications,
+                                           .calendar = m_system.calendar,
+                                           .loginItem = m_system.loginItem,
+                                           .installerExecutor = m_system.installerExecutor});
+        connect(m_settings, &SettingsView::quitRequested, this, quit);
+    }
+    m_settings->show();
+    bringSettingsForward();
+}
+
+void AmbertideApp::bringSettingsForward()
+{
+    if (!m_settings || !m_settings->isVisible())
+        return;
+    if (m_settings->isMinimized())
+        m_settings->showNormal();
+    m_settings->raise();
+    m_settings->activateWindow();
 }
 
 } // namespace ambertide

@@ -1,45 +1,70 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "app/MenuBarExtra.h"
 #include "integration/SparkleUpdater.h"
 #include "model/AppViewModel.h"
+#include "ports/SystemPorts.h"
+#include "ui/AppearanceFollower.h"
+#include "update/UpdateService.h"
 
-#include <functional>
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+#include <optional>
 
 namespace ambertide {
 
-/// The composition root: makes the one model, the updater and the delegate, in this order, over the ports of the system
-/// it runs on. Main thread. Destroying it gives the displays back, in the background.
-class AmbertideApp
+class SettingsView;
+
+/// The application: makes the one model, the updater and the delegate, in this order, over the ports of the system it
+/// runs on, and then its scenes, which are the icon with its panel and, while it is open, the Settings window. Main
+/// thread. Destroying it gives the displays back, in the background.
+class AmbertideApp final : public QObject
 {
+    Q_OBJECT
+
 public:
-    struct Ports
-    {
-        DisplayServices &displays;
-        TaskExecutor &executor;
-        SystemWake &wake;
-        UserDefaults &userDefaults;
-        DistributedNotificationCenter &distributedNotifications;
-        RunningApplications &runningApplications;
-        const Calendar &calendar;
-        const MainBundle &mainBundle;
-        UpdaterControllerFactory createUpdaterController;
-        std::function<void()> terminate;
-        std::function<void()> bringSettingsForward; ///< raises the Settings window when there is one
+    enum class Ending {
+        Quit,
+        Restart ///< an update has been installed
     };
 
-    explicit AmbertideApp(Ports ports);
+    explicit AmbertideApp(SystemPorts system);
+    ~AmbertideApp() override;
 
-    NotificationCenter &notifications() { return m_notifications; }
+    /// Starts the delegate and shows the icon. False, and nothing is shown, when another copy runs: the displays are
+    /// that copy's, so this process must end without giving them back.
+    bool launch();
+    /// Runs the event loop until somebody quits.
+    Ending run();
+    /// Whatever windows are open.
+    static void quit();
+
     AppViewModel &viewModel() { return m_viewModel; }
-    SparkleUpdater &updater() { return m_updater; }
-    AppDelegate &delegate() { return m_delegate; }
+
+    /// The application was started again: brings the Settings window forward, or else opens the panel as a window.
+    void activate();
+    /// Opens the Settings window, or brings it to the front.
+    void showSettings();
+    void checkForUpdates() { m_updater.checkForUpdates(); }
 
 private:
+    void restart();
+    void bringSettingsForward();
+
+    SystemPorts m_system;
     NotificationCenter m_notifications;
+    UpdateService m_updates;
     AppViewModel m_viewModel;
     SparkleUpdater m_updater;
     AppDelegate m_delegate;
+    std::optional<AppearanceFollower> m_appearance;
+    std::optional<MenuBarExtra> m_menuBarExtra;
+    QPointer<SettingsView> m_settings;
+    bool m_isSuperfluous = false; ///< another copy runs
+    Ending m_ending = Ending::Quit;
 };
 
 } // namespace ambertide

@@ -33,6 +33,7 @@ void AppDelegate::applicationDidFinishLaunching()
         m_ports.terminate();
         return;
     }
+    m_hasLaunchedBefore = true;
     m_wakeObservation = m_ports.wake.observe([this] { handleWakeNotification(); });
     console::print("Registering for CLI temperature notifications...");
     m_cliObservation = m_ports.distributedNotifications.observe(
@@ -59,9 +60,8 @@ bool AppDelegate::ensureSingleInstance()
         return application.processIdentifier == own;
     });
     if (others.empty()) {
-        m_instanceObservation =
-            m_ports.distributedNotifications.observe(notifications::instance, Delivery::standard,
-                                                     [this](const Notification &) { m_ports.bringSettingsForward(); });
+        m_instanceObservation = m_ports.distributedNotifications.observe(
+            notifications::instance, Delivery::standard, [this](const Notification &) { handleNewInstanceLaunch(); });
         return true;
     }
     const auto &other = others.front();
@@ -71,6 +71,8 @@ bool AppDelegate::ensureSingleInstance()
     m_ports.distributedNotifications.post(notifications::withoutUserInfo(notifications::instance), Delivery::standard);
     return false;
 }
+
+void AppDelegate::handleNewInstanceLaunch() { m_ports.bringSettingsForward(); }
 
 void AppDelegate::handleCLITemperatureChange(const Notification &notification)
 {

@@ -42,16 +42,20 @@ public:
     void applicationWillTerminate();
     /// The application lives in the tray.
     bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
+    bool applicationShouldHandleReopen(bool /*hasVisibleWindows*/) const { return true; } ///< always, and does no more
 
 private:
     bool ensureSingleInstance();
+    void handleNewInstanceLaunch();
+    void windowDidBecomeKey(const Notification &) {} ///< does nothing
     void handleCLITemperatureChange(const Notification &notification);
     void handleWakeNotification();
     void postCheckScheduleNow();
     void startBackgroundSchedulerCheck();
 
     Ports m_ports;
-    Task m_backgroundTask; ///< the loop that has the schedule checked
+    bool m_hasLaunchedBefore = false; ///< this is the only copy; nothing reads it
+    Task m_backgroundTask;            ///< the loop that has the schedule checked
     Observation m_instanceObservation;
     Observation m_wakeObservation;
     Observation m_cliObservation;

@@ -23,8 +23,6 @@ class MenuBarExtra final : public QObject
     Q_OBJECT
 
 public:
-    using TrayIconFactory = std::function<std::unique_ptr<TrayIcon>(TrayIcon::Callbacks)>;
-
     /// All of it must outlive this.
     struct Ports
     {

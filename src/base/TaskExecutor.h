@@ -44,16 +44,6 @@ private:
     std::coroutine_handle<> m_frame;
 };
 
-/// Port: runs continuations on the main thread, in the order in which they were handed over.
-class MainActor
-{
-public:
-    virtual ~MainActor() = default;
-
-    /// From any thread; returns at once.
-    virtual void resume(Continuation continuation) = 0;
-};
-
 /// Port: the background on which tasks run, and their sense of time. Everything may be called from any thread.
 class TaskExecutor
 {

@@ -136,7 +136,8 @@ void DisplayManager::applyColorTemperature(double temperature)
 
 void DisplayManager::restoreSystemColours()
 {
-    m_displays.activeDisplays(); // has the display server settle its list first, as before every write
+    // The active displays are listed first, as before every write, although the restore itself takes no list.
+    m_displays.activeDisplays();
     m_displays.restoreSystemColours();
 }
 
@@ -175,19 +176,18 @@ Async DisplayManager::transition(TaskContext context, double from, double to)
 
 Async DisplayManager::smoothTransition(TaskContext context, double from, double to)
 {
-    double start = from;
-    const double end = std::min(to, neutralTemperature);
+    double shown = from;
     if (from >= neutralTemperature && to < neutralTemperature) {
         co_await leaveNeutral(context, to);
-        start = entryTemperature;
+        shown = entryTemperature;
     } else {
         announceRamp(to);
     }
 
-    const double step = (end - start) / rampSteps;
-    for (int i = 1; i <= rampSteps; ++i) {
+    const double step = (to - shown) / rampSteps;
+    for (int i = 0; i < rampSteps; ++i) {
         context.throwIfCancelled();
-        const double shown = std::clamp(start + i * step, minTemperature, maxTemperature);
+        shown = std::clamp(shown + step, minTemperature, maxTemperature);
         publish(shown);
         applyColorTemperature(shown);
         co_await context.sleep(rampInterval);

@@ -27,22 +27,6 @@ bool isInRange(double temperature)
     return temperature >= AppViewModel::minTemperature && temperature <= AppViewModel::maxTemperature;
 }
 
-/// The temperature of the entry in force, rounded; nothing when the schedule is off, empty, unreadable or all disabled.
-std::optional<double> scheduledTemperature(UserDefaults &userDefaults, const Calendar &calendar)
-{
-    if (!userDefaults.boolValue(defaults::scheduleEnabled))
-        return std::nullopt;
-    const auto now = calendar.timeOfDay(calendar.now());
-    const auto stored = userDefaults.data(defaults::scheduleEntries);
-    if (!stored)
-        return std::nullopt;
-    const auto decoded = decodeSchedule(*stored);
-    if (!decoded.entries)
-        return std::nullopt;
-    const auto entry = entryInForce(*decoded.entries, now, calendar);
-    return entry ? std::optional(roundedToStep(entry->temperature)) : std::nullopt;
-}
-
 } // namespace
 
 AppViewModel::AppViewModel(const Ports &ports)
@@ -107,12 +91,12 @@ void AppViewModel::applyTemperatureImmediately()
     // One on its way will take the newest temperature along; a flood of requests must not queue up 50 ms each.
     if (std::exchange(m_isImmediateApplyPending, true))
         return;
-    Task::start(m_ports.executor, [weak = std::weak_ptr(m_self)](TaskContext context) -> Async {
-        co_await context.onMain();
+    Task::startOnMain(m_ports.executor, [weak = std::weak_ptr(m_self)](TaskContext) -> Async {
         if (const auto self = weak.lock()) {
             self->m_isImmediateApplyPending = false;
             self->m_displayManager->setTemperature(self->m_temperature);
         }
+        co_return;
     });
 }
 
@@ -120,7 +104,11 @@ bool AppViewModel::scheduleEnabled() const { return m_ports.userDefaults.boolVal
 
 void AppViewModel::setScheduleEnabled(bool enabled)
 {
-    m_ports.userDefaults.setBool(defaults::scheduleEnabled, enabled);
+    // Another writer may have stored it, and then it has not been followed yet.
+    const bool isStored = scheduleEnabled() == enabled;
+    const bool isFollowed = isScheduleFollowed() == enabled;
+    if (!isStored)
+        m_ports.userDefaults.setBool(defaults::scheduleEnabled, enabled);
     if (enabled) {
         checkSchedule();
         setupScheduleTimer();
@@ -128,7 +116,8 @@ void AppViewModel::setScheduleEnabled(bool enabled)
         m_scheduleTimer.cancel();
         m_scheduleTimer = {};
     }
-    Q_EMIT changed();
+    if (!isStored || !isFollowed)
+        Q_EMIT changed();
 }
 
 void AppViewModel::handleManualChange()
@@ -143,8 +132,7 @@ void AppViewModel::requestTemperature(double temperature)
 {
     if (!acceptsRequest(temperature))
         return;
-    m_isScheduledChange = false;
-    setScheduleEnabled(false);
+    handleManualChange();
     setTemperature(temperature);
     applyTemperatureImmediately();
 }
@@ -169,36 +157,40 @@ void AppViewModel::setupScheduleTimer()
 
 void AppViewModel::checkSchedule()
 {
-    Task::start(m_ports.executor,
-                [weak = std::weak_ptr(m_self), &userDefaults = m_ports.userDefaults,
-                 &calendar = m_ports.calendar](TaskContext context) -> Async {
-                    if (weak.expired())
-                        co_return;
-                    const auto target = scheduledTemperature(userDefaults, calendar);
-                    if (!target)
-                        co_return;
-                    co_await context.onMain();
-                    if (const auto self = weak.lock())
-                        self->applyScheduledTemperature(*target);
-                });
+    Task::startOnMain(m_ports.executor, [weak = std::weak_ptr(m_self)](TaskContext) -> Async {
+        const auto self = weak.lock();
+        if (!self || !self->scheduleEnabled())
+            co_return;
+        const auto &calendar = self->m_ports.calendar;
+        const auto now = calendar.timeOfDay(calendar.now());
+        if (auto entries = self->loadScheduleEntries())
+            self->applyScheduleEntries(std::move(*entries), now);
+    });
 }
 
-void AppViewModel::applyScheduledTemperature(double target)
+std::optional<std::vector<ScheduleEntry>> AppViewModel::loadScheduleEntries() const
 {
-    // A change by hand since the check began has switched the schedule off, and must stand.
-    if (m_temperature == target || !scheduleEnabled())
+    const auto stored = m_ports.userDefaults.data(defaults::scheduleEntries);
+    return stored ? decodeSchedule(*stored).entries : std::nullopt;
+}
+
+void AppViewModel::applyScheduleEntries(std::vector<ScheduleEntry> entries, const DateComponents &currentComponents)
+{
+    const auto entry = entryInForce(std::move(entries), currentComponents, m_ports.calendar);
+    if (!entry)
+        return;
+    const double target = roundedToStep(entry->temperature);
+    if (m_temperature == target)
         return;
     m_isScheduledChange = true;
-    Q_EMIT changed();
     setTemperature(target);
     applyTemperatureImmediately();
 }
 
 void AppViewModel::manualScheduleCheck()
 {
-    // The running timer tells what the flag was when it was last acted on; another program may have changed it since.
     const bool isEnabled = scheduleEnabled();
-    if (isEnabled != static_cast<bool>(m_scheduleTimer))
+    if (isEnabled != isScheduleFollowed())
         setScheduleEnabled(isEnabled);
     if (isEnabled)
         checkSchedule();

@@ -10,8 +10,12 @@
 #include <QObject>
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace ambertide {
+
+struct ScheduleEntry;
 
 /// The state of the running application: the temperature, whether the schedule is in force, and what follows from a
 /// change of either. Everything that changes the temperature ends here.
@@ -54,7 +58,7 @@ public:
     void resetToDefault() { setTemperature(neutralTemperature); }
 
     bool scheduleEnabled() const;
-    /// Stores the flag and starts or stops the schedule's timer.
+    /// Stores the flag and starts or stops the schedule's timer. Announces a change alone.
     void setScheduleEnabled(bool enabled);
 
     /// The user has taken hold of the slider: the schedule is switched off.
@@ -79,14 +83,18 @@ private:
     void applyTemperatureImmediately();
     void setupScheduleTimer();
     void checkSchedule();
-    void applyScheduledTemperature(double target);
+    /// Nothing when there is none or it cannot be read.
+    std::optional<std::vector<ScheduleEntry>> loadScheduleEntries() const;
+    void applyScheduleEntries(std::vector<ScheduleEntry> entries, const DateComponents &currentComponents);
+    /// What the flag was when it was last acted on.
+    bool isScheduleFollowed() const { return static_cast<bool>(m_scheduleTimer); }
     void manualScheduleCheck();
     void handleTemperatureUpdate(const Notification &notification);
     void handleTemperatureRequest();
 
     Ports m_ports;
     std::shared_ptr<DisplayManager> m_displayManager;
-    bool m_isScheduledChange = false; ///< who changed the temperature last
+    bool m_isScheduledChange = false; ///< whether the schedule changed the temperature last; nothing reads it
     bool m_isImmediateApplyPending = false;
     Task m_temperatureChangeTask; ///< the newest debounced apply, pending or past
     double m_temperature = neutralTemperature;

@@ -86,15 +86,15 @@ DecodedSchedule decodeSchedule(std::string_view bytes)
     const auto document = QJsonDocument::fromJson(
         QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())), &parseError);
     if (parseError.error != QJsonParseError::NoError)
-        return {{}, parseError.errorString()};
+        return {{}, parseError.errorString().toStdString()};
     if (!document.isArray())
-        return {{}, QStringLiteral("the schedule is not a list")};
+        return {{}, "the schedule is not a list"};
 
     std::vector<ScheduleEntry> entries;
     const auto array = document.array();
     for (const auto &element : array) {
         if (const auto member = decodeEntry(element.toObject(), entries.emplace_back()); !member.isEmpty()) {
-            return {{}, QStringLiteral("entry %1 has no valid \"%2\"").arg(QString::number(entries.size()), member)};
+            return {{}, "entry " + std::to_string(entries.size()) + " has no valid \"" + member.data() + '"'};
         }
     }
     return {std::move(entries), {}};

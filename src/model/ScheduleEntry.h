@@ -30,11 +30,11 @@ struct ScheduleEntry
     static bool timeIsBefore(const DateComponents &first, const DateComponents &second);
 };
 
-/// A schedule as read from its stored form: either entries or, for people, what is wrong with it.
+/// A schedule as read from its stored form: either entries or what is wrong with it.
 struct DecodedSchedule
 {
     std::optional<std::vector<ScheduleEntry>> entries;
-    QString error;
+    std::string error;
 };
 
 /// The stored form of a schedule: a JSON array of objects with "id" (upper-case UUID), "time" (seconds since 2001-01-01

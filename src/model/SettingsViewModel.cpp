@@ -37,7 +37,6 @@ void SettingsViewModel::updateScheduleEnabled(bool enabled)
 {
     console::print(std::string("SettingsViewModel: Updating schedule enabled state to: ") +
                    (enabled ? "true" : "false"));
-    m_ports.userDefaults.setBool(defaults::scheduleEnabled, enabled);
     m_appViewModel.setScheduleEnabled(enabled);
     loadSettings();
     if (m_scheduleEntries.empty()) {
@@ -55,7 +54,7 @@ void SettingsViewModel::loadSettings()
         return;
     auto decoded = decodeSchedule(*stored);
     if (!decoded.entries)
-        console::print("Error decoding schedule entries: " + decoded.error.toStdString());
+        console::print("Error decoding schedule entries: " + decoded.error);
     m_scheduleEntries = std::move(decoded.entries).value_or(std::vector<ScheduleEntry>());
     Q_EMIT changed();
 }

@@ -57,6 +57,7 @@ public:
     /// Reads the stored schedule. What cannot be read is reported, shows as empty and stays stored until the next
     /// change.
     void loadSettings();
+    void saveSettings() {} ///< does nothing: every change is stored as it is made
     /// An enabled entry; without a time, at noon.
     void addScheduleEntry(double temperature, std::optional<Date> time = {});
     /// Replaces the first entry with the same identifier, if there is one.

@@ -3,6 +3,7 @@
 #include <QPoint>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,11 +40,14 @@ public:
     virtual ~TrayIcon() = default;
 
     virtual Presence presence() const = 0;
-    /// Replaces the context menu, also while it is open. Where a click on the icon can but open the menu, an entry
-    /// before these activates it.
+    /// Replaces the context menu, also while it is open. Where the desktop lets a click do nothing but open the menu,
+    /// an entry before these does what a click would.
     virtual void setMenu(std::vector<TrayMenuItem> items) = 0;
     /// One line, UTF-8, beside the application's name.
     virtual void setToolTip(std::string text) = 0;
 };
+
+/// Creates an icon, which the desktop may show some time later.
+using TrayIconFactory = std::function<std::unique_ptr<TrayIcon>(TrayIcon::Callbacks)>;
 
 } // namespace ambertide

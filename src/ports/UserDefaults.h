@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,6 +28,10 @@ public:
     virtual void setInteger(std::string_view key, long long value) = 0;
     virtual void setBool(std::string_view key, bool value) = 0;
     virtual void setData(std::string_view key, std::string_view bytes) = 0;
+
+    /// Has what is still waiting written now, and waits until that was tried or `limit` has passed, whatever the store
+    /// is doing at the time.
+    virtual void flush(std::chrono::milliseconds limit) = 0;
 };
 
 } // namespace ambertide

@@ -1,23 +1,36 @@
 #include "app/AppDelegate.h"
 
-#include "protocol/DefaultsKeys.h"
 #include "protocol/Notifications.h"
 #include "support/CapturedConsole.h"
 #include "support/FakeDistributedNotificationCenter.h"
 #include "support/FakeMainBundle.h"
-#include "support/FakeRunningApplications.h"
 #include "support/FakeSystemWake.h"
 #include "support/FakeTaskExecutor.h"
 #include "support/FakeUserDefaults.h"
 
 #include <QTest>
 
-#include <optional>
-
 using namespace ambertide;
 using namespace std::chrono_literals;
 
 using Lines = std::vector<std::string>;
+
+namespace {
+
+struct FakeRunningApplications final : RunningApplications
+{
+    std::vector<RunningApplication> applications = {{100}};
+    std::vector<std::int64_t> activatedProcesses;
+
+    std::vector<RunningApplication> withIdentifier(std::string_view) override { return applications; }
+    void activate(const RunningApplication &application) override
+    {
+        activatedProcesses.push_back(application.processIdentifier);
+    }
+    std::int64_t currentProcessIdentifier() const override { return 100; }
+};
+
+} // namespace
 
 class AppDelegateTest : public QObject
 {
@@ -43,15 +56,16 @@ class AppDelegateTest : public QObject
         Bench() { bundle.values["CFBundleIdentifier"] = "org.example.Program"; }
         void launch()
         {
-            delegate.emplace(AppDelegate::Ports{bundle, running, notifications, distributed, wake, userDefaults,
-                                                executor, [this] { ++terminations; }, [this] { ++broughtForward; }});
+            delegate.emplace(AppDelegate::Ports{.mainBundle = bundle,
+                                                .runningApplications = running,
+                                                .notifications = notifications,
+                                                .distributedNotifications = distributed,
+                                                .wake = wake,
+                                                .userDefaults = userDefaults,
+                                                .executor = executor,
+                                                .terminate = [this] { ++terminations; },
+                                                .bringSettingsForward = [this] { ++broughtForward; }});
             delegate->applicationDidFinishLaunching();
-            executor.runReady();
-        }
-        void receive(std::string name, std::optional<UserInfo> userInfo = {})
-        {
-            distributed.post({std::move(name), std::move(userInfo)}, Delivery::standard);
-            executor.runReady();
         }
     };
 
@@ -59,7 +73,7 @@ private Q_SLOTS:
     void aSecondCopyActivatesTheFirstAndTerminates()
     {
         Bench bench;
-        bench.running.applications = {{FakeRunningApplications::ownProcess}, {42}, {43}};
+        bench.running.applications = {{100}, {42}, {43}};
         bench.launch();
         QCOMPARE(bench.terminations, 1);
         QCOMPARE(bench.running.activatedProcesses, (std::vector<std::int64_t>{42}));
@@ -69,32 +83,27 @@ private Q_SLOTS:
         QCOMPARE(bench.checks, 0);
     }
 
-    void onlyACopyWithAnIdentifierComesForwardForAnother_data()
-    {
-        QTest::addColumn<bool>("hasIdentifier");
-        QTest::newRow("with") << true;
-        QTest::newRow("without, it runs as the only copy") << false;
-    }
     void onlyACopyWithAnIdentifierComesForwardForAnother()
     {
-        QFETCH(bool, hasIdentifier);
-        Bench bench;
-        if (!hasIdentifier) {
-            bench.bundle.values.clear();
-            bench.running.applications = {{42}};
+        for (const bool hasIdentifier : {true, false}) {
+            Bench bench;
+            if (!hasIdentifier) {
+                bench.bundle.values.clear();
+                bench.running.applications = {{42}};
+            }
+            bench.launch();
+            QCOMPARE(bench.console.lines.front() == "Warning: Could not get bundle identifier", !hasIdentifier);
+            QCOMPARE(bench.console.lines.back(), std::string("Registering for CLI temperature notifications..."));
+            bench.distributed.post(notifications::withoutUserInfo(notifications::instance), Delivery::standard);
+            QCOMPARE(bench.broughtForward, hasIdentifier ? 1 : 0);
         }
-        bench.launch();
-        QCOMPARE(bench.console.lines.front() == "Warning: Could not get bundle identifier", !hasIdentifier);
-        QCOMPARE(bench.console.lines.back(), std::string("Registering for CLI temperature notifications..."));
-        bench.receive(notifications::instance);
-        QCOMPARE(bench.broughtForward, hasIdentifier ? 1 : 0);
-        QCOMPARE(bench.checks, 1);
     }
 
     void theScheduleIsCheckedAtOnceEveryFiveSecondsAndAfterWakeUntilTheEnd()
     {
         Bench bench;
         bench.launch();
+        bench.executor.runReady();
         QCOMPARE(bench.checks, 1);
         bench.executor.advance(25s);
         QCOMPARE(bench.checks, 6);
@@ -104,40 +113,40 @@ private Q_SLOTS:
         bench.wake.wakeUp();
         bench.executor.advance(1min);
         QCOMPARE(bench.checks, 7);
+
+        bench.launch();
+        const auto ending = Task::startOnMain(bench.executor, [&bench](TaskContext) -> Async {
+            bench.delegate.reset(); // while a check is on its way to the main thread
+            co_return;
+        });
+        bench.executor.runReady();
+        QCOMPARE(bench.checks, 7);
     }
 
-    void aWholeTemperatureIsStoredAndPassedOn_data()
-    {
-        QTest::addColumn<double>("number");
-        QTest::addColumn<bool>("isWhole");
-        QTest::newRow("out of range") << 9000.0 << true;
-        QTest::newRow("fraction") << 3450.5 << false;
-    }
     void aWholeTemperatureIsStoredAndPassedOn()
     {
-        QFETCH(double, number);
-        QFETCH(bool, isWhole);
-        Bench bench;
-        bench.launch();
-        std::vector<Notification> passedOn;
-        const auto observation =
-            bench.notifications.observe(notifications::updateTemperature,
-                                        [&](const Notification &notification) { passedOn.push_back(notification); });
-        bench.console.lines.clear();
-        bench.receive(notifications::updateTemperature, UserInfo{{"temperature", number}});
+        for (const double number : {9000.0, 3450.5}) { // whatever the range
+            const bool isWhole = number == 9000;
+            Bench bench;
+            bench.launch();
+            std::vector<Notification> passedOn;
+            const auto observation = bench.notifications.observe(
+                notifications::updateTemperature, [&](const Notification &each) { passedOn.push_back(each); });
+            bench.console.lines.clear();
+            bench.distributed.post({notifications::updateTemperature, UserInfo{{"temperature", number}}},
+                                   Delivery::standard);
+            bench.executor.runReady();
 
-        const auto userInfo = "{temperature = " + QByteArray::number(number).toStdString() + "}";
-        QCOMPARE(
-            bench.console.lines,
-            (Lines{"Received CLI temperature change notification: {name = Ambertide.UpdateTemperature, userInfo = " +
-                       userInfo + "}",
-                   isWhole ? "Setting temperature to 9000K"
-                           : "No valid temperature found in notification: " + userInfo}));
-        QCOMPARE(bench.userDefaults.values.contains(defaults::temperature), isWhole);
-        QCOMPARE(passedOn.size(), std::size_t(isWhole ? 1 : 0));
-        if (isWhole) {
-            QVERIFY(std::get<long long>(bench.userDefaults.values.at("Ambertide.Temperature")) == 9000);
-            QVERIFY(passedOn[0].userInfo == (UserInfo{{"temperature", std::int64_t{9000}}}));
+            const auto userInfo = "{temperature = " + QByteArray::number(number).toStdString() + "}";
+            const Lines lines = {
+                "Received CLI temperature change notification: {name = Ambertide.UpdateTemperature, userInfo = " +
+                    userInfo + "}",
+                isWhole ? "Setting temperature to 9000K" : "No valid temperature found in notification: " + userInfo};
+            QCOMPARE(bench.console.lines, lines);
+            QCOMPARE(bench.userDefaults.doubleValue("Ambertide.Temperature"), isWhole ? 9000.0 : 0.0);
+            QCOMPARE(passedOn.size(), std::size_t(isWhole ? 1 : 0));
+            if (isWhole)
+                QVERIFY(passedOn[0].userInfo == (UserInfo{{"temperature", std::int64_t{9000}}}));
         }
     }
 };

@@ -36,13 +36,17 @@ struct IdleUpdaterController final : UpdaterController
 
 struct FakeTrayIcon final : TrayIcon
 {
-    explicit FakeTrayIcon(std::string &shownToolTip) : toolTip(shownToolTip) {}
+    explicit FakeTrayIcon(std::string &shownTexts) : texts(shownTexts) {}
 
-    std::string &toolTip;
+    std::string &texts;
 
     Presence presence() const override { return Presence::Shown; }
-    void setMenu(std::vector<TrayMenuItem>) override {}
-    void setToolTip(std::string text) override { toolTip = std::move(text); }
+    void setMenu(std::vector<TrayMenuItem> items) override
+    {
+        for (const auto &item : items)
+            texts += item.text + (item.isEnabled ? "|" : " (disabled)|");
+    }
+    void setToolTip(std::string text) override { texts += text + '|'; }
 };
 
 } // namespace
@@ -53,15 +57,20 @@ class MenuBarExtraTest : public QObject
 
     struct Bench : ModelBench
     {
-        using ModelBench::ModelBench;
+        Bench() : ModelBench(3400) {}
 
         SparkleUpdater updater{[] { return std::make_unique<IdleUpdaterController>(); }, userDefaults};
         SilentHaptics haptics;
         PopupPlacement placement;
-        std::string toolTip;
-        MenuBarExtra extra{{*model, updater, executor, haptics, placement,
-                            [this](TrayIcon::Callbacks) { return std::make_unique<FakeTrayIcon>(toolTip); }, [] {},
-                            [] {}}};
+        std::string texts; ///< of the icon, as they came
+        MenuBarExtra extra{{.viewModel = *model,
+                            .updater = updater,
+                            .executor = executor,
+                            .haptics = haptics,
+                            .placement = placement,
+                            .createTrayIcon = [this](auto) { return std::make_unique<FakeTrayIcon>(texts); },
+                            .openSettings = [] {},
+                            .quit = [] {}}};
 
         static PanelWindow *panel()
         {
@@ -72,77 +81,63 @@ class MenuBarExtraTest : public QObject
             }
             return nullptr;
         }
-        /// How often the displays were written at a time at which the maintenance loop does not.
-        std::size_t writes()
+        /// How often the displays are written within this time.
+        std::size_t writesIn(std::chrono::nanoseconds duration)
         {
-            executor.runReady();
+            executor.advance(duration);
             return displays.takeWrites().size();
         }
     };
 
 private Q_SLOTS:
-    void writesTheTintAgainAroundThePanel();
-    void leavesNeutralDisplaysAlone();
-    void tellsTheTemperatureBesideTheIcon();
-    void opensAndClosesByTheSameIcon();
+    void writesTheTintAgainWhenTheSystemMayHaveResetIt()
+    {
+        Bench bench;
+        bench.extra.toggle({});
+        QVERIFY(bench.writesIn(0s) > 0);
+        const auto ofTheLoop = bench.writesIn(2s); // what counts is what comes on top of it
+        QTest::keyClick(Bench::panel(), Qt::Key_Escape);
+        QCOMPARE(bench.writesIn(499ms), 0U);
+        QCOMPARE(bench.writesIn(2ms), 1U);
+        QVERIFY(bench.writesIn(1400ms) <= ofTheLoop);
+        QVERIFY(bench.writesIn(200ms) >= 1U);
+        bench.writesIn(1s); // between two passes of the loop
+        for (const auto &[state, writes] : {std::pair(Qt::ApplicationInactive, 0U), {Qt::ApplicationActive, 1U}}) {
+            Q_EMIT qGuiApp->applicationStateChanged(state);
+            QCOMPARE(bench.writesIn(0s), writes);
+        }
+        bench.model->setTemperature(6500);
+        bench.writesIn(5s);
+        Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
+        QCOMPARE(bench.writesIn(0s), 0U);
+    }
+
+    void tellsTheTemperatureBesideTheIconAndOffersTheMenu()
+    {
+        Bench bench;
+        QCOMPARE(bench.texts, "Settings...|Check for Updates...||Quit Ambertide|3400K (Halogen)|");
+        bench.model->setTemperature(6500);
+        QVERIFY(bench.texts.ends_with("|Normal (Daylight)|"));
+    }
+
+    void opensAndClosesByTheSameIcon()
+    {
+        Bench bench;
+        bench.extra.toggle({});
+        QVERIFY(Bench::panel() != nullptr);
+        bench.extra.toggle({});
+        QVERIFY(Bench::panel() == nullptr);
+        bench.placement.isHeld = true; // that click is a slow one
+        bench.executor.advance(1s);
+        bench.placement.isHeld = false;
+        bench.executor.advance(100ms);
+        bench.extra.toggle({}); // its release
+        QVERIFY(Bench::panel() == nullptr);
+        bench.executor.advance(1s);
+        bench.extra.toggle({});
+        QVERIFY(Bench::panel() != nullptr);
+    }
 };
-
-void MenuBarExtraTest::writesTheTintAgainAroundThePanel()
-{
-    Bench bench(3400);
-
-    bench.extra.toggle({});
-    QVERIFY(bench.writes() > 0);
-    // The loop writes every 2 s of its own: what counts is what comes on top of it.
-    bench.executor.advance(2s);
-    const auto ofTheLoop = bench.writes();
-    QTest::keyClick(Bench::panel(), Qt::Key_Escape);
-    QCOMPARE(bench.writes(), 0U);
-    bench.executor.advance(600ms);
-    const auto afterHalfASecond = bench.writes();
-    QVERIFY(afterHalfASecond > 0);
-    bench.executor.advance(1300ms);
-    QVERIFY(bench.writes() <= ofTheLoop);
-    bench.executor.advance(200ms);
-    QVERIFY(bench.writes() >= afterHalfASecond);
-}
-
-void MenuBarExtraTest::leavesNeutralDisplaysAlone()
-{
-    Bench bench(6500);
-
-    bench.extra.toggle({});
-    QTest::keyClick(Bench::panel(), Qt::Key_Escape);
-    bench.executor.advance(3s);
-
-    QCOMPARE(bench.writes(), 0U);
-}
-
-void MenuBarExtraTest::tellsTheTemperatureBesideTheIcon()
-{
-    Bench bench(3400);
-    QCOMPARE(bench.toolTip, "3400K (Halogen)");
-    bench.model->setTemperature(6500);
-    QCOMPARE(bench.toolTip, "Normal (Daylight)");
-}
-
-void MenuBarExtraTest::opensAndClosesByTheSameIcon()
-{
-    Bench bench(3400);
-    bench.extra.toggle({});
-    QVERIFY(Bench::panel() != nullptr);
-    bench.extra.toggle({});
-    QVERIFY(Bench::panel() == nullptr);
-    bench.placement.isHeld = true; // that click is a slow one
-    bench.executor.advance(1s);
-    bench.placement.isHeld = false;
-    bench.executor.advance(100ms);
-    bench.extra.toggle({}); // its release
-    QVERIFY(Bench::panel() == nullptr);
-    bench.executor.advance(1s);
-    bench.extra.toggle({});
-    QVERIFY(Bench::panel() != nullptr);
-}
 
 QTEST_MAIN(MenuBarExtraTest)
 #include "MenuBarExtra.moc"

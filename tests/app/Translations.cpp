@@ -1,7 +1,7 @@
 #include "app/Translations.h"
 
 #include <QApplication>
-#include <QDir>
+#include <QDirIterator>
 #include <QRegularExpression>
 #include <QTest>
 #include <QTranslator>
@@ -27,18 +27,17 @@ private:
     }
 
 private Q_SLOTS:
-    void everyTextIsTranslatedWithItsPlaces_data()
-    {
-        QTest::addColumn<QString>("path");
-        const QDir folder(QStringLiteral(AMBERTIDE_SOURCES "/translations"));
-        const auto files = folder.entryList({QStringLiteral("*.ts")});
-        QVERIFY(!files.isEmpty());
-        for (const auto &file : files)
-            QTest::addRow("%s", qUtf8Printable(file)) << folder.filePath(file);
-    }
     void everyTextIsTranslatedWithItsPlaces()
     {
-        QFETCH(QString, path);
+        QDirIterator files(QStringLiteral(AMBERTIDE_SOURCES "/translations"), {QStringLiteral("*.ts")});
+        QVERIFY(files.hasNext());
+        while (files.hasNext())
+            check(files.next());
+    }
+
+private:
+    static void check(const QString &path)
+    {
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QXmlStreamReader reader(&file);
@@ -61,25 +60,16 @@ private Q_SLOTS:
         QVERIFY(count > 0);
     }
 
-    void theFirstWantedLanguageThatThereIsServes_data()
-    {
-        QTest::addColumn<QStringList>("wanted");
-        QTest::addColumn<QString>("cancel");
-        const auto english = QStringLiteral("Cancel");
-        const auto german = QStringLiteral("Abbrechen");
-        QTest::newRow("of a country") << QStringList{QStringLiteral("de-AT")} << german;
-        QTest::newRow("second to one that there is none for")
-            << QStringList{QStringLiteral("tlh"), QStringLiteral("de"), QStringLiteral("en")} << german;
-        QTest::newRow("second to English") << QStringList{QStringLiteral("en-GB"), QStringLiteral("de")} << english;
-        QTest::newRow("none") << QStringList{} << english;
-    }
+private Q_SLOTS:
     void theFirstWantedLanguageThatThereIsServes()
     {
-        QFETCH(QStringList, wanted);
-        installTranslations(*qApp, wanted);
-        QTEST(QCoreApplication::translate("ambertide::UpdateWindow", "Cancel"), "cancel");
+        for (const auto &[wanted, cancel] :
+             {std::pair("de-AT", "Abbrechen"), {"tlh de en", "Abbrechen"}, {"en-GB de", "Cancel"}, {"", "Cancel"}}) {
+            installTranslations(*qApp, QString::fromLatin1(wanted).split(u' ', Qt::SkipEmptyParts));
+            QCOMPARE(QCoreApplication::translate("ambertide::UpdateWindow", "Cancel"), QLatin1String(cancel));
+            qDeleteAll(qApp->findChildren<QTranslator *>());
+        }
     }
-    void cleanup() { qDeleteAll(qApp->findChildren<QTranslator *>()); }
 };
 
 QTEST_MAIN(Translations)

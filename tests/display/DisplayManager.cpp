@@ -48,15 +48,23 @@ class DisplayManagerTest : public QObject
     std::vector<double> shown()
     {
         std::vector<double> temperatures;
-        for (const auto &write : displays.takeWrites())
-            temperatures.push_back(temperatureOf(write));
+        std::ranges::transform(displays.takeWrites(), std::back_inserter(temperatures), temperatureOf);
         return temperatures;
     }
-    void settleAt(double temperature)
+    std::vector<double> shownIn(std::chrono::nanoseconds duration)
     {
-        manager->setTemperature(temperature);
-        executor->advance(wholeRamp);
-        displays.takeWrites();
+        executor->advance(duration);
+        return shown();
+    }
+    /// Whether this request begins with a step from `from`, and nothing else is shown any more.
+    bool rampsFrom(double from, double to)
+    {
+        const auto before = executor->now();
+        manager->setTemperature(to);
+        const bool hasWaited = executor->now() == before + 50ms;
+        executor->runReady();
+        const auto first = shown();
+        return hasWaited && first.size() == 1 && std::abs(first[0] - (from + (to - from) / 60)) < 0.2;
     }
 
 private Q_SLOTS:
@@ -65,10 +73,8 @@ private Q_SLOTS:
         executor = std::make_unique<FakeTaskExecutor>();
         displays.displays = {1, 2};
         manager = DisplayManager::create(displays, *executor, wake);
-        executor->advance(5s);
-        QVERIFY(displays.takeWrites().empty()); // neither creation nor idling at neutral touches a display
+        QVERIFY(shownIn(5s).empty()); // neither creation nor idling at neutral touches a display
     }
-
     void cleanup()
     {
         executor.reset();
@@ -79,120 +85,90 @@ private Q_SLOTS:
     void leavingNeutralRestoresThenHoldsTheEntryTemperatureThenRamps()
     {
         manager->setTemperature(3400);
-        executor->advance(499ms);
-        QCOMPARE(shown(), (std::vector<double>{restored}));
-        executor->advance(1ms);
-        QCOMPARE(shown(), (std::vector<double>{5500}));
-        executor->advance(199ms);
-        QVERIFY(shown().empty());
-        executor->advance(1ms);
-        QCOMPARE(shown(), (std::vector<double>{5465}));
+        QCOMPARE(shownIn(499ms), (std::vector{restored}));
+        QCOMPARE(displays.rampTargets.back()->blue, DisplayManager::createGammaTables(3400).blue);
+        QCOMPARE(shownIn(1ms), (std::vector{5500.0}));
+        QVERIFY(shownIn(199ms).empty());
+        QCOMPARE(shownIn(1ms), (std::vector{5465.0}));
         QCOMPARE(manager->temperature(), 6500.0);
-        executor->advance(1998ms);
-        auto ramp = shown();
+        const auto ramp = shownIn(1998ms);
         QCOMPARE(ramp.size(), std::size_t(59));
         QCOMPARE(ramp.back(), 3400.0);
         QVERIFY(std::ranges::is_sorted(ramp, std::greater()));
-        executor->advance(2ms);
-        QCOMPARE(shown(), (std::vector<double>{3400, 3400})); // the ramp's end, and once more when it is committed
+        QCOMPARE(shownIn(2ms), (std::vector{3400.0, 3400.0})); // the ramp's end, and once more when it is committed
         QCOMPARE(manager->temperature(), 3400.0);
-    }
 
-    void goingNeutralWalksToTheWarmEndAndOnlyThenRestores()
-    {
-        settleAt(3400);
-        executor->advance(1s); // stands between two periodic passes
+        // Back to neutral it walks to the warm end and only then restores.
+        executor->advance(1s); // between two periodic passes
         displays.takeWrites();
         manager->setTemperature(9000);
-        executor->advance(wholeRamp);
-        auto ramp = shown();
-        std::erase(ramp, 3400.0); // periodic passes show the old temperature for a frame
-        QCOMPARE(ramp.size(), std::size_t(61));
-        QCOMPARE(ramp[0], 3451.7);
-        QCOMPARE(ramp[59], 6500.0);
-        QCOMPARE(ramp[60], restored);
+        auto back = shownIn(wholeRamp);
+        std::erase(back, 3400.0); // periodic passes show the old temperature for a frame
+        QCOMPARE(back.size(), std::size_t(61));
+        QCOMPARE((std::vector{back[0], back[59], back[60]}), (std::vector{3451.7, 6500.0, restored}));
+        QVERIFY(displays.rampTargets.size() == 2 && !displays.rampTargets.back());
         QCOMPARE(manager->temperature(), 6500.0);
-        executor->advance(10s);
-        QVERIFY(shown().empty());
+        QVERIFY(shownIn(10s).empty());
     }
 
-    void requestsAreHeldToTheShownRange_data()
-    {
-        QTest::addColumn<double>("requested");
-        QTest::addColumn<double>("committed");
-        QTest::newRow("too warm") << 1500.0 << 2000.0;
-        QTest::newRow("too cold") << 1e300 << 6500.0;
-        QTest::newRow("no number at all changes nothing") << std::nan("") << 6500.0;
-    }
-    void requestsAreHeldToTheShownRange()
-    {
-        QFETCH(double, requested);
-        manager->setTemperature(requested);
-        executor->advance(wholeRamp);
-        QTEST(manager->temperature(), "committed");
-    }
-
-    void aRequestNearTheCommittedTemperatureIsDroppedWhileARampRuns_data()
+    void aRequestDuringARampIsHeldToTheRangeOrDropped_data()
     {
         QTest::addColumn<double>("request");
         QTest::addColumn<double>("outcome");
         QTest::newRow("near the old temperature") << 4099.0 << 2500.0;
         QTest::newRow("100 K away") << 4100.0 << 4100.0;
         QTest::newRow("near the running ramp's target") << 2550.0 << 2550.0;
+        QTest::newRow("too warm") << 1500.0 << 2000.0;
+        QTest::newRow("too cold") << 1e300 << 6500.0;
+        QTest::newRow("no number at all") << std::nan("") << 2500.0;
     }
-    void aRequestNearTheCommittedTemperatureIsDroppedWhileARampRuns()
+    void aRequestDuringARampIsHeldToTheRangeOrDropped()
     {
-        settleAt(4000);
+        QFETCH(double, request);
+        manager->setTemperature(4000);
+        executor->advance(wholeRamp);
         manager->setTemperature(2500);
         executor->advance(500ms);
-        QFETCH(double, request);
         manager->setTemperature(request);
         executor->advance(wholeRamp);
         QTEST(manager->temperature(), "outcome");
     }
 
-    void aNewRequestStartsFromWhatTheRampHasShown()
+    void aRampStartsFromWhatWasShownLast()
     {
-        settleAt(3000);
-        manager->setTemperature(6000);
-        executor->advance(1s);
-        const double last = shown().back();
-        QVERIFY(last > 4000 && last < 5000);
-        manager->setTemperature(2000);
-        executor->runReady();
-        const auto first = shown();
-        QCOMPARE(first.size(), std::size_t(1)); // the old ramp shows nothing more
-        QVERIFY(std::abs(first[0] - (last + (2000 - last) / 60)) < 0.2);
+        manager->setTemperature(3400);
+        shownIn(600ms);
+        QVERIFY(rampsFrom(5500, 2000)); // while the entry temperature was held
+        const double last = shownIn(1s).back();
+        QVERIFY(rampsFrom(last, 6000));
     }
 
     void theTintIsWrittenAgainEveryTwoSecondsAndAfterWake()
     {
-        settleAt(3400);
-        executor->advance(20s);
-        QCOMPARE(shown(), std::vector<double>(10, 3400.0));
+        manager->setTemperature(3400);
+        shownIn(wholeRamp);
+        QCOMPARE(shownIn(20s), std::vector(10, 3400.0));
         wake.wakeUp();
-        QCOMPARE(shown(), (std::vector<double>{3400}));
+        QCOMPARE(shown(), (std::vector{3400.0}));
         displays.displays = {2, 7, 9};
         manager->reapplyCurrentTemperature();
         QCOMPARE(displays.takeWrites().front().displays, displays.displays);
     }
 
-    void resetCancelsTheRampAndGivesTheDisplaysBack()
+    void resetEndsTheRampAndGivesTheDisplaysBack()
     {
-        settleAt(3400);
-        manager->setTemperature(2500);
-        executor->advance(1s);
-        const double last = shown().back();
+        manager->setTemperature(3400);
+        shownIn(wholeRamp);
         manager->reset();
-        executor->advance(10s);
-        QCOMPARE(shown(), (std::vector<double>{restored}));
+        manager->setTemperature(3000);
+        executor->runReady();
+        QCOMPARE(manager->temperature(), 3400.0); // that reset came too late
+        const double last = shownIn(1s).back();
+        manager->reset();
+        QCOMPARE(shownIn(10s), (std::vector{restored}));
         QCOMPARE(manager->temperature(), 6500.0);
         QCOMPARE(executor->sleeperCount(), std::size_t(1)); // the periodic pass, once
-
-        // the next ramp goes on from what was last shown
-        manager->setTemperature(3400);
-        executor->runReady();
-        QVERIFY(std::abs(shown().front() - (last + (3400 - last) / 60)) < 0.2);
+        QVERIFY(rampsFrom(last, 6500));                     // no ramp is running that would have it dropped
     }
 };
 

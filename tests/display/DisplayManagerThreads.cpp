@@ -5,8 +5,6 @@
 
 #include <QTest>
 
-#include <atomic>
-#include <future>
 #include <thread>
 #include <vector>
 
@@ -15,27 +13,19 @@ using namespace std::chrono_literals;
 
 namespace {
 
-class NoMainActor final : public MainActor
-{
-    void resume(Continuation continuation) override { const auto dropped = std::move(continuation); }
-};
-
 /// The real executor with a second shrunk to a millisecond.
-class HastyExecutor final : public TaskExecutor
+struct HastyExecutor final : TaskExecutor
 {
-public:
-    explicit HastyExecutor(TaskExecutor &executor) : m_executor(executor) {}
-    void resume(Continuation continuation) override { m_executor.resume(std::move(continuation)); }
+    ThreadTaskExecutor threads;
+
+    void resume(Continuation continuation) override { threads.resume(std::move(continuation)); }
     void resumeAfter(std::chrono::nanoseconds delay, Continuation continuation) override
     {
-        m_executor.resumeAfter(delay / 1000, std::move(continuation));
+        threads.resumeAfter(delay / 1000, std::move(continuation));
     }
-    void resumeOnMain(Continuation continuation) override { m_executor.resumeOnMain(std::move(continuation)); }
-    void wakeCancelled(const TaskState &task) override { m_executor.wakeCancelled(task); }
-    void blockThread(std::chrono::nanoseconds duration) override { m_executor.blockThread(duration / 1000); }
-
-private:
-    TaskExecutor &m_executor;
+    void resumeOnMain(Continuation continuation) override { threads.resumeOnMain(std::move(continuation)); }
+    void wakeCancelled(const TaskState &task) override { threads.wakeCancelled(task); }
+    void blockThread(std::chrono::nanoseconds duration) override { threads.blockThread(duration / 1000); }
 };
 
 } // namespace
@@ -50,16 +40,13 @@ private Q_SLOTS:
     {
         FakeDisplayServices displays;
         FakeSystemWake wake;
-        NoMainActor mainActor;
         std::shared_ptr<DisplayManager> manager;
         {
-            ThreadTaskExecutor threads(mainActor);
-            HastyExecutor executor(threads);
+            HastyExecutor executor;
             manager = DisplayManager::create(displays, executor, wake);
-
-            std::vector<std::thread> callers;
+            std::vector<std::jthread> callers;
             for (int caller = 0; caller < 4; ++caller) {
-                callers.emplace_back([&, caller] {
+                callers.emplace_back([&manager, caller] {
                     for (int i = 0; i < 200; ++i) {
                         manager->setTemperature(2000 + 260 * ((i * 7 + caller) % 18));
                         if (i % 5 == caller)
@@ -68,16 +55,13 @@ private Q_SLOTS:
                     }
                 });
             }
-            for (auto &caller : callers)
-                caller.join();
-
+            callers.clear();
             manager->setTemperature(2130); // 100 K away from whatever was committed: never dropped
             QTRY_COMPARE(manager->temperature(), 2130.0);
-            QVERIFY(threads.waitUntilIdle(10s));
+            QVERIFY(executor.threads.waitUntilIdle(10s));
         }
         const auto writes = displays.takeWrites();
-        QVERIFY(!writes.back().isRestore);
-        QCOMPARE(writes.back().tables.green[255], DisplayManager::createGammaTables(2130).green[255]);
+        QCOMPARE(writes.back().tables.green, DisplayManager::createGammaTables(2130).green);
         wake.wakeUp(); // the executor is gone, the manager is not: still harmless
     }
 };

@@ -58,6 +58,13 @@ private Q_SLOTS:
                                       "'\nrm -f '" + link.string() + "'\n");
         runner.result = {Failed, "no"};
         QCOMPARE(both(), "Failed to install the CLI tool: no|Failed to uninstall the CLI tool: no|");
+
+        // A link to nowhere is no installed tool, and stays where it is.
+        runner = {};
+        fs::remove(tool);
+        QVERIFY(!installer.isInstalled());
+        QCOMPARE(both(), "Could not find CLI executable in app bundle|");
+        QCOMPARE(runner.commands, "");
     }
 
     void theAdministratorShellRunsNothingElse()

@@ -113,7 +113,7 @@ private Q_SLOTS:
         QCOMPARE(bench.storedHours(), QStringLiteral("12")); // remains readable
         QVERIFY(bench.console.lines.back().starts_with("Error encoding schedule entries: "));
         bench.changes.clear();
-        bench.application.handleManualChange(); // switched off from elsewhere
+        bench.application.setScheduleEnabled(true); // from elsewhere
         QVERIFY(!bench.changes.empty() && bench.model.launchAtLogin());
     }
 };

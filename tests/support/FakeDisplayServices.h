@@ -19,6 +19,7 @@ public:
     };
 
     std::vector<DisplayIdentifier> displays = {1, 2};
+    std::vector<std::optional<GammaTables>> rampTargets;
 
     std::vector<DisplayIdentifier> activeDisplays() override { return displays; }
     void setTransferTables(std::span<const DisplayIdentifier> addressed, const GammaTables &tables) override
@@ -31,6 +32,8 @@ public:
         const std::scoped_lock lock(m_lock);
         m_writes.push_back({displays, {}, true});
     }
+
+    void beginRamp(const std::optional<GammaTables> &target) override { rampTargets.push_back(target); }
 
     /// What was written since the last call.
     std::vector<Write> takeWrites()

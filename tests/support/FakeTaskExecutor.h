@@ -11,7 +11,7 @@ namespace ambertide {
 
 /// Background and main thread in one, on the test's own thread and in a time of its own: nothing runs and no time
 /// passes but by the calls below.
-class FakeTaskExecutor final : public TaskExecutor, public MainActor
+class FakeTaskExecutor final : public TaskExecutor
 {
 public:
     ~FakeTaskExecutor() override;

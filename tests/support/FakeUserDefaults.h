@@ -42,6 +42,7 @@ public:
     {
         values[std::string(key)] = std::string(bytes);
     }
+    void flush(std::chrono::milliseconds) override {}
 };
 
 } // namespace ambertide

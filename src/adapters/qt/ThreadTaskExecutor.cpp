@@ -1,11 +1,14 @@
 #include "adapters/qt/ThreadTaskExecutor.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace ambertide {
 
-ThreadTaskExecutor::ThreadTaskExecutor(MainActor &mainActor) : m_mainActor(mainActor), m_thread([this] { run(); }) {}
+ThreadTaskExecutor::ThreadTaskExecutor() : m_thread([this] { run(); }) {}
 
 ThreadTaskExecutor::~ThreadTaskExecutor()
 {
@@ -17,6 +20,7 @@ ThreadTaskExecutor::~ThreadTaskExecutor()
     m_thread.join();
     // Whatever is dropped may call back into this object as it goes, so the lists must be whole and unlocked by then.
     for (;;) {
+        QCoreApplication::removePostedEvents(&m_main);
         std::deque<Continuation> ready;
         std::vector<Sleeper> sleepers;
         {
@@ -53,7 +57,13 @@ void ThreadTaskExecutor::resumeAfter(std::chrono::nanoseconds delay, Continuatio
         m_changed.notify_one();
 }
 
-void ThreadTaskExecutor::resumeOnMain(Continuation continuation) { m_mainActor.resume(std::move(continuation)); }
+void ThreadTaskExecutor::resumeOnMain(Continuation continuation)
+{
+    // Shared because such a call must be copyable.
+    QMetaObject::invokeMethod(
+        &m_main, [held = std::make_shared<Continuation>(std::move(continuation))] { held->resume(); },
+        Qt::QueuedConnection);
+}
 
 void ThreadTaskExecutor::wakeCancelled(const TaskState &task)
 {

@@ -2,6 +2,8 @@
 
 #include "base/TaskExecutor.h"
 
+#include <QObject>
+
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -13,14 +15,15 @@
 namespace ambertide {
 
 /// Runs every task on one background thread, which sleeps until the next is due: a tick of a task is one wake-up of the
-/// process. Tasks that block (a display server that does not answer) hold the others up, never the main thread.
+/// process. Tasks that block (a display server that does not answer) hold the others up, never the main thread. What
+/// goes on on the main thread does so from Qt's event loop.
 ///
-/// Destroying it waits for the task that is running to suspend and destroys all others where they stand.
+/// Create and destroy on the main thread. Destroying it waits for the task that is running to suspend and destroys all
+/// others where they stand.
 class ThreadTaskExecutor final : public TaskExecutor
 {
 public:
-    /// `mainActor` must outlive the executor.
-    explicit ThreadTaskExecutor(MainActor &mainActor);
+    ThreadTaskExecutor();
     ~ThreadTaskExecutor() override;
 
     void resume(Continuation continuation) override;
@@ -45,7 +48,6 @@ private:
     void collectDueSleepers();
     Clock::time_point nextDue() const;
 
-    MainActor &m_mainActor;
     std::mutex m_lock;
     std::condition_variable m_changed;
     std::condition_variable m_idle;
@@ -54,6 +56,7 @@ private:
     Clock::time_point m_wakesAt = Clock::time_point::max();
     bool m_isRunning = false;
     bool m_shouldEnd = false;
+    QObject m_main; ///< what is to go on on the main thread waits among its events
     std::thread m_thread;
 };
 

@@ -1,9 +1,9 @@
-#include "adapters/qt/QtMainActor.h"
 #include "adapters/qt/ThreadTaskExecutor.h"
 #include "base/Task.h"
 
 #include <QTest>
 
+#include <atomic>
 #include <future>
 #include <memory>
 
@@ -32,18 +32,40 @@ class TaskExecutorsTest : public QObject
 private Q_SLOTS:
     void aCancelledSleepThrowsThroughNestedBodies()
     {
-        QtMainActor mainActor;
-        ThreadTaskExecutor executor(mainActor);
+        ThreadTaskExecutor executor;
         std::promise<bool> wasCut;
-        std::promise<void> isAsleep;
-        const auto task = Task::start(executor, [&](TaskContext context) -> Async {
-            isAsleep.set_value();
-            co_await sleepLong(context, wasCut);
-        });
-        isAsleep.get_future().wait();
+        const auto task =
+            Task::start(executor, [&](TaskContext context) -> Async { co_await sleepLong(context, wasCut); });
         task.cancel(); // before or after the sleep has begun: both must end it
         task.cancel();
         QVERIFY(wasCut.get_future().get());
+    }
+
+    void anEarlierSleeperIsWokenBeforeALaterOne()
+    {
+        ThreadTaskExecutor executor;
+        std::promise<bool> unused;
+        Task::start(executor, [&](TaskContext context) -> Async { co_await sleepLong(context, unused); });
+        QVERIFY(executor.waitUntilIdle(10s));
+        std::atomic<bool> isAwake = false;
+        Task::startOnMain(executor, [&](TaskContext context) -> Async {
+            co_await context.sleep(1ms); // begun while the background thread is asleep
+            isAwake = true;
+        });
+        QTRY_VERIFY(isAwake);
+    }
+
+    void hopsToTheMainThreadKeepTheirOrder()
+    {
+        ThreadTaskExecutor executor;
+        std::string order;
+        for (const char name : {'a', 'b', 'c'}) {
+            Task::startOnMain(executor, [&order, name](TaskContext) -> Async {
+                order += name;
+                co_return;
+            });
+        }
+        QTRY_COMPARE(order, std::string("abc"));
     }
 
     void whatATaskHoldsIsReleasedWithItsExecutor_data()
@@ -59,8 +81,7 @@ private Q_SLOTS:
         const auto held = std::make_shared<int>(stage);
         std::promise<bool> unused;
         {
-            QtMainActor mainActor;
-            ThreadTaskExecutor executor(mainActor);
+            ThreadTaskExecutor executor;
             Task::start(executor, [held, stage, &unused](TaskContext context) -> Async {
                 if (stage == 0)
                     co_await context.sleep(1h);

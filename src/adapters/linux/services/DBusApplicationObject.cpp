@@ -1,9 +1,8 @@
 #include "adapters/linux/services/DBusApplicationObject.h"
 
 #include "adapters/linux/bus/BusNames.h"
-#include "adapters/linux/bus/SdBusReader.h"
+#include "adapters/linux/bus/SdBusObject.h"
 
-#include <cerrno>
 #include <utility>
 
 namespace ambertide {
@@ -12,36 +11,31 @@ struct DBusApplicationObject::Methods
 {
     static const sd_bus_vtable vtable[];
 
-    static int activate(sd_bus_message *call, void *context, sd_bus_error *)
+    static const char *activate(DBusApplicationObject &object, SdBusReader &call, SdBusWriter &)
     {
-        auto &object = *static_cast<DBusApplicationObject *>(context);
-        return answerAndRun(call, SdBusReader(call), object, object.m_activate);
+        return run(object, call, object.m_activate);
     }
 
-    static int open(sd_bus_message *call, void *context, sd_bus_error *)
+    static const char *open(DBusApplicationObject &object, SdBusReader &call, SdBusWriter &)
     {
-        auto &object = *static_cast<DBusApplicationObject *>(context);
-        SdBusReader reader(call);
-        return reader.skip() ? answerAndRun(call, reader, object, object.m_activate) : -EINVAL;
+        return call.skip() ? run(object, call, object.m_activate) : malformedCall;
     }
 
-    static int activateAction(sd_bus_message *call, void *context, sd_bus_error *error)
+    static const char *activateAction(DBusApplicationObject &object, SdBusReader &call, SdBusWriter &)
     {
-        auto &object = *static_cast<DBusApplicationObject *>(context);
-        SdBusReader reader(call);
-        const auto found = object.m_actions.find(reader.text().value_or(""));
+        const auto found = object.m_actions.find(call.text().value_or(""));
         if (found == object.m_actions.end())
-            return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "There is no such action");
-        return reader.skip() ? answerAndRun(call, reader, object, found->second) : -EINVAL;
+            return "There is no such action";
+        return call.skip() ? run(object, call, found->second) : malformedCall;
     }
 
 private:
-    /// The reader stands before the platform data, which comes last in each of the calls.
-    static int answerAndRun(sd_bus_message *call, SdBusReader reader, DBusApplicationObject &object, Callback callback)
+    /// The call is read up to the platform data, which comes last in each of the calls.
+    static const char *run(DBusApplicationObject &object, SdBusReader &call, Callback callback)
     {
-        const auto platformData = reader.dictionary();
+        const auto platformData = call.dictionary();
         if (!platformData)
-            return -EINVAL;
+            return malformedCall;
         std::string token;
         for (const char *key : {bus_names::activationTokenKey, bus_names::startupIdentifierKey}) {
             const auto found = platformData->find(key);
@@ -50,26 +44,25 @@ private:
                 token = *text;
         }
         object.m_session.afterMessage([callback = std::move(callback), token = std::move(token)] { callback(token); });
-        return sd_bus_reply_method_return(call, "");
+        return noRefusal;
     }
 };
 
 const sd_bus_vtable DBusApplicationObject::Methods::vtable[] = {
     SD_BUS_VTABLE_START(0),
-    SD_BUS_METHOD("Activate", "a{sv}", "", activate, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Open", "asa{sv}", "", open, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("ActivateAction", "sava{sv}", "", activateAction, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Activate", "a{sv}", "", handleCall<activate>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Open", "asa{sv}", "", handleCall<open>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("ActivateAction", "sava{sv}", "", handleCall<activateAction>, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_VTABLE_END,
 };
 
-DBusApplicationObject::DBusApplicationObject(DBusSession &session, Callback activate)
-    : m_session(session), m_activate(std::move(activate)), m_object(session.install([this](sd_bus *bus) {
-          sd_bus_slot *slot = nullptr;
-          sd_bus_add_object_vtable(bus, &slot, bus_names::applicationPath, bus_names::applicationInterface,
-                                   Methods::vtable, this);
-          return SdBusSlot(slot);
-      }))
+DBusApplicationObject::DBusApplicationObject(DBusSession &session, Callback activate,
+                                             const std::function<void(ColorTemperature)> &perform)
+    : m_session(session), m_activate(std::move(activate)),
+      m_object(session.exportObject(bus_names::applicationPath, bus_names::applicationInterface, Methods::vtable, this))
 {
+    for (const auto preset : allColorTemperatures())
+        setAction(identifier(preset), [perform, preset](const std::string &) { perform(preset); });
 }
 
 void DBusApplicationObject::setAction(std::string name, Callback callback)

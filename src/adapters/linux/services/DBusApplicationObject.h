@@ -1,6 +1,7 @@
 #pragma once
 
 #include "adapters/linux/bus/DBusSession.h"
+#include "model/presets/ColorTemperature.h"
 
 #include <functional>
 #include <map>
@@ -16,13 +17,12 @@ public:
     /// Gets the token with which the desktop lets a window come to the front; empty when there is none.
     using Callback = std::function<void(const std::string &activationToken)>;
 
-    /// `activate` also stands for opening files, of which this application knows none. `session` must outlive this.
-    DBusApplicationObject(DBusSession &session, Callback activate);
+    /// `activate` also stands for opening files, of which this application knows none. Each preset is an action by its
+    /// identifier, which `perform` carries out. `session` must outlive this.
+    DBusApplicationObject(DBusSession &session, Callback activate,
+                          const std::function<void(ColorTemperature)> &perform);
     DBusApplicationObject(const DBusApplicationObject &) = delete;
     DBusApplicationObject &operator=(const DBusApplicationObject &) = delete;
-
-    /// As if somebody had called Activate.
-    void activate(const std::string &activationToken) const { m_activate(activationToken); }
 
     /// Actions of other names are refused. Parameters are ignored.
     void setAction(std::string name, Callback callback);

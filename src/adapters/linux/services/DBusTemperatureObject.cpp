@@ -1,6 +1,8 @@
 #include "adapters/linux/services/DBusTemperatureObject.h"
 
 #include "adapters/linux/bus/BusNames.h"
+#include "adapters/linux/bus/SdBusObject.h"
+#include "model/AppViewModel.h"
 
 #include <utility>
 
@@ -19,17 +21,20 @@ struct DBusTemperatureObject::Properties
 {
     static const sd_bus_vtable vtable[];
 
-    template <double (TemperatureControl::*value)() const>
-    static int get(sd_bus *, const char *, const char *, const char *, sd_bus_message *reply, void *context,
-                   sd_bus_error *)
+    static void temperature(DBusTemperatureObject &object, SdBusWriter &value)
     {
-        return sd_bus_message_append(reply, "d", (controlOf(context).*value)());
+        value.add(object.m_model.temperature());
     }
 
-    static int getScheduleEnabled(sd_bus *, const char *, const char *, const char *, sd_bus_message *reply,
-                                  void *context, sd_bus_error *)
+    template <const double &bound>
+    static void temperatureBound(DBusTemperatureObject &, SdBusWriter &value)
     {
-        return sd_bus_message_append(reply, "b", static_cast<int>(controlOf(context).scheduleEnabled()));
+        value.add(bound);
+    }
+
+    static void scheduleEnabled(DBusTemperatureObject &object, SdBusWriter &value)
+    {
+        value.add(object.m_model.scheduleEnabled());
     }
 
     static int setTemperature(sd_bus *, const char *, const char *, const char *, sd_bus_message *value, void *context,
@@ -38,12 +43,12 @@ struct DBusTemperatureObject::Properties
         double temperature = 0;
         if (const int result = sd_bus_message_read(value, "d", &temperature); result < 0)
             return result;
-        auto &control = controlOf(context);
-        if (!control.acceptsTemperature(temperature))
+        if (!AppViewModel::acceptsRequest(temperature))
             return sd_bus_error_setf(error, SD_BUS_ERROR_INVALID_ARGS,
-                                     "The temperature must be between %.0f and %.0f K", control.minimumTemperature(),
-                                     control.maximumTemperature());
-        sessionOf(context).afterMessage([&control, temperature] { control.requestTemperature(temperature); });
+                                     "The temperature must be between %.0f and %.0f K", AppViewModel::minTemperature,
+                                     AppViewModel::maxTemperature);
+        sessionOf(context).afterMessage(
+            [&model = modelOf(context), temperature] { model.requestTemperature(temperature); });
         return 1;
     }
 
@@ -53,65 +58,55 @@ struct DBusTemperatureObject::Properties
         int isEnabled = 0;
         if (const int result = sd_bus_message_read(value, "b", &isEnabled); result < 0)
             return result;
-        auto &control = controlOf(context);
-        sessionOf(context).afterMessage([&control, isEnabled] { control.setScheduleEnabled(isEnabled != 0); });
+        sessionOf(context).afterMessage(
+            [&model = modelOf(context), isEnabled] { model.setScheduleEnabled(isEnabled != 0); });
         return 1;
     }
 
 private:
-    static TemperatureControl &controlOf(void *context)
-    {
-        return static_cast<DBusTemperatureObject *>(context)->m_control;
-    }
+    static AppViewModel &modelOf(void *context) { return static_cast<DBusTemperatureObject *>(context)->m_model; }
     static DBusSession &sessionOf(void *context) { return static_cast<DBusTemperatureObject *>(context)->m_session; }
 };
 
 const sd_bus_vtable DBusTemperatureObject::Properties::vtable[] = {
     SD_BUS_VTABLE_START(0),
-    SD_BUS_WRITABLE_PROPERTY(temperatureProperty, "d", get<&TemperatureControl::temperature>, setTemperature, 0,
+    SD_BUS_WRITABLE_PROPERTY(temperatureProperty, "d", handleRead<temperature>, setTemperature, 0,
                              SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE | SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_PROPERTY("MinimumTemperature", "d", get<&TemperatureControl::minimumTemperature>, 0,
+    SD_BUS_PROPERTY("MinimumTemperature", "d", handleRead<temperatureBound<AppViewModel::minTemperature>>, 0,
                     SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_PROPERTY("MaximumTemperature", "d", get<&TemperatureControl::maximumTemperature>, 0,
+    SD_BUS_PROPERTY("MaximumTemperature", "d", handleRead<temperatureBound<AppViewModel::maxTemperature>>, 0,
                     SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_WRITABLE_PROPERTY(scheduleProperty, "b", getScheduleEnabled, setScheduleEnabled, 0,
+    SD_BUS_WRITABLE_PROPERTY(scheduleProperty, "b", handleRead<scheduleEnabled>, setScheduleEnabled, 0,
                              SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE | SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_VTABLE_END,
 };
 
-DBusTemperatureObject::DBusTemperatureObject(DBusSession &session, TemperatureControl &control)
-    : m_session(session), m_control(control), m_announcedTemperature(control.temperature()),
-      m_announcedScheduleEnabled(control.scheduleEnabled()), m_object(session.install([this](sd_bus *bus) {
-          sd_bus_slot *slot = nullptr;
-          sd_bus_add_object_vtable(bus, &slot, bus_names::applicationPath, bus_names::temperatureInterface,
-                                   Properties::vtable, this);
-          return SdBusSlot(slot);
-      })),
-      m_changes(control.observe([this] { announceChanges(); }))
+DBusTemperatureObject::DBusTemperatureObject(DBusSession &session, AppViewModel &model)
+    : m_session(session), m_model(model), m_announcedTemperature(model.temperature()),
+      m_announcedScheduleEnabled(model.scheduleEnabled()),
+      m_object(
+          session.exportObject(bus_names::applicationPath, bus_names::temperatureInterface, Properties::vtable, this))
 {
+    QObject::connect(&model, &AppViewModel::changed, &m_context, [this] { announceChanges(); });
 }
 
 void DBusTemperatureObject::announceChanges()
 {
-    const double temperature = m_control.temperature();
-    const bool scheduleEnabled = m_control.scheduleEnabled();
+    const double temperature = m_model.temperature();
+    const bool scheduleEnabled = m_model.scheduleEnabled();
     const bool hasNewTemperature = std::exchange(m_announcedTemperature, temperature) != temperature;
     const bool hasNewSchedule = std::exchange(m_announcedScheduleEnabled, scheduleEnabled) != scheduleEnabled;
-    sd_bus_message *message = nullptr;
-    if (!(hasNewTemperature || hasNewSchedule) || m_session.bus() == nullptr ||
-        sd_bus_message_new_signal(m_session.bus(), &message, bus_names::applicationPath,
-                                  "org.freedesktop.DBus.Properties", "PropertiesChanged") < 0)
+    if (!hasNewTemperature && !hasNewSchedule)
         return;
-    const SdBusMessage owner(message);
-    sd_bus_message_append(message, "s", bus_names::temperatureInterface);
-    sd_bus_message_open_container(message, 'a', "{sv}");
+    UserInfo changed;
     if (hasNewTemperature)
-        sd_bus_message_append(message, "{sv}", temperatureProperty, "d", temperature);
+        changed.emplace(temperatureProperty, temperature);
     if (hasNewSchedule)
-        sd_bus_message_append(message, "{sv}", scheduleProperty, "b", static_cast<int>(scheduleEnabled));
-    sd_bus_message_close_container(message);
-    sd_bus_message_append(message, "as", 0);
-    m_session.send(owner);
+        changed.emplace(scheduleProperty, scheduleEnabled);
+    auto signal = SdBusWriter::signal(m_session.bus(), bus_names::applicationPath, "org.freedesktop.DBus.Properties",
+                                      "PropertiesChanged");
+    signal.add(bus_names::temperatureInterface, changed).container('a', "s", [] {});
+    m_session.send(signal.take());
 }
 
 } // namespace ambertide

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "adapters/linux/bus/DBusSession.h"
-#include "ports/TemperatureControl.h"
+
+#include <QObject>
 
 namespace ambertide {
+
+class AppViewModel;
 
 /// Exports `me.tovanu.Ambertide1` at the application's path: the interface for scripts, bars and applets that
 /// docs/dbus-api.md describes. Main thread.
@@ -11,7 +14,7 @@ class DBusTemperatureObject
 {
 public:
     /// Both must outlive this.
-    DBusTemperatureObject(DBusSession &session, TemperatureControl &control);
+    DBusTemperatureObject(DBusSession &session, AppViewModel &model);
     DBusTemperatureObject(const DBusTemperatureObject &) = delete;
     DBusTemperatureObject &operator=(const DBusTemperatureObject &) = delete;
 
@@ -21,11 +24,11 @@ private:
     void announceChanges();
 
     DBusSession &m_session;
-    TemperatureControl &m_control;
+    AppViewModel &m_model;
     double m_announcedTemperature;
     bool m_announcedScheduleEnabled;
     Observation m_object;
-    Observation m_changes;
+    QObject m_context; ///< of the calls that come from the model
 };
 
 } // namespace ambertide

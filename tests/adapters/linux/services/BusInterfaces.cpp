@@ -1,7 +1,10 @@
 #include "adapters/linux/bus/BusNames.h"
 #include "adapters/linux/bus/SdBusReader.h"
-#include "adapters/linux/services/DBusActions.h"
+#include "adapters/linux/services/DBusApplicationObject.h"
 #include "adapters/linux/services/DBusTemperatureObject.h"
+#include "adapters/linux/services/GnomeSearchProvider.h"
+#include "adapters/linux/services/KRunnerObject.h"
+#include "support/ModelBench.h"
 #include "support/PrivateBus.h"
 #include "support/busctl.h"
 
@@ -10,48 +13,20 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A model of two values, which says more often than it must that it has changed.
-struct Model final : TemperatureControl
-{
-    double current = 6500;
-    bool isScheduled = true;
-    std::function<void()> changed;
-
-    double temperature() const override { return current; }
-    double minimumTemperature() const override { return 1000; }
-    double maximumTemperature() const override { return 6500; }
-    bool scheduleEnabled() const override { return isScheduled; }
-    bool acceptsTemperature(double temperature) const override { return temperature >= 1000 && temperature <= 6500; }
-    void requestTemperature(double temperature) override
-    {
-        isScheduled = false;
-        changed();
-        current = temperature;
-        changed();
-    }
-    void setScheduleEnabled(bool enabled) override
-    {
-        isScheduled = enabled;
-        changed();
-    }
-    Observation observe(std::function<void()> observer) override
-    {
-        changed = std::move(observer);
-        return {};
-    }
-};
-
 /// All that the application exports, under its name.
 struct Exports
 {
     PrivateBus bus;
     QStringList events;
-    Model model;
+    ModelBench bench{6500};
+    std::function<void(ColorTemperature)> perform = [this](auto preset) {
+        events += QString::number(rawValue(preset));
+    };
     DBusSession session{SdBusKind::session};
-    DBusApplicationObject application{session, [this](const auto &) { events += QStringLiteral("activate"); }};
-    DBusActions actions{session, application,
-                        [this](ColorTemperature preset) { events += QString::number(rawValue(preset)); }};
-    DBusTemperatureObject temperature{session, model};
+    DBusApplicationObject application{session, [](const auto &) {}, perform};
+    KRunnerObject runner{session, perform};
+    GnomeSearchProvider searchProvider{session, perform, [this] { events += QStringLiteral("launch"); }};
+    DBusTemperatureObject temperature{session, *bench.model};
 
     Exports()
     {
@@ -74,49 +49,39 @@ class BusInterfacesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void callsAreAnsweredAndPerformed_data()
-    {
-        QTest::addColumn<QString>("call");
-        QTest::addColumn<QString>("reply");
-        QTest::addColumn<QString>("events");
-        const auto rows = [](const char *object, std::initializer_list<std::array<const char *, 3>> calls) {
-            for (const auto &[call, reply, event] : calls)
-                QTest::newRow(call)
-                    << QStringLiteral("call me.tovanu.Ambertide %1 %2").arg(QLatin1String(object), QLatin1String(call))
-                    << QString::fromLatin1(reply) << QString::fromLatin1(event);
-        };
-        rows(
-            "/runner org.kde.krunner1",
-            {{"Actions", "a(sss) 0", ""},
-             {"Match s 3400",
-              R"~(a(sssida{sv}) 1 "k3400" "Set display temperature to 3400K (Halogen)" "me.tovanu.Ambertide" 100 1 0)~",
-              ""},
-             {"Match s 33",
-              R"(a(sssida{sv}) 1 "k3300" "Set display temperature to 3300K" "me.tovanu.Ambertide" 30 0.4 0)", ""},
-             {"Match s firefox", "a(sssida{sv}) 0", ""},
-             {"Run ss k2700 any", "", "2700"},
-             {"Run ss k2750 any", "Call failed: There is no such match", ""}});
-        rows("/me/tovanu/Ambertide/SearchProvider org.gnome.Shell.SearchProvider2",
-             {{"GetInitialResultSet as 2 warm tungsten", R"(as 1 "k2700")", ""},
-              {"GetInitialResultSet as 1 warm", R"(as 4 "k1000" "k1900" "k2700" "k3400")", ""},
-              {"GetSubsearchResultSet asas 2 k1000 k1900 1 daylight", R"(as 1 "k6500")", ""},
-              {"GetResultMetas as 2 k3400 unknown",
-               R"~(aa{sv} 1 4 "description" s "Set Color Temperature" "gicon" s "me.tovanu.Ambertide" )~"
-               R"~("id" s "k3400" "name" s "3400K (Halogen)")~",
-               ""},
-              {"ActivateResult sasu k1900 1 candle 0", "", "1900"},
-              {"ActivateResult sasu 1900 1 candle 0", "Call failed: There is no such result", ""},
-              {"LaunchSearch asu 1 candle 0", "", "activate"}});
-        rows("/me/tovanu/Ambertide org.freedesktop.Application",
-             {{"ActivateAction sava{sv} k5500 0 0", "", "5500"},
-              {"ActivateAction sava{sv} k5550 0 0", "Call failed: There is no such action", ""}});
-    }
     void callsAreAnsweredAndPerformed()
     {
-        QFETCH(QString, call);
-        Exports exports;
-        QTEST(busctl(call), "reply");
-        QTEST(exports.events.join(u' '), "events");
+        const auto *const runner = "/runner org.kde.krunner1";
+        const auto *const search = "/me/tovanu/Ambertide/SearchProvider org.gnome.Shell.SearchProvider2";
+        const auto *const application = "/me/tovanu/Ambertide org.freedesktop.Application";
+        for (const auto &[object, call, reply, event] : std::initializer_list<std::array<const char *, 4>>{
+                 {runner, "Actions", "a(sss) 0", ""},
+                 {runner, "Match s 3400",
+                  R"~(a(sssida{sv}) 1 "k3400" "Set display temperature to 3400K (Halogen)" )~"
+                  R"~("me.tovanu.Ambertide" 100 1 0)~",
+                  ""},
+                 {runner, "Match s 33",
+                  R"(a(sssida{sv}) 1 "k3300" "Set display temperature to 3300K" "me.tovanu.Ambertide" 30 0.4 0)", ""},
+                 {runner, "Run ss k2700 any", "", "2700"},
+                 {runner, "Run ss k2750 any", "Call failed: There is no such match", ""},
+                 {search, "GetInitialResultSet as 2 warm tungsten", R"(as 1 "k2700")", ""},
+                 {search, "GetSubsearchResultSet asas 2 k1000 k1900 1 daylight", R"(as 1 "k6500")", ""},
+                 {search, "GetResultMetas as 2 k3400 unknown",
+                  R"~(aa{sv} 1 4 "description" s "Set Color Temperature" "gicon" s "me.tovanu.Ambertide" )~"
+                  R"~("id" s "k3400" "name" s "3400K (Halogen)")~",
+                  ""},
+                 {search, "ActivateResult sasu k1900 1 candle 0", "", "1900"},
+                 {search, "ActivateResult sasu 1900 1 candle 0", "Call failed: There is no such result", ""},
+                 {search, "LaunchSearch asu 1 candle 0", "", "launch"},
+                 {application, "ActivateAction sava{sv} k5500 0 0", "", "5500"},
+                 {application, "ActivateAction sava{sv} k5550 0 0", "Call failed: There is no such action", ""}}) {
+            Exports exports;
+            QCOMPARE(
+                busctl(
+                    QStringLiteral("call me.tovanu.Ambertide %1 %2").arg(QLatin1String(object), QLatin1String(call))),
+                QLatin1String(reply));
+            QCOMPARE(exports.events.join(u' '), QLatin1String(event));
+        }
     }
 
     void hugeSearchesFindNothing()
@@ -132,36 +97,30 @@ private Q_SLOTS:
         QVERIFY2(metas.startsWith(QStringLiteral("aa{sv} 64 ")), qPrintable(metas.left(80)));
     }
 
-    void writesChangeWhatIsReadNext_data()
-    {
-        QTest::addColumn<QString>("reply"); // contains it
-        QTest::addColumn<QString>("state"); // and what was announced on the way there
-        const auto row = [](const char *write, const char *reply, const char *state) {
-            QTest::newRow(write) << QString::fromLatin1(reply) << QString::fromLatin1(state);
-        };
-        row("Temperature d 3400", "", "d 3400 b false {ScheduleEnabled = false}{Temperature = 3400}");
-        row("Temperature d 6500", "", "d 6500 b false {ScheduleEnabled = false}");
-        row("ScheduleEnabled b false", "", "d 6500 b false {ScheduleEnabled = false}");
-        row("ScheduleEnabled b true", "", "d 6500 b true ");
-        for (const char *write : {"Temperature d 999", "Temperature d 6501", "Temperature d inf", "Temperature d nan"})
-            row(write, "The temperature must be between 1000 and 6500 K", "d 6500 b true ");
-        row("Temperature i 3400", "Incorrect parameters for property 'Temperature'", "d 6500 b true ");
-        row("MinimumTemperature d 500", "Property 'MinimumTemperature' is not writable", "d 6500 b true ");
-    }
     void writesChangeWhatIsReadNext()
     {
-        QFETCH(QString, reply);
-        Exports exports;
-        std::string announced;
-        const auto match = exports.session.install([&announced](sd_bus *bus) {
-            return addMatch(bus, "type='signal',member='PropertiesChanged'", keepChanges, &announced);
-        });
         const QString property = QStringLiteral(" me.tovanu.Ambertide /me/tovanu/Ambertide me.tovanu.Ambertide1 ");
-        const auto said = busctl(QStringLiteral("set-property") + property + QLatin1String(QTest::currentDataTag()));
-        QVERIFY2(reply.isEmpty() ? said.isEmpty() : said.contains(reply), qPrintable(said));
-        const auto read =
-            busctl(QStringLiteral("get-property") + property + QStringLiteral("Temperature ScheduleEnabled"));
-        QTEST(read.simplified() + u' ' + QString::fromStdString(announced), "state");
+        const auto outOfRange = "The temperature must be between 1000 and 6500 K";
+        for (const auto &[write, reply, state] : std::initializer_list<std::array<const char *, 3>>{
+                 {"Temperature d 3449", "", "d 3400 b false {Temperature = 3400}"},
+                 {"Temperature d 6500", "", "d 6500 b false "},
+                 {"ScheduleEnabled b true", "", "d 6500 b true {ScheduleEnabled = true}"},
+                 {"Temperature d 949", outOfRange, "d 6500 b false "},
+                 {"Temperature d 6550", outOfRange, "d 6500 b false "},
+                 {"Temperature d nan", outOfRange, "d 6500 b false "},
+                 {"Temperature i 3400", "Incorrect parameters for property 'Temperature'", "d 6500 b false "},
+                 {"MinimumTemperature d 500", "Property 'MinimumTemperature' is not writable", "d 6500 b false "}}) {
+            Exports exports;
+            std::string announced;
+            const auto match = exports.session.install([&announced](sd_bus *bus) {
+                return addMatch(bus, "type='signal',member='PropertiesChanged'", keepChanges, &announced);
+            });
+            const auto said = busctl(QStringLiteral("set-property") + property + QLatin1String(write));
+            QVERIFY2(*reply == 0 ? said.isEmpty() : said.contains(QLatin1String(reply)), write);
+            const auto read =
+                busctl(QStringLiteral("get-property") + property + QStringLiteral("Temperature ScheduleEnabled"));
+            QCOMPARE(read.simplified() + u' ' + QString::fromStdString(announced), QLatin1String(state));
+        }
     }
 };
 

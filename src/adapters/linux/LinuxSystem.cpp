@@ -1,0 +1,136 @@
+#include "adapters/linux/LinuxSystem.h"
+
+#include "adapters/linux/SessionApplication.h"
+#include "adapters/linux/bus/DBusNotificationCenter.h"
+#include "adapters/linux/bus/DBusRunningApplications.h"
+#include "adapters/linux/bus/DBusSession.h"
+#include "adapters/linux/desktop/FeedbackdHapticPerformer.h"
+#include "adapters/linux/desktop/LogindSystemWake.h"
+#include "adapters/linux/desktop/PortalAppearance.h"
+#include "adapters/linux/desktop/XdgLoginItem.h"
+#include "adapters/linux/displays/SessionDisplayServices.h"
+#include "adapters/linux/elevation/PkexecPrivilegedRunner.h"
+#include "adapters/linux/elevation/PkexecUpdateInstaller.h"
+#include "adapters/linux/panel/DesktopPanelPlacement.h"
+#include "adapters/linux/services/DBusApplicationObject.h"
+#include "adapters/linux/services/DBusTemperatureObject.h"
+#include "adapters/linux/services/GnomeSearchProvider.h"
+#include "adapters/linux/services/KRunnerObject.h"
+#include "adapters/linux/tray/DesktopTrayIcon.h"
+#include "adapters/qt/PlistMainBundle.h"
+#include "adapters/qt/SettingsUserDefaults.h"
+#include "adapters/qt/SystemCalendar.h"
+#include "adapters/qt/ThreadTaskExecutor.h"
+#include "model/presets/SetColorTemperatureShortcut.h"
+
+#include <system_error>
+#include <utility>
+
+namespace ambertide {
+
+/// In the order in which they are made. They go in the opposite one: the tasks before what they work on.
+struct LinuxSystem::Adapters
+{
+    std::unique_ptr<DisplayServices> displays;
+    SessionApplication application;
+    PlistMainBundle mainBundle;
+    SystemCalendar calendar;
+    SettingsUserDefaults userDefaults;
+    DBusSession sessionBus{SdBusKind::session};
+    DBusSession systemBus{SdBusKind::system};
+    DBusNotificationCenter distributedNotifications{sessionBus};
+    DBusRunningApplications runningApplications{sessionBus};
+    LogindSystemWake wake{systemBus};
+    ThreadTaskExecutor executor;
+    PkexecUpdateInstaller updateInstaller;
+    PkexecPrivilegedRunner privilegedRunner;
+    XdgLoginItem loginItem{mainBundle};
+    PortalAppearance appearance{sessionBus};
+    FeedbackdHapticPerformer haptics{sessionBus};
+    DesktopPanelPlacement placement;
+    ThreadTaskExecutor installerExecutor;
+
+    Adapters(const std::filesystem::path &program, int &argc, char **argv)
+        : displays(makeSessionDisplayServices(program.parent_path())), application(argc, argv), mainBundle(program),
+          updateInstaller(program.parent_path() / "AmbertideInstallHelper")
+    {
+    }
+};
+
+struct LinuxSystem::Services
+{
+    std::function<void(const std::string &)> activate;
+    std::function<void(ColorTemperature)> perform;
+    DBusApplicationObject application;
+    KRunnerObject runner;
+    GnomeSearchProvider searchProvider;
+    DBusTemperatureObject temperature;
+
+    Services(Adapters &adapters, Requests requests)
+        : activate([activate = std::move(requests.activate)](const std::string &activationToken) {
+              // The toolkit takes the token from there when a window asks to be active.
+              if (!activationToken.empty())
+                  qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+              activate();
+          }),
+          perform([&adapters](ColorTemperature preset) {
+              SetColorTemperatureShortcut{preset}.perform(adapters.userDefaults, adapters.distributedNotifications);
+          }),
+          application(adapters.sessionBus, activate, perform), runner(adapters.sessionBus, perform),
+          searchProvider(adapters.sessionBus, perform, [this] { activate({}); }),
+          temperature(adapters.sessionBus, requests.model)
+    {
+        for (auto &[name, action] : requests.actions)
+            application.setAction(name, [action = std::move(action)](const std::string &) { action(); });
+    }
+};
+
+std::filesystem::path LinuxSystem::runningProgram()
+{
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+LinuxSystem::LinuxSystem(const std::filesystem::path &program, int &argc, char **argv)
+    : m_adapters(std::make_unique<Adapters>(program, argc, argv))
+{
+}
+
+LinuxSystem::~LinuxSystem() = default;
+
+SystemPorts LinuxSystem::ports()
+{
+    return {
+        .displays = *m_adapters->displays,
+        .executor = m_adapters->executor,
+        .installerExecutor = m_adapters->installerExecutor,
+        .userDefaults = m_adapters->userDefaults,
+        .distributedNotifications = m_adapters->distributedNotifications,
+        .runningApplications = m_adapters->runningApplications,
+        .wake = m_adapters->wake,
+        .calendar = m_adapters->calendar,
+        .mainBundle = m_adapters->mainBundle,
+        .loginItem = m_adapters->loginItem,
+        .privilegedRunner = m_adapters->privilegedRunner,
+        .updateInstaller = m_adapters->updateInstaller,
+        .appearance = m_adapters->appearance,
+        .haptics = m_adapters->haptics,
+        .placement = m_adapters->placement,
+        .createTrayIcon = [this](TrayIcon::Callbacks callbacks) -> std::unique_ptr<TrayIcon> {
+            return std::make_unique<DesktopTrayIcon>(m_adapters->sessionBus,
+                                                     m_adapters->mainBundle.path() / "Contents/Resources/icons",
+                                                     std::move(callbacks));
+        },
+    };
+}
+
+void LinuxSystem::serve(Requests requests)
+{
+    m_services = std::make_unique<Services>(*m_adapters, std::move(requests));
+}
+
+void LinuxSystem::stopServing() { m_services.reset(); }
+
+bool LinuxSystem::waitUntilIdle(std::chrono::milliseconds limit) { return m_adapters->executor.waitUntilIdle(limit); }
+
+} // namespace ambertide

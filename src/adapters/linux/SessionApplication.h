@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QApplication>
+
+namespace ambertide {
+
+/// The toolkit's application, on the first that answers of Wayland, X11 and no windows at all, unless
+/// `QT_QPA_PLATFORM` names another. Says in one line when a Wayland session is not reached as such.
+class SessionApplication : public QApplication
+{
+public:
+    /// As of main(); both must outlive this.
+    SessionApplication(int &argc, char **argv);
+
+private:
+    SessionApplication(bool isPlatformOurChoice, int &argc, char **argv);
+};
+
+} // namespace ambertide

@@ -1,0 +1,91 @@
+#include "adapters/qt/SettingsFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSettings>
+#include <QStringDecoder>
+
+namespace ambertide {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::uintmax_t largestFile = 1'048'576; // bytes
+
+bool isText(const QByteArray &bytes)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(bytes);
+    return !decoder.hasError() && !bytes.contains('\0');
+}
+
+} // namespace
+
+SettingsFile::Stamp SettingsFile::stamp() const
+{
+    const fs::path path = m_path.toStdString();
+    std::error_code error;
+    Stamp file = {.type = fs::status(path, error).type(), .modified = {}, .size = 0};
+    if (file.type == fs::file_type::not_found)
+        return file;
+    file.modified = fs::last_write_time(path, error);
+    if (file.type == fs::file_type::regular)
+        file.size = fs::file_size(path, error);
+    return file;
+}
+
+SettingsFile::Content SettingsFile::read(const Stamp &stamp) const
+{
+    if (stamp.type == fs::file_type::not_found)
+        return {};
+    if (stamp.type != fs::file_type::regular || stamp.size > largestFile)
+        return {Health::Foreign, {}};
+    QFile file(m_path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {Health::Unreadable, {}};
+    if (!isText(file.read(largestFile)))
+        return {Health::Foreign, {}};
+    const QSettings parsed(m_path, QSettings::IniFormat);
+    Content content;
+    const auto keys = parsed.allKeys();
+    for (const auto &key : keys)
+        content.values.emplace(key, parsed.value(key));
+    if (parsed.status() == QSettings::FormatError)
+        content.health = Health::Damaged;
+    return content;
+}
+
+std::optional<QString> SettingsFile::setAside() const
+{
+    auto name = m_path + QStringLiteral(".broken");
+    for (int number = 2; QFileInfo(name).isSymLink() || QFileInfo::exists(name); ++number)
+        name = m_path + QStringLiteral(".broken-%1").arg(number);
+    return QFile::rename(m_path, name) ? std::optional(name) : std::nullopt;
+}
+
+bool SettingsFile::replace(const Values &values) const
+{
+    // QSettings would wait for a lock of its own without limit, so it gets a file that nobody else writes, which then
+    // takes the place of the other.
+    const QFileInfo old(m_path);
+    QDir().mkpath(old.path());
+    const auto path = old.exists() ? old.canonicalFilePath() : m_path;
+    const auto freshPath = path + QStringLiteral(".new");
+    QFile::remove(freshPath);
+    QFile::remove(freshPath + QStringLiteral(".lock"));
+    {
+        QSettings fresh(freshPath, QSettings::IniFormat);
+        for (const auto &[key, value] : values)
+            fresh.setValue(key, value);
+        fresh.sync();
+        if (fresh.status() != QSettings::NoError)
+            return false;
+    }
+    std::error_code error;
+    fs::rename(freshPath.toStdString(), path.toStdString(), error);
+    return !error;
+}
+
+} // namespace ambertide

@@ -1,0 +1,111 @@
+#include "app/Process.h"
+
+#include "base/Console.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+
+namespace ambertide::process {
+
+namespace {
+
+/// Not destroyed at exit: a signal may still come while the process ends.
+struct LastWork
+{
+    std::mutex lock;
+    std::function<void()> work;
+};
+LastWork &lastWork()
+{
+    static auto *work = new LastWork;
+    return *work;
+}
+
+void doLastWork()
+{
+    const std::scoped_lock lock(lastWork().lock);
+    if (lastWork().work)
+        lastWork().work();
+}
+
+sigset_t endingSignals()
+{
+    sigset_t ending;
+    sigemptyset(&ending);
+    sigaddset(&ending, SIGTERM);
+    sigaddset(&ending, SIGINT);
+    return ending;
+}
+
+void handleEndingSignals(void (*handler)(int))
+{
+    std::signal(SIGTERM, handler);
+    std::signal(SIGINT, handler);
+}
+
+/// Descriptors that were closed at the start would be given to sockets, and lines printed into those.
+void openStandardDescriptors()
+{
+    int opened = 0;
+    do
+        opened = open("/dev/null", O_RDWR);
+    while (opened >= 0 && opened <= STDERR_FILENO);
+    if (opened > STDERR_FILENO)
+        close(opened);
+}
+
+void confineEndingSignals()
+{
+    const auto ending = endingSignals();
+    pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+    std::thread([ending] {
+        for (int signal = 0;;) {
+            sigwait(&ending, &signal);
+            doLastWork();
+            pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
+            std::raise(signal);
+            pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+        }
+    }).detach();
+}
+
+} // namespace
+
+void prepare()
+{
+    openStandardDescriptors();
+    confineEndingSignals();
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+void setLastWork(std::function<void()> work)
+{
+    const std::scoped_lock lock(lastWork().lock);
+    lastWork().work = std::move(work);
+}
+
+void ignoreEndingSignals()
+{
+    handleEndingSignals(SIG_IGN);
+    setLastWork({});
+}
+
+void startAnew(const std::filesystem::path &program, char *argv[])
+{
+    handleEndingSignals(SIG_DFL);
+    const auto ending = endingSignals();
+    pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
+    execv(program.c_str(), argv);
+    console::print("The new version cannot be started: " + std::string(std::strerror(errno)));
+}
+
+} // namespace ambertide::process

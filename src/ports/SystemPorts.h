@@ -1,0 +1,45 @@
+#pragma once
+
+#include "ports/TrayIcon.h"
+
+namespace ambertide {
+
+class Appearance;
+class Calendar;
+class DisplayServices;
+class DistributedNotificationCenter;
+class HapticPerformer;
+class LoginItem;
+class MainBundle;
+class PanelPlacement;
+class PrivilegedRunner;
+class RunningApplications;
+class SystemWake;
+class TaskExecutor;
+class UpdateInstaller;
+class UserDefaults;
+
+/// All that the application asks of the system it runs on. Whoever gives it out keeps it alive for longer than the
+/// application.
+struct SystemPorts
+{
+    DisplayServices &displays;
+    TaskExecutor &executor;
+    /// A thread of its own, for what may wait minutes for a person.
+    TaskExecutor &installerExecutor;
+    UserDefaults &userDefaults;
+    DistributedNotificationCenter &distributedNotifications;
+    RunningApplications &runningApplications;
+    SystemWake &wake;
+    const Calendar &calendar;
+    const MainBundle &mainBundle;
+    LoginItem &loginItem;
+    PrivilegedRunner &privilegedRunner;
+    UpdateInstaller &updateInstaller;
+    Appearance &appearance;
+    HapticPerformer &haptics;
+    PanelPlacement &placement;
+    TrayIconFactory createTrayIcon;
+};
+
+} // namespace ambertide
