@@ -2,9 +2,12 @@
 
 #include "adapters/linux/displays/guardian/GuardianChannel.h"
 #include "adapters/linux/displays/kwin/announceNightLight.h"
-#include "adapters/linux/displays/kwin/settings/NightLightLoan.h"
+#include "adapters/linux/displays/kwin/settings/giveNightLightBack.h"
 
 #include <dlfcn.h>
+
+#include <algorithm>
+#include <cstdint>
 
 namespace ambertide {
 
@@ -13,27 +16,64 @@ namespace {
 /// The application and its guardian die at the same time when the whole session does; another copy never lets go.
 constexpr std::chrono::milliseconds patienceForLoan{400};
 
-template <typename Function>
-Function *find(void *library, const char *name)
-{
-    return reinterpret_cast<Function *>(dlsym(library, name));
-}
+constexpr std::uint64_t patienceForKWin = 300'000; ///< microseconds
 
-/// The library is loaded only now: it would cost more memory than all else that a guardian needs while it waits.
-void announce()
+/// The bus, by way of a library that is loaded only now: it would cost more memory than all else that a guardian needs
+/// while it waits. Never unloaded.
+class LateBus
 {
-    void *const library = dlopen("libsystemd.so.0", RTLD_NOW);
-    if (!library)
-        return;
-    const auto open = find<decltype(sd_bus_open_user)>(library, "sd_bus_open_user");
-    const auto emit = find<decltype(sd_bus_emit_signal)>(library, "sd_bus_emit_signal");
-    const auto finish = find<decltype(sd_bus_flush_close_unref)>(library, "sd_bus_flush_close_unref");
-    sd_bus *bus = nullptr;
-    if (!open || !emit || !finish || open(&bus) < 0)
-        return;
-    announceNightLight(emit, bus);
-    finish(bus);
-}
+public:
+    LateBus()
+    {
+        void *const library = dlopen("libsystemd.so.0", RTLD_NOW);
+        if (library && find(library, m_open, "sd_bus_open_user") && find(library, m_emit, "sd_bus_emit_signal") &&
+            find(library, m_get, "sd_bus_get_property_trivial") &&
+            find(library, m_limit, "sd_bus_set_method_call_timeout") &&
+            find(library, m_finish, "sd_bus_flush_close_unref") && m_open(&m_bus) >= 0)
+            m_limit(m_bus, patienceForKWin);
+    }
+    ~LateBus()
+    {
+        if (m_bus)
+            m_finish(m_bus);
+    }
+    LateBus(const LateBus &) = delete;
+    LateBus &operator=(const LateBus &) = delete;
+
+    void announce()
+    {
+        if (m_bus)
+            announceNightLight(m_emit, m_bus);
+    }
+    std::optional<NightLightAccess::State> state()
+    {
+        int isRunning = 0;
+        std::uint32_t temperature = 0;
+        if (!m_bus || !get("running", 'b', &isRunning) || !get("currentTemperature", 'u', &temperature))
+            return std::nullopt;
+        return NightLightAccess::State{isRunning != 0, static_cast<int>(std::min(temperature, 10'000U))};
+    }
+
+private:
+    template <typename Function>
+    static bool find(void *library, Function *&function, const char *name)
+    {
+        function = reinterpret_cast<Function *>(dlsym(library, name));
+        return function != nullptr;
+    }
+    bool get(const char *property, char type, void *value)
+    {
+        return m_get(m_bus, "org.kde.KWin", "/org/kde/KWin/NightLight", "org.kde.KWin.NightLight", property, nullptr,
+                     type, value) >= 0;
+    }
+
+    decltype(&sd_bus_open_user) m_open = nullptr;
+    decltype(&sd_bus_emit_signal) m_emit = nullptr;
+    decltype(&sd_bus_get_property_trivial) m_get = nullptr;
+    decltype(&sd_bus_set_method_call_timeout) m_limit = nullptr;
+    decltype(&sd_bus_flush_close_unref) m_finish = nullptr;
+    sd_bus *m_bus = nullptr;
+};
 
 } // namespace
 
@@ -43,8 +83,11 @@ bool guardKWin(const char *state, int channel)
         return true;
     auto files = NightLightLoan::filesOfUser();
     files.state = state;
-    if (NightLightLoan(std::move(files)).giveBack(patienceForLoan) == NightLightLoan::End::givenBack)
-        announce();
+    NightLightLoan loan(std::move(files));
+    std::optional<LateBus> bus;
+    const auto lateBus = [&bus]() -> LateBus & { return bus ? *bus : bus.emplace(); };
+    giveNightLightBack(loan, patienceForLoan,
+                       {.announce = [&] { lateBus().announce(); }, .state = [&] { return lateBus().state(); }});
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "adapters/linux/displays/kwin/KWinBackend.h"
 
 #include "adapters/linux/displays/kwin/NightLightTemperature.h"
+#include "adapters/linux/displays/kwin/settings/giveNightLightBack.h"
 #include "base/Console.h"
 
 #include <algorithm>
@@ -33,8 +34,7 @@ std::string KWinBackend::refusal()
 }
 
 KWinBackend::KWinBackend(const std::filesystem::path &guardian)
-    : m_guardian(guardian, {"kwin", NightLightLoan::filesOfUser().state}),
-      m_loan(NightLightLoan::filesOfUser())
+    : m_guardian(guardian, {"kwin", NightLightLoan::filesOfUser().state}), m_loan(NightLightLoan::filesOfUser())
 {
     giveBack();
 }
@@ -125,11 +125,16 @@ void KWinBackend::checkArrival()
 
 void KWinBackend::giveBack()
 {
-    switch (m_loan.giveBack(0ms)) {
+    const NightLightAccess kwin{.announce = [this] { m_service.announceChange(); },
+                                .state = [this]() -> std::optional<NightLightAccess::State> {
+                                    const auto state = m_service.state();
+                                    if (!state)
+                                        return std::nullopt;
+                                    return NightLightAccess::State{state->isRunning, state->temperature};
+                                }};
+    switch (giveNightLightBack(m_loan, 0ms, kwin)) {
     case NightLightLoan::End::nothingBorrowed:
-        break;
     case NightLightLoan::End::givenBack:
-        m_service.announceChange();
         break;
     case NightLightLoan::End::changedByOthers:
         console::print("Somebody has changed the settings of KWin's Night Light: they stay as they are now.");

@@ -66,6 +66,7 @@ std::optional<NightLightService::State> NightLightService::state()
         return std::nullopt;
     const auto temperature = integerValue(*properties, "currentTemperature").value_or(0);
     return State{.isAvailable = isTrue(*properties, "available"),
+                 .isRunning = isTrue(*properties, "running"),
                  .isInhibited = isTrue(*properties, "inhibited"),
                  .temperature = std::in_range<int>(temperature) ? static_cast<int>(temperature) : 0};
 }

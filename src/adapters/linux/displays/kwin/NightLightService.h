@@ -16,6 +16,7 @@ public:
     struct State
     {
         bool isAvailable = false;
+        bool isRunning = false;   ///< switched on and not suspended
         bool isInhibited = false; ///< suspended by the user or by a program
         int temperature = 0;      ///< kelvin; what it shows now
     };

@@ -100,6 +100,7 @@ class KWinBackendTest : public QObject
         std::optional<PrivateBus> bus;
         QProcess kwin;
         CapturedConsole console;
+        int told = 0;
 
         explicit Session(const QString &kind)
         {
@@ -131,7 +132,8 @@ class KWinBackendTest : public QObject
         int changesTold()
         {
             kwin.waitForReadyRead(20);
-            return static_cast<int>(kwin.readAll().count("changed"));
+            told += static_cast<int>(kwin.readAll().count("changed"));
+            return told;
         }
     };
     /// As the thread of BackendDisplayServices does.
@@ -166,7 +168,7 @@ private Q_SLOTS:
         QFETCH(float, blue);
         QFETCH(int, temperature);
         const int nearest = nearestNightLightTemperature(tablesWith(green, blue));
-        QVERIFY2(std::abs(nearest - temperature) <= 4, QByteArray::number(nearest));
+        QVERIFY2(std::abs(nearest - temperature) <= 5, QByteArray::number(nearest));
     }
 
     void sessionsWithoutNightLightAreRefused()
@@ -197,8 +199,8 @@ private Q_SLOTS:
         QVERIFY(!backend.write({}, warm, Wait::Never));
         QVERIFY(backend.write({}, warm, Wait::Allowed));
         QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 2700, 9000);
-        backend.write({}, tablesWith(0.6820F, 0.3587F), Wait::Allowed); // 2737: too little for KWin to go there at once
-        QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 2737, 15'000);
+        backend.write({}, tablesWith(0.6820F, 0.3587F), Wait::Allowed); // 2740: too little for KWin to go there at once
+        QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 2740, 15'000);
         backend.restore();
         QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 6500, 9000);
         QCOMPARE(Session::settings(), std::string());
@@ -215,7 +217,7 @@ private Q_SLOTS:
         QTRY_COMPARE((serve(backend), Session::temperature()), 2000);
         QCOMPARE(session.changesTold(), 2);
         backend.write({}, warmer, Wait::Allowed); // changes nothing
-        QCOMPARE(session.changesTold(), 0);
+        QCOMPARE(session.changesTold(), 2);
     }
 
     void whatTheUserDoesMeanwhileHolds()
@@ -263,10 +265,11 @@ private Q_SLOTS:
             QProcess copy;
             copy.start(QCoreApplication::applicationFilePath(), {QStringLiteral("tint")});
             QTRY_COMPARE(Session::temperature(), 2700);
-            QVERIFY(session.changesTold() > 0);
+            const int told = signal == SIGTERM ? 0 : 2;
+            QTRY_COMPARE(session.changesTold(), told + 1);
             ::kill(static_cast<pid_t>(copy.processId()), signal);
             QTRY_COMPARE(Session::settings(), std::string());
-            QTRY_VERIFY(session.changesTold() > 0);
+            QTRY_COMPARE(session.changesTold(), told + 2);
             copy.waitForFinished();
         }
         // The guardian dies with it: the next start looks.
