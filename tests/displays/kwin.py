@@ -66,9 +66,11 @@ def whites_since(start):
 
 
 def error(kelvin):
-    """How far the displays are from the temperature's white point, in levels of 0 to 1."""
+    """How far the shares of green and blue, of red, are from the temperature's white point; by the levels of a dark grey,
+    since KWin 6.7 keeps the luminance of all that it can and so cuts off red in bright ones."""
     expected = white_point(kelvin)
-    return max(abs(level / 65535 - share) for white in hardware.whites() for level, share in zip(white, expected))
+    greys = [levels[min(index for index in levels if index > 0)] for levels in hardware.history[-1][1].values()]
+    return max((abs(level / grey[0] - share) for grey in greys for level, share in zip(grey, expected)), default=1)
 
 
 def rested(seconds=0.8):

@@ -27,7 +27,10 @@ bool isIgnored(int from, int to) { return from != to && std::abs(to - from) <= l
 
 std::string KWinBackend::refusal()
 {
-    const auto state = NightLightService().state();
+    NightLightService service;
+    auto state = service.state();
+    for (int retries = 5; !state && retries > 0; --retries) // a session that is still starting may be slow
+        state = service.state();
     if (!state)
         return "KWin's Night Light is not on the session bus";
     return state->isAvailable ? "" : "KWin's Night Light is not available for these displays";

@@ -153,28 +153,21 @@ class KWinBackendTest : public QObject
     }
 
 private Q_SLOTS:
-    void temperaturesAreTheNearest_data()
-    {
-        QTest::addColumn<float>("green");
-        QTest::addColumn<float>("blue");
-        QTest::addColumn<int>("temperature"); // found by trying all of KWin's
-        QTest::newRow("2000 K") << 0.53674F << 0.05455F << 1963;
-        QTest::newRow("2700 K") << 0.65381F << 0.34279F << 2654;
-        QTest::newRow("3400 K") << 0.74373F << 0.53014F << 3376;
-        QTest::newRow("4500 K") << 0.85307F << 0.73505F << 4457;
-        QTest::newRow("5500 K") << 0.93135F << 0.87155F << 5418;
-        QTest::newRow("6000 K") << 0.96529F << 0.92878F << 5886;
-        QTest::newRow("more than white") << 1.1F << 1.1F << 6500;
-        QTest::newRow("nothing") << 0.F << 0.F << 1900;
-        QTest::newRow("no numbers") << NAN << NAN << 6500;
-    }
     void temperaturesAreTheNearest()
     {
-        QFETCH(float, green);
-        QFETCH(float, blue);
-        QFETCH(int, temperature);
-        const int nearest = nearestNightLightTemperature(tablesWith(green, blue));
-        QVERIFY2(std::abs(nearest - temperature) <= 5, QByteArray::number(nearest));
+        struct Row
+        {
+            float green;
+            float blue;
+            int temperature; ///< found by trying all of KWin's
+        };
+        for (const auto &[green, blue, temperature] :
+             {Row{0.53674F, 0.05455F, 1963}, Row{0.65381F, 0.34279F, 2654}, Row{0.74373F, 0.53014F, 3376},
+              Row{0.85307F, 0.73505F, 4457}, Row{0.93135F, 0.87155F, 5418}, Row{0.96529F, 0.92878F, 5886},
+              Row{1.1F, 1.1F, 6500}, Row{0, 0, 1900}, Row{NAN, NAN, 6500}}) {
+            const int nearest = nearestNightLightTemperature(tablesWith(green, blue));
+            QVERIFY2(std::abs(nearest - temperature) <= 5, QByteArray::number(nearest));
+        }
     }
 
     void sessionsWithoutNightLightAreRefused()
