@@ -213,6 +213,5 @@ for _ in range(kills):
 if kills:
     row(f"{kills} SIGKILLs at random moments: not given back", lost, "", 0)
     row("slowest of them", 1000 * slowest, "ms", 100)
-    rested()
-    row("screen neutral after them", hardware.is_neutral())
+    row("screen neutral after them", bool(wait_for(hardware.is_neutral, 6)))
 session.stop()
