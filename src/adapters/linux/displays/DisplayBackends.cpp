@@ -1,5 +1,6 @@
 #include "adapters/linux/displays/DisplayBackends.h"
 
+#include "adapters/linux/displays/kwin/KWinBackend.h"
 #include "adapters/linux/displays/randr/RandrBackend.h"
 
 #include <array>
@@ -37,8 +38,16 @@ std::unique_ptr<DisplayBackend> createRandr(const DisplaySession &session)
     return std::make_unique<RandrBackend>(session.x11Display, session.guardian);
 }
 
+std::string kwinRefusal(const DisplaySession &) { return KWinBackend::refusal(); }
+
+std::unique_ptr<DisplayBackend> createKWin(const DisplaySession &session)
+{
+    return std::make_unique<KWinBackend>(session.guardian);
+}
+
 constexpr std::array kinds{
     Kind{"randr", randrRefusal, createRandr},
+    Kind{"kwin", kwinRefusal, createKWin},
 };
 
 } // namespace

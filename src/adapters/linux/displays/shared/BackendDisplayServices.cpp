@@ -56,6 +56,7 @@ private:
     };
 
     void ask(std::optional<Tint> wanted);
+    void askFor(const std::optional<GammaTables> &target);
     void wake() const;
     bool perform(DisplayBackend::Wait wait);
     bool shouldEnd();
@@ -76,6 +77,8 @@ private:
     std::uint64_t m_asked = 0;    ///< counts what was asked for
     std::uint64_t m_done = 0;     ///< what of that has been done, or been overtaken by something newer
     bool m_makesOwnRamps = false;
+    bool m_isCreated = false;
+    std::optional<std::optional<GammaTables>> m_earlyTarget; ///< of a ramp that began before there was a backend
     bool m_shouldEnd = false;
     bool m_hasEnded = false;
 };
@@ -88,6 +91,9 @@ void BackendDisplayServices::Worker::run()
         noteDisplays();
         const std::scoped_lock lock(m_lock);
         m_makesOwnRamps = m_backend->makesOwnRamps();
+        if (m_makesOwnRamps && m_earlyTarget)
+            askFor(*m_earlyTarget);
+        m_isCreated = true;
     }
     while (!shouldEnd()) {
         {
@@ -189,11 +195,18 @@ void BackendDisplayServices::Worker::beginRamp(const std::optional<GammaTables> 
 {
     {
         const std::scoped_lock lock(m_lock);
+        if (!m_isCreated)
+            m_earlyTarget = target;
         if (!m_makesOwnRamps)
             return;
-        ask(target ? std::optional(Tint{m_displays, *target}) : std::nullopt);
+        askFor(target);
     }
     wake();
+}
+
+void BackendDisplayServices::Worker::askFor(const std::optional<GammaTables> &target)
+{
+    ask(target ? std::optional(Tint{m_displays, *target}) : std::nullopt);
 }
 
 void BackendDisplayServices::Worker::ask(std::optional<Tint> wanted)
@@ -205,6 +218,7 @@ void BackendDisplayServices::Worker::ask(std::optional<Tint> wanted)
 void BackendDisplayServices::Worker::restore()
 {
     std::unique_lock lock(m_lock);
+    m_earlyTarget.reset();
     ask(std::nullopt);
     wake();
     m_changed.wait_for(lock, patienceForRestore, [this, asked = m_asked] { return m_done >= asked; });

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "adapters/linux/bus/SdBus.h"
+
+#include <optional>
+
+namespace ambertide {
+
+/// KWin's Night Light on the session bus, by a connection that lives from connect() to disconnect(). One thread at a
+/// time. Nothing here waits for longer than `patience`.
+class NightLightService
+{
+public:
+    static constexpr std::chrono::milliseconds patience{300};
+
+    struct State
+    {
+        bool isAvailable = false;
+        bool isRunning = false;   ///< switched on and not suspended
+        bool isInhibited = false; ///< suspended by the user or by a program
+        int temperature = 0;      ///< kelvin; what it shows now
+    };
+    struct Changes
+    {
+        bool isInhibited = false; ///< it has become so
+        bool settings = false;    ///< somebody has changed kwinrc, this program included
+    };
+
+    NightLightService() = default;
+    NightLightService(const NightLightService &) = delete;
+    NightLightService &operator=(const NightLightService &) = delete;
+
+    /// False when there is no session bus or it does not answer. Does nothing when there is a connection already.
+    bool connect();
+    void disconnect();
+
+    /// Nothing when it is not there or does not answer.
+    std::optional<State> state();
+    /// Has it read its settings anew.
+    void announceChange();
+
+    /// -1 without a connection.
+    int descriptor() const;
+    /// Whether process() has something to do although the descriptor tells nothing: it was read while a reply was
+    /// waited for.
+    bool hasMore() const;
+    /// Since the last call.
+    Changes process();
+
+private:
+    static int receiveProperties(sd_bus_message *message, void *context, sd_bus_error *error);
+    static int receiveConfigChange(sd_bus_message *message, void *context, sd_bus_error *error);
+
+    SdBusConnection m_bus;
+    SdBusSlot m_properties;
+    SdBusSlot m_configChanges;
+    Changes m_changes;
+};
+
+} // namespace ambertide

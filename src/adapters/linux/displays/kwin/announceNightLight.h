@@ -1,0 +1,17 @@
+#pragma once
+
+#include <systemd/sd-bus.h>
+
+namespace ambertide {
+
+/// Tells KWin to read its Night Light settings anew: the signal that KConfig sends for a change of kwinrc, which names
+/// the group and its keys as arrays of bytes. `emit` is sd_bus_emit_signal(), however the caller comes by it.
+inline int announceNightLight(decltype(&sd_bus_emit_signal) emit, sd_bus *bus)
+{
+    return emit(bus, "/kwinrc", "org.kde.kconfig.notify", "ConfigChanged", "a{saay}", 1, "NightColor", 3, //
+                6, 'A', 'c', 't', 'i', 'v', 'e',                                                          //
+                4, 'M', 'o', 'd', 'e',                                                                    //
+                16, 'N', 'i', 'g', 'h', 't', 'T', 'e', 'm', 'p', 'e', 'r', 'a', 't', 'u', 'r', 'e');
+}
+
+} // namespace ambertide

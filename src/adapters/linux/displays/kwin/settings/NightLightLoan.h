@@ -1,0 +1,89 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ambertide {
+
+class KConfigGroup;
+
+/// The user's settings of KWin's Night Light, borrowed to tint by: the keys Active, Mode and NightTemperature of the
+/// group [NightColor] in kwinrc. KWin reads them when it is told (see announceNightLight.h) and when it starts, so the
+/// tint outlives the program, the session and the machine's power.
+///
+/// What the user had, and what was put in its place, is kept in a file of its own from before the first change until
+/// the settings are given back. They are given back only while they are as they were left: what somebody has changed
+/// since is theirs. One copy at a time borrows, which its end, of whatever kind, ends too.
+class NightLightLoan
+{
+public:
+    struct Files
+    {
+        std::string state;
+        std::string kwinrc;
+        std::vector<std::string> systemKwinrcs; ///< in which an administrator may have locked settings
+    };
+    /// Those of the user, by the environment.
+    static Files filesOfUser();
+
+    enum class End {
+        nothingBorrowed,
+        givenBack,
+        changedByOthers, ///< and so left alone
+        failed,          ///< and so still borrowed; the reason is in failure()
+    };
+
+    explicit NightLightLoan(Files files) : m_files(std::move(files)) {}
+    ~NightLightLoan();
+    NightLightLoan(const NightLightLoan &) = delete;
+    NightLightLoan &operator=(const NightLightLoan &) = delete;
+
+    const Files &files() const { return m_files; }
+
+    /// Has Night Light show `temperature` (in KWin's kelvin) all day. False when that fails, for the reason in
+    /// failure().
+    bool borrow(int temperature);
+    /// Whether this object has borrowed the settings.
+    bool isActive() const { return m_isActive; }
+    /// False when somebody has changed what is borrowed.
+    bool isUntouched() const;
+    /// Whoever borrowed them, if that copy does no longer run; waits so long for its end.
+    End giveBack(std::chrono::milliseconds patience);
+
+    /// Why the last call failed: the end of a sentence.
+    const std::string &failure() const { return m_failure; }
+
+private:
+    static constexpr std::array<const char *, 3> keys{"Active", "Mode", "NightTemperature"};
+
+    struct State
+    {
+        bool hadGroup = false;
+        std::array<std::optional<std::string>, keys.size()> lines; ///< the user's
+        std::vector<std::string> temperatures; ///< that were put there, the last one perhaps not yet
+    };
+
+    static State stateOf(const KConfigGroup &group, const std::vector<std::string> &temperatures);
+    static bool isOurs(const KConfigGroup &group, const State &state);
+    std::optional<State> readState() const;
+    bool writeState(const State &state);
+    bool tryBorrow(const std::string &temperature);
+    End tryGiveBack();
+    std::optional<KConfigGroup> readSettings();
+    bool isLocked(const KConfigGroup &settings) const;
+    bool replaceSettings(const std::string &before, const KConfigGroup &after);
+    bool fail(const std::string &what, const std::string &file);
+    bool lock(std::chrono::milliseconds patience);
+    void unlock();
+
+    const Files m_files;
+    int m_lock = -1; ///< the folder of the state file, locked; the kernel unlocks it when the process ends
+    bool m_isActive = false;
+    std::string m_failure;
+};
+
+} // namespace ambertide
