@@ -1,5 +1,6 @@
 #include "adapters/linux/displays/guardian/GuardianChannel.h"
 #include "adapters/linux/displays/guardian/RandrGuardian.h"
+#include "adapters/linux/displays/guardian/WlrootsGuardian.h"
 
 #include <unistd.h>
 
@@ -31,6 +32,7 @@ bool guardRandr(const char *where, int channel)
 
 constexpr std::array duties{
     Duty{"randr", guardRandr},
+    Duty{"wlroots", guardWlroots},
 };
 
 } // namespace
