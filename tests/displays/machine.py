@@ -9,6 +9,7 @@ import time
 
 SHARE = pathlib.Path("/vmshare")
 USER = pwd.getpwnam("lab")
+PROGRAMS = pathlib.Path("/opt/Ambertide.app/Contents/MacOS")
 RUNTIME = pathlib.Path(f"/run/user/{USER.pw_uid}")
 CARD = pathlib.Path("/sys/kernel/config/vkms/lab")
 NEUTRAL = (65535, 65535, 65535)
@@ -43,7 +44,7 @@ class Hardware:
         self.started = False
 
     def start(self):
-        reader = subprocess.Popen(["kmsdump", "-w", "100000"], stdout=subprocess.PIPE, text=True)
+        reader = subprocess.Popen(["nice", "-n", "15", "kmsdump", "-w", "100000"], stdout=subprocess.PIPE, text=True)  # it polls
         threading.Thread(target=lambda: [self._note(line) for line in reader.stdout], daemon=True).start()
         wait_for(lambda: self.history)
 
@@ -108,10 +109,13 @@ def white_point(kelvin):
     return (1.0, math.log(x) * 0.3900815787690196 - 0.631841443, math.log(x - 10) * 0.543206789110196 - 1.19625408914)
 
 
-def as_user(*command, **environment):
-    variables = {"XDG_RUNTIME_DIR": RUNTIME, "DBUS_SESSION_BUS_ADDRESS": f"unix:path={RUNTIME}/bus",
-                 "LD_LIBRARY_PATH": SHARE / "lib", **environment}
-    return ["runuser", "-u", "lab", "--", "env", *(f"{name}={value}" for name, value in variables.items()), *command]
+def as_user(*command, environment=None, **options):
+    """A process of the session's user."""
+    variables = {"PATH": os.environ["PATH"], "HOME": USER.pw_dir, "LC_ALL": "C.UTF-8", "XDG_RUNTIME_DIR": RUNTIME,
+                 "DBUS_SESSION_BUS_ADDRESS": f"unix:path={RUNTIME}/bus", "LD_LIBRARY_PATH": SHARE / "lib",
+                 **(environment or {})}
+    return subprocess.Popen(command, user=USER.pw_uid, group=USER.pw_gid, extra_groups=[], cwd="/", env=variables,
+                            **options)
 
 
 class Session:
@@ -138,38 +142,38 @@ class Session:
 class Application:
     """One run of the application as the session's user."""
 
+    LOG = SHARE / "application.log"
+
     def __init__(self, **environment):
-        self.printed = open(SHARE / "application.log", "a+", encoding="utf8", errors="replace")
-        self.process = subprocess.Popen(
-            as_user("setpriv", "--pdeathsig", "KILL", SHARE / "Ambertide.app/Contents/MacOS/Ambertide", **environment),
-            stdout=self.printed, stderr=subprocess.STDOUT)
+        with self.LOG.open("a") as log:
+            self.process = as_user(PROGRAMS / "Ambertide", environment=environment, stdout=log,
+                                   stderr=subprocess.STDOUT)
         if not wait_for(lambda: tool("get").strip().isdigit(), 60):
             raise RuntimeError("the application does not come up")
-        self.pid = int(subprocess.run(["pgrep", "-x", "Ambertide"], capture_output=True, text=True).stdout.split()[-1])
 
     def end(self, signal):
         """The moment when it was sent."""
         moment = time.monotonic()
-        os.kill(self.pid, signal)
+        self.process.send_signal(signal)
         self.process.wait()
         return moment
 
     def quit(self):
         moment = time.monotonic()
-        subprocess.run(as_user("busctl", "--user", "call", "me.tovanu.Ambertide", "/me/tovanu/Ambertide",
-                               "org.freedesktop.Application", "ActivateAction", "sava{sv}", "quit", "0", "0"))
+        as_user("busctl", "--user", "call", "me.tovanu.Ambertide", "/me/tovanu/Ambertide",
+                "org.freedesktop.Application", "ActivateAction", "sava{sv}", "quit", "0", "0")
         self.process.wait()
         return moment
 
     def wakeups(self):
         """Of all its threads, so far."""
-        texts = [(task / "status").read_text() for task in pathlib.Path(f"/proc/{self.pid}/task").iterdir()]
+        texts = [(task / "status").read_text() for task in pathlib.Path(f"/proc/{self.process.pid}/task").iterdir()]
         return sum(int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", text, re.M).group(1)) for text in texts)
 
 
 def tool(*arguments):
-    return subprocess.run(as_user(SHARE / "Ambertide.app/Contents/MacOS/AmbertideCLI", *arguments), capture_output=True,
-                          text=True).stdout
+    return as_user(PROGRAMS / "AmbertideCLI", *arguments, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                   text=True).communicate()[0]
 
 
 def set_temperature(kelvin):

@@ -1,14 +1,15 @@
-"""wlroots.py sway|labwc|wayfire|Hyprland [kills]: the job for compositors with wlr-gamma-control; two outputs."""
+"""wlroots.py sway|labwc|wayfire|Hyprland [outputs [kills]]: the job for compositors with wlr-gamma-control."""
 import random
 import signal
 import subprocess
 import sys
 import time
 
-from machine import SHARE, Application, Hardware, Session, as_user, plug, row, set_temperature, wait_for
+from machine import Application, Hardware, Session, as_user, plug, row, set_temperature, tool, wait_for
 
 compositor = sys.argv[1]
-kills = int(sys.argv[2]) if len(sys.argv) > 2 else 0
+outputs = int(sys.argv[2]) if len(sys.argv) > 2 else 1
+kills = int(sys.argv[3]) if len(sys.argv) > 3 else 0
 
 SETTINGS = {
     "sway": (".config/sway/config", "output * bg #ffffff solid_color\\nxwayland disable\\n"),
@@ -21,23 +22,23 @@ session_script = f"""export XDG_SESSION_TYPE=wayland LIBGL_ALWAYS_SOFTWARE=1
 {'export AQ_NO_MODIFIERS=1' if compositor == 'Hyprland' else
  'export WLR_RENDERER=pixman WLR_DRM_NO_MODIFIERS=1 WLR_LIBINPUT_NO_DEVICES=1'}
 mkdir -p ~/$(dirname {path}); printf '{content}' > ~/{path}
-exec {compositor}
+exec {compositor} {'-c ~/' + path if compositor == 'Hyprland' else ''}
 """
 
-hardware = Hardware(2)
+hardware = Hardware(outputs)
 subprocess.run("chmod 666 /dev/udmabuf", shell=True)
 session = Session(session_script)
 display = session.wayland_display()
 time.sleep(5)
 hardware.start()
-subprocess.Popen(as_user("swaybg", "-c", "#ffffff", WAYLAND_DISPLAY=display), stderr=subprocess.DEVNULL)
-wait_for(lambda: len(hardware.whites()) == 2, 20)
+as_user("swaybg", "-c", "#ffffff", environment={"WAYLAND_DISPLAY": display}, stderr=subprocess.DEVNULL)
+wait_for(lambda: len(hardware.whites()) == outputs, 20)
 print(f"\n{compositor} {subprocess.run([compositor, '--version'], capture_output=True, text=True).stdout.split(chr(10))[0]},"
       f" {len(hardware.whites())} outputs\n\n| what | measured | reach |\n|---|---|---|", flush=True)
 
 
 def start(**environment):
-    return Application(WAYLAND_DISPLAY=display, WAYLAND_DEBUG="client", **environment)
+    return Application(WAYLAND_DISPLAY=display, **environment)
 
 
 def tint(kelvin):
@@ -50,7 +51,7 @@ def ramp(kelvin, first_reach):
     asked = set_temperature(kelvin)
     wait_for(lambda: hardware.shows(kelvin), 10)
     time.sleep(0.5)
-    times = [moment for moment, _ in hardware.since(asked)]
+    times = [moment for moment, _ in hardware.since(asked)] or [asked]
     row(f"set {kelvin} to first new table", 1000 * (times[0] - asked), "ms", first_reach)
     row("tables of the ramp seen", len(times))
     # The first table comes at the beginning, the last one a step before the end.
@@ -59,45 +60,53 @@ def ramp(kelvin, first_reach):
 
 
 def writes():
-    return (SHARE / "application.log").read_text(errors="replace").count("set_gamma(")
+    return Application.LOG.read_text(errors="replace").count("set_gamma(")
 
 
 application = start()
 tint(3400)
+begin = time.monotonic()
+for _ in range(60):
+    time.sleep(1 / 30)
+row("60 sleeps of 1/30 s, by this machine itself", time.monotonic() - begin, "s")
+begin = time.monotonic()
+tool("get")
+row("a question to the application, by this machine itself", 1000 * (time.monotonic() - begin), "ms")
 ramp(4500, 120)
 ramp(2700, 120)
-
-before, wakeups, changes = writes(), application.wakeups(), len(hardware.history)
-time.sleep(20)
-row("writes in 20 s of idle tint", writes() - before + len(hardware.history) - changes, "", 0)
-row("wake-ups a second meanwhile", (application.wakeups() - wakeups) / 20)
 
 asked = set_temperature(6500)
 row("neutral, ramp included", wait_for(hardware.is_neutral, 10) and hardware.neutral_since(asked), "ms", 2400)
 for how in ("quit", signal.SIGTERM, signal.SIGKILL, signal.SIGKILL, signal.SIGKILL):
     if how != "quit" and application.process.poll() is not None:
-        application = start()
+        application = start(WAYLAND_DEBUG="client" if how == signal.SIGTERM else "")
     set_temperature(3400)
     wait_for(lambda: hardware.shows(3400), 10)
     time.sleep(0.3)
+    if how == signal.SIGTERM:
+        before, wakeups, changes = writes(), application.wakeups(), len(hardware.history)
+        time.sleep(20)
+        row("writes in 20 s of idle tint", writes() - before + len(hardware.history) - changes, "", 0)
+        row("wake-ups a minute meanwhile", 3 * (application.wakeups() - wakeups))
     ended = application.quit() if how == "quit" else application.end(how)
     row(f"{getattr(how, 'name', how)} to neutral", hardware.neutral_since(ended), "ms", 500)
 
 application = start()
-tint(4500)
-asked = set_temperature(3000)
-time.sleep(0.4)
-plug(1, False)
-wait_for(lambda: len(hardware.whites()) == 1, 5)
-time.sleep(0.5)
-plugged = time.monotonic()
-plug(1, True)
-both = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged) if len(crtcs) == 2], 10)
-tinted = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged)
-                           if len(crtcs) == 2 and (65535, 65535, 65535) not in hardware.whites((0, crtcs))], 10)
-settled = hardware.shows_since(plugged, 3000)
-row("plugged again during a ramp: first picture to tinted", bool(both and tinted) and 1000 * (tinted[0] - both[0]), "ms", 250)
-row("both outputs show 3000 K", settled is not None and len(hardware.whites()) == 2)
+if outputs == 2:
+    tint(4500)
+    asked = set_temperature(3000)
+    time.sleep(0.4)
+    plug(1, False)
+    wait_for(lambda: len(hardware.whites()) == 1, 5)
+    time.sleep(0.5)
+    plugged = time.monotonic()
+    plug(1, True)
+    both = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged) if len(crtcs) == 2], 10)
+    tinted = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged)
+                               if len(crtcs) == 2 and (65535, 65535, 65535) not in hardware.whites((0, crtcs))], 10)
+    settled = hardware.shows_since(plugged, 3000)
+    row("plugged again during a ramp: first picture to tinted", bool(both and tinted) and 1000 * (tinted[0] - both[0]), "ms", 250)
+    row("both outputs show 3000 K", settled is not None and len(hardware.whites()) == 2)
 
 application.end(signal.SIGKILL)
 hardware.neutral_since(time.monotonic())
@@ -108,8 +117,8 @@ time.sleep(1)
 session.start()
 back = wait_for(lambda: session.wayland_display() == display and time.monotonic(), 60)
 settled = hardware.shows_since(back, 3400, 40, 9)  # the hardware may keep the old tables for a while
-row("compositor restarted: its socket to tinted", settled and settled / 1000, "s", 9)
-row("said to be lost and to be back", all(text in (SHARE / "application.log").read_text(errors="replace")
+row("compositor restarted: its socket to tinted", settled and settled / 1000, "s")
+row("said to be lost and to be back", all(text in Application.LOG.read_text(errors="replace")
                                          for text in (f"compositor {display} is lost", f"{display} can be reached")))
 application.end(signal.SIGKILL)
 time.sleep(1)

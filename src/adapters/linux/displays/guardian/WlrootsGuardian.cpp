@@ -3,7 +3,7 @@
 #include "adapters/linux/displays/guardian/GuardianChannel.h"
 #include "adapters/linux/displays/wlroots/WlrootsCompositor.h"
 
-#include <poll.h>
+#include <thread>
 
 namespace ambertide {
 
@@ -11,10 +11,12 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// The displays are to be themselves again half a second after the application's end.
-constexpr auto patience = 400ms;
 /// The compositor may hear of us before it hears of the application's end, and refuse us the controls until then.
 constexpr auto betweenAttempts = 10ms;
+/// Another copy that has taken over keeps its controls, and is not to be asked for them without end.
+constexpr auto longestRefusal = 400ms;
+/// For each answer of a compositor that is busy.
+constexpr auto patience = 10s;
 
 } // namespace
 
@@ -24,14 +26,9 @@ bool guardWlroots(const char *where, int channel)
     if (!GuardianChannel(channel).awaitEnd())
         return true;
     WlrootsCompositor compositor(where, betweenAttempts);
-    const auto deadline = Clock::now() + patience;
-    // Another copy that has taken over keeps its controls: those we are refused to the end.
-    while (compositor.state() == WlrootsCompositor::State::usable && !compositor.askForControls() &&
-           Clock::now() < deadline) {
-        pollfd source{compositor.descriptor(), POLLIN, 0};
-        poll(&source, 1, static_cast<int>(std::chrono::milliseconds(betweenAttempts).count()));
-        compositor.takeEvents();
-    }
+    const auto deadline = Clock::now() + longestRefusal;
+    while (!compositor.takeControls(patience) && Clock::now() < deadline)
+        std::this_thread::sleep_for(betweenAttempts);
     return compositor.restore(patience);
 }
 

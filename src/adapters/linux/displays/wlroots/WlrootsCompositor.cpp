@@ -14,7 +14,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto patienceForGlobals = 1s;
+/// A session that starts, and draws without a graphics card, may leave its clients alone for seconds.
+constexpr auto patienceForGlobals = 30s;
 /// Far more than anybody has, so that a broken compositor cannot make us grow.
 constexpr std::size_t mostOutputs = 64;
 
@@ -36,12 +37,12 @@ WlrootsCompositor::WlrootsCompositor(const std::string &display, std::chrono::mi
         return;
     m_registry.reset(wl_display_get_registry(m_connection.display()));
     if (m_registry && wl_registry_add_listener(m_registry.get(), &listener, this) == 0)
-        m_connection.synchronise(patienceForGlobals);
+        m_hasAnswered = m_connection.synchronise(patienceForGlobals);
 }
 
 WlrootsCompositor::State WlrootsCompositor::state() const
 {
-    if (!m_connection.isUsable())
+    if (!m_hasAnswered || !m_connection.isUsable())
         return State::unreachable;
     return m_manager ? State::usable : State::withoutGammaControl;
 }
@@ -161,15 +162,17 @@ bool WlrootsCompositor::hasAskedFor(std::span<const DisplayIdentifier> displays)
     });
 }
 
-bool WlrootsCompositor::askForControls()
+bool WlrootsCompositor::takeControls(std::chrono::milliseconds patience)
 {
-    bool hasAll = true;
-    for (auto &[name, output] : m_outputs) {
+    if (state() != State::usable)
+        return true;
+    for (auto &[name, output] : m_outputs)
         askForControl(output);
-        hasAll = hasAll && (!output.hasTables || output.seen == GammaControl::State::usable);
-    }
-    m_connection.flush();
-    return hasAll;
+    m_connection.synchronise(patience);
+    takeEvents();
+    return std::ranges::all_of(m_outputs, [](const auto &entry) {
+        return !entry.second.hasTables || entry.second.seen == GammaControl::State::usable;
+    });
 }
 
 bool WlrootsCompositor::show(std::span<const DisplayIdentifier> displays, const GammaTables &tables)

@@ -26,11 +26,12 @@ public:
     using Clock = std::chrono::steady_clock;
     enum class State {
         usable,
-        unreachable,         ///< no compositor answers at that name, or the connection has broken
+        unreachable,         ///< no compositor answers at that name in time, or the connection has broken
         withoutGammaControl, ///< the compositor has no such protocol
     };
 
-    /// Connects and waits for the list of outputs, for a second at most. `display` is the name or path of the socket.
+    /// Connects and waits for the list of outputs, for half a minute at most. `display` is the name or path of the
+    /// socket.
     explicit WlrootsCompositor(const std::string &display,
                                std::chrono::milliseconds betweenAttempts = std::chrono::seconds(30));
     WlrootsCompositor(const WlrootsCompositor &) = delete;
@@ -50,8 +51,9 @@ public:
     std::vector<DisplayIdentifier> displays() const;
     /// Whether show() would write to each of them, or leave it out, and not ask for a control.
     bool hasAskedFor(std::span<const DisplayIdentifier> displays) const;
-    /// Asks for the controls that are missing. True when all have been had, and restore() will reach every output.
-    bool askForControls();
+    /// Asks for the controls that are missing, and waits for the answers, that long at most. True when all are ours,
+    /// and restore() will reach every output.
+    bool takeControls(std::chrono::milliseconds patience);
     /// Gives those of the outputs that are there and ready the tables, unless they have them. Never waits: false when
     /// the compositor takes no more for now, and the same has to be shown again.
     bool show(std::span<const DisplayIdentifier> displays, const GammaTables &tables);
@@ -95,6 +97,7 @@ private:
     std::optional<Global> m_matrixGlobal;
     std::optional<ColourMatrices> m_matrices; ///< while they stand in
     std::map<DisplayIdentifier, Output> m_outputs;
+    bool m_hasAnswered = false;
     bool m_isHyprland = false;
     bool m_hasNews = false; ///< since takeEvents() said so
     bool m_isRefusalSaid = false;
