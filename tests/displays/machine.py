@@ -41,10 +41,11 @@ class Hardware:
     def __init__(self, outputs):
         subprocess.run(["sh", SHARE / "vkms-many.sh", str(outputs)], check=True)
         self.history = []  # (seconds, {crtc: levels of its tables}), oldest first
-        self.started = False
+        self.log = open(SHARE / "hardware.log", "w", encoding="utf8")
 
     def start(self):
-        reader = subprocess.Popen(["nice", "-n", "15", "kmsdump", "-w", "100000"], stdout=subprocess.PIPE, text=True)  # it polls
+        # It polls, and is not to take the compositor's time.
+        reader = subprocess.Popen(["nice", "-n", "15", "kmsdump", "-w", "100000"], stdout=subprocess.PIPE, text=True)
         threading.Thread(target=lambda: [self._note(line) for line in reader.stdout], daemon=True).start()
         wait_for(lambda: self.history)
 
@@ -61,6 +62,7 @@ class Hardware:
             crtcs[name] = {i: tuple(round(c * f) for c, f in zip(level, factors)) for i, level in levels.items()}
         if not self.history or self.history[-1][1] != crtcs:
             self.history.append((float(seconds), crtcs))
+            print(seconds, {name: levels[max(levels)] for name, levels in crtcs.items()}, file=self.log, flush=True)
 
     def since(self, start):
         return [entry for entry in list(self.history) if entry[0] >= start]

@@ -1,17 +1,14 @@
 #pragma once
 
-#include <QTemporaryDir>
-
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <list>
+#include <deque>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
-struct wl_client;
 struct wl_display;
 struct wl_global;
 struct wl_resource;
@@ -28,24 +25,23 @@ public:
 
     struct Output
     {
-        std::uint32_t size = 0;           ///< levels in each table, as clients are told
-        std::vector<std::uint16_t> shown; ///< red, green, blue; empty: the compositor's own
-        std::array<double, 3> matrix{1, 1, 1};
+        GammaCompositor &compositor;
+        std::uint32_t size; ///< levels in each table, as clients are told
+        bool isRefused;     ///< nobody gets the control
+        wl_global *global = nullptr;
+        wl_resource *control = nullptr;
+        std::vector<std::uint16_t> shown{}; ///< red, green, blue; empty: the compositor's own
         int writes = 0;
+        std::array<double, 3> nextMatrix{1, 1, 1};
+        std::array<double, 3> matrix{1, 1, 1};
     };
 
-    explicit GammaCompositor(Kind kind);
+    GammaCompositor(Kind kind, const std::string &socket);
     ~GammaCompositor();
     GammaCompositor(const GammaCompositor &) = delete;
     GammaCompositor &operator=(const GammaCompositor &) = delete;
 
-    /// A path. The constructor starts it.
-    std::string socket() const { return m_folder.filePath(QStringLiteral("wayland")).toStdString(); }
-    void stop();
-    /// Without any outputs.
-    void start();
-
-    /// Its index, counted from the start. A refused one gives nobody its control.
+    /// Its index.
     std::size_t addOutput(std::uint32_t tableSize, bool isRefused = false);
     void removeOutput(std::size_t index);
     Output output(std::size_t index);
@@ -55,17 +51,14 @@ public:
     std::unique_lock<std::mutex> freeze() { return std::unique_lock(m_lock); }
 
 private:
-    struct Head;
     struct Requests;
 
     void run();
 
     const Kind m_kind;
-    const QTemporaryDir m_folder;
     std::mutex m_lock; ///< guards all below
-    wl_display *m_display = nullptr;
-    std::list<Head> m_heads; ///< removed ones included
-    wl_resource *m_matrices = nullptr;
+    wl_display *const m_display;
+    std::deque<Output> m_outputs; ///< removed ones included
     std::atomic<bool> m_shouldStop = false;
     std::thread m_thread;
 };
