@@ -72,7 +72,7 @@ class Hardware:
         return [levels[max(levels)] for levels in (entry or self.history[-1])[1].values()]
 
     def is_neutral(self, entry=None):
-        return all(white == NEUTRAL for white in self.whites(entry))
+        return set(self.whites(entry)) == {NEUTRAL}
 
     def settled(self, start, condition, seconds=10, for_seconds=0.3):
         """Milliseconds from then until the condition held for an entry and all later ones; None when it does not."""

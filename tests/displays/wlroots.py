@@ -132,13 +132,15 @@ row("said to be lost and to be back", all(text in Application.LOG.read_text(erro
 application.end(signal.SIGKILL)
 time.sleep(1)
 
-delays = []
+delays, tinted = [], 0
 for _ in range(kills):
     application = start()
     set_temperature(random.choice((2000, 3400, 5000)))
     time.sleep(random.uniform(0, 3.5))
+    tinted += not hardware.is_neutral()
     delays.append(hardware.neutral_since(application.end(signal.SIGKILL)))
 if kills:
     row(f"SIGKILL at {kills} random moments: restored", sum(delay is not None for delay in delays))
+    row("of these tinted at that moment", tinted)
     row("the slowest", max((delay for delay in delays if delay is not None), default=None), "ms", 500)
 session.stop()
