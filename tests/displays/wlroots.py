@@ -33,7 +33,8 @@ time.sleep(5)
 hardware.start()
 as_user("swaybg", "-c", "#ffffff", environment={"WAYLAND_DISPLAY": display}, stderr=subprocess.DEVNULL)
 wait_for(lambda: len(hardware.whites()) == outputs, 20)
-print(f"\n{compositor} {subprocess.run([compositor, '--version'], capture_output=True, text=True).stdout.split(chr(10))[0]},"
+version = subprocess.run([compositor, "--version"], capture_output=True, text=True).stdout.split("\n")[0]
+print(f"\n{compositor}: {version},"
       f" {len(hardware.whites())} outputs\n\n| what | measured | reach |\n|---|---|---|", flush=True)
 
 
@@ -59,7 +60,8 @@ def ramp_from_neutral(kelvin):
     row("tables of a ramp from neutral that were seen", len(times))
     # The first is held for 0.2 s before the steps begin; the last comes a step before the end.
     row("length of its 60 steps", times[-1] - times[0] - 0.2 + sleeps / 60, "s")
-    row("the same, in times of 60 sleeps of a thirtieth of a second", (times[-1] - times[0] - 0.2) / sleeps * 60 / 59, "", 1.05)
+    row("the same, in times of 60 sleeps of a thirtieth of a second", (times[-1] - times[0] - 0.2) / sleeps * 60 / 59,
+        "", 1.05)
 
 
 def first_table(kelvin):
@@ -114,7 +116,8 @@ if outputs == 2:
     tinted = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged)
                                if len(crtcs) == 2 and (65535, 65535, 65535) not in hardware.whites((0, crtcs))], 10)
     settled = hardware.shows_since(plugged, 3000)
-    row("plugged again during a ramp: first picture to tinted", bool(both and tinted) and 1000 * (tinted[0] - both[0]), "ms", 250)
+    row("plugged again during a ramp: first picture to tinted",
+        1000 * (tinted[0] - both[0]) if both and tinted else None, "ms", 250)
     row("both outputs show 3000 K", settled is not None and len(hardware.whites()) == 2)
 
 application.end(signal.SIGKILL)
