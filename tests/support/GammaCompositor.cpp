@@ -52,8 +52,10 @@ struct GammaCompositor::Requests
         auto &output = dataOf<Output>(resource);
         auto *const control = wl_resource_create(client, &zwlr_gamma_control_v1_interface, 1, id);
         wl_resource_set_implementation(control, &requests, &output, loseControl);
-        if (output.control || output.isRefused)
+        if (output.control || output.isRefused) {
+            output.isRefused = output.isRefused || output.compositor.m_kind == Kind::hyprland; // for good
             return zwlr_gamma_control_v1_send_failed(control);
+        }
         output.control = control;
         zwlr_gamma_control_v1_send_gamma_size(control, output.size);
     }

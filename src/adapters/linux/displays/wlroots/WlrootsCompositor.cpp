@@ -16,6 +16,8 @@ namespace {
 
 /// A session that starts, and draws without a graphics card, may leave its clients alone for seconds.
 constexpr auto patienceForGlobals = 30s;
+/// To get a control that was refused.
+constexpr auto betweenAttempts = 30s;
 /// Far more than anybody has, so that a broken compositor cannot make us grow.
 constexpr std::size_t mostOutputs = 64;
 
@@ -29,8 +31,7 @@ constexpr GammaTables identity()
 
 } // namespace
 
-WlrootsCompositor::WlrootsCompositor(const std::string &display, std::chrono::milliseconds betweenAttempts)
-    : m_betweenAttempts(betweenAttempts), m_connection(display)
+WlrootsCompositor::WlrootsCompositor(const std::string &display) : m_connection(display)
 {
     static constexpr wl_registry_listener listener{noteGlobal, noteRemoval};
     if (!m_connection.isUsable())
@@ -107,7 +108,7 @@ void WlrootsCompositor::settle(Output &output)
         output.hasTables = false;
         break;
     case GammaControl::State::refused:
-        output.nextAttempt = Clock::now() + m_betweenAttempts;
+        output.nextAttempt = Clock::now() + betweenAttempts;
         // One that is withdrawn is mostly that of an output on its way out; the next attempt tells.
         if (!wasUsable)
             sayRefusal();
@@ -162,17 +163,14 @@ bool WlrootsCompositor::hasAskedFor(std::span<const DisplayIdentifier> displays)
     });
 }
 
-bool WlrootsCompositor::takeControls(std::chrono::milliseconds patience)
+void WlrootsCompositor::takeControls(std::chrono::milliseconds patience)
 {
     if (state() != State::usable)
-        return true;
+        return;
     for (auto &[name, output] : m_outputs)
         askForControl(output);
     m_connection.synchronise(patience);
     takeEvents();
-    return std::ranges::all_of(m_outputs, [](const auto &entry) {
-        return !entry.second.hasTables || entry.second.seen == GammaControl::State::usable;
-    });
 }
 
 bool WlrootsCompositor::show(std::span<const DisplayIdentifier> displays, const GammaTables &tables)

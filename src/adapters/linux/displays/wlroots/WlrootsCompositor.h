@@ -32,8 +32,7 @@ public:
 
     /// Connects and waits for the list of outputs, for half a minute at most. `display` is the name or path of the
     /// socket.
-    explicit WlrootsCompositor(const std::string &display,
-                               std::chrono::milliseconds betweenAttempts = std::chrono::seconds(30));
+    explicit WlrootsCompositor(const std::string &display);
     WlrootsCompositor(const WlrootsCompositor &) = delete;
     WlrootsCompositor &operator=(const WlrootsCompositor &) = delete;
 
@@ -51,9 +50,9 @@ public:
     std::vector<DisplayIdentifier> displays() const;
     /// Whether show() would write to each of them, or leave it out, and not ask for a control.
     bool hasAskedFor(std::span<const DisplayIdentifier> displays) const;
-    /// Asks for the controls that are missing, and waits for the answers, that long at most. True when all are ours,
-    /// and restore() will reach every output.
-    bool takeControls(std::chrono::milliseconds patience);
+    /// Asks for the controls that are missing, and waits for the answers, that long at most. restore() reaches what
+    /// was had by then.
+    void takeControls(std::chrono::milliseconds patience);
     /// Gives those of the outputs that are there and ready the tables, unless they have them. Never waits: false when
     /// the compositor takes no more for now, and the same has to be shown again.
     bool show(std::span<const DisplayIdentifier> displays, const GammaTables &tables);
@@ -90,7 +89,6 @@ private:
     void askForControl(Output &output);
     void show(Output &output, const GammaTables &tables);
 
-    const std::chrono::milliseconds m_betweenAttempts;
     WaylandConnection m_connection;
     WaylandObject<wl_registry> m_registry;
     WaylandObject<zwlr_gamma_control_manager_v1> m_manager;
