@@ -1,9 +1,8 @@
 # The panel beside the icon on Wayland. Needs Qt 6.5 for the toolkit's connection; without it, panels on Wayland are
 # ordinary windows.
 find_package(LayerShellQt 6 QUIET)
-pkg_check_modules(WAYLAND_CLIENT IMPORTED_TARGET wayland-client)
 get_target_property(sources ambertide_adapters_linux_panel SOURCES)
-if(LayerShellQt_FOUND AND WAYLAND_CLIENT_FOUND)
+if(LayerShellQt_FOUND)
   list(FILTER sources EXCLUDE REGEX "/NoLayerShell.cpp$")
   target_link_libraries(ambertide_adapters_linux_panel PRIVATE LayerShellQt::Interface PkgConfig::WAYLAND_CLIENT)
 else()

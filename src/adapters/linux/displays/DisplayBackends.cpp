@@ -2,6 +2,7 @@
 
 #include "adapters/linux/displays/kwin/KWinBackend.h"
 #include "adapters/linux/displays/randr/RandrBackend.h"
+#include "adapters/linux/displays/wlroots/WlrootsBackend.h"
 
 #include <array>
 
@@ -45,7 +46,19 @@ std::unique_ptr<DisplayBackend> createKWin(const DisplaySession &session)
     return std::make_unique<KWinBackend>(session.guardian);
 }
 
+std::string wlrootsRefusal(const DisplaySession &session)
+{
+    return session.waylandDisplay.empty() ? "WAYLAND_DISPLAY is not set"
+                                          : WlrootsBackend::refusal(session.waylandDisplay);
+}
+
+std::unique_ptr<DisplayBackend> createWlroots(const DisplaySession &session)
+{
+    return std::make_unique<WlrootsBackend>(session.waylandDisplay, session.guardian);
+}
+
 constexpr std::array kinds{
+    Kind{"wlroots", wlrootsRefusal, createWlroots},
     Kind{"randr", randrRefusal, createRandr},
     Kind{"kwin", kwinRefusal, createKWin},
 };
@@ -57,18 +70,21 @@ ChosenDisplayBackend chooseDisplayBackend(const DisplaySession &session, std::st
     ChosenDisplayBackend chosen{std::make_unique<NoDisplays>(), {}};
     if (choice == "none")
         return chosen;
-    bool isKnown = choice.empty();
+    std::string reasons;
     for (const auto &kind : kinds) {
         if (!choice.empty() && choice != kind.name)
             continue;
-        isKnown = true;
         const auto refusal = kind.refusal(session);
         if (refusal.empty())
             return {kind.create(session), {}};
-        chosen.refusals.push_back("Displays cannot be tinted by " + std::string(kind.name) + ": " + refusal + ".");
+        reasons += (reasons.empty() ? "" : "; ") + std::string(kind.name) + ": " + refusal;
     }
-    if (!isKnown)
-        chosen.refusals.push_back("AMBERTIDE_DISPLAY names no way of tinting displays: " + std::string(choice) + ".");
+    if (reasons.empty())
+        chosen.refusal = "AMBERTIDE_DISPLAY names no way of tinting displays: " + std::string(choice) + ".";
+    else
+        chosen.refusal =
+            "Displays cannot be tinted here (" + reasons +
+            "). They can in sessions of X11, and of Wayland compositors with wlr-gamma-control, as Sway is.";
     return chosen;
 }
 

@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace ambertide {
 
@@ -21,7 +20,7 @@ struct DisplaySession
 struct ChosenDisplayBackend
 {
     std::unique_ptr<DisplayBackend> backend; ///< never null: where nothing serves, it has no displays
-    std::vector<std::string> refusals;       ///< where nothing serves: why not, a line for each kind that was asked
+    std::string refusal;                     ///< where nothing serves: a line for the user with the reasons
 };
 
 /// The first kind of display server that can serve the session, in the one order that there is. A Wayland session never

@@ -25,8 +25,8 @@ std::unique_ptr<DisplayServices> makeSessionDisplayServices(const std::filesyste
                                  .guardian = programs / "AmbertideGuardian"};
     return std::make_unique<BackendDisplayServices>([session, choice = environmentValue("AMBERTIDE_DISPLAY")] {
         auto chosen = chooseDisplayBackend(session, choice);
-        for (const auto &refusal : chosen.refusals)
-            console::print(refusal);
+        if (!chosen.refusal.empty())
+            console::print(chosen.refusal);
         return std::move(chosen.backend);
     });
 }

@@ -1,6 +1,7 @@
 #include "adapters/linux/displays/guardian/GuardianChannel.h"
 #include "adapters/linux/displays/guardian/KWinGuardian.h"
 #include "adapters/linux/displays/guardian/RandrGuardian.h"
+#include "adapters/linux/displays/guardian/WlrootsGuardian.h"
 
 #include <unistd.h>
 
@@ -32,6 +33,7 @@ bool guardRandr(const char *where, int channel)
 
 constexpr std::array duties{
     Duty{"randr", guardRandr},
+    Duty{"wlroots", guardWlroots},
     Duty{"kwin", guardKWin},
 };
 

@@ -3,6 +3,7 @@
 #include "ports/DisplayServices.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace ambertide {
@@ -20,9 +21,12 @@ public:
     static GammaRamp identity(std::uint16_t size);
 
     std::uint16_t size() const { return m_size; }
+    /// Red, green and blue, one after the other.
+    std::span<const std::uint16_t> levels() const { return m_levels; }
     const std::uint16_t *red() const { return m_levels.data(); }
     const std::uint16_t *green() const { return m_levels.data() + m_size; }
     const std::uint16_t *blue() const { return m_levels.data() + 2 * std::size_t{m_size}; }
+    friend bool operator==(const GammaRamp &, const GammaRamp &) = default;
 
 private:
     explicit GammaRamp(std::uint16_t size) : m_size(size), m_levels(3 * std::size_t{size}) {}

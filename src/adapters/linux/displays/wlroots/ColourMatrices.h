@@ -1,0 +1,39 @@
+#pragma once
+
+#include "adapters/linux/displays/wlroots/WaylandConnection.h"
+#include "ports/DisplayServices.h"
+
+#include <array>
+#include <optional>
+
+namespace ambertide {
+
+/// Tints outputs by a colour matrix (hyprland_ctm_control_manager_v1), which can show the white point of tables, to
+/// within 1/256, and no curve. It comes on top of any tables. Hyprland takes matrices from one program alone, and puts
+/// its own back at the end of this object. One thread at a time.
+class ColourMatrices
+{
+public:
+    /// What an output was given last: the factors of red, green and blue.
+    using Factors = std::array<double, 3>;
+
+    /// Of the global of that name and version.
+    ColourMatrices(wl_registry *registry, std::uint32_t global, std::uint32_t version);
+    ColourMatrices(const ColourMatrices &) = delete;
+    ColourMatrices &operator=(const ColourMatrices &) = delete;
+
+    /// Queues a matrix for the white point of the tables, unless `shown` says that the output has it. Takes effect with
+    /// commit().
+    void show(wl_output *output, const GammaTables &tables, std::optional<Factors> &shown);
+    /// Queues what makes all matrices that were queued since the last time take effect together.
+    void commit();
+
+private:
+    static void noteBlocked(void *self, hyprland_ctm_control_manager_v1 *);
+
+    WaylandObject<hyprland_ctm_control_manager_v1> m_manager;
+    bool m_hasChanges = false;
+    bool m_isBlocked = false; ///< another program sets matrices
+};
+
+} // namespace ambertide

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "adapters/linux/displays/shared/DisplayBackend.h"
+#include "adapters/linux/displays/shared/GuardianProcess.h"
+#include "adapters/linux/displays/wlroots/WlrootsCompositor.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ambertide {
+
+/// The displays of a Wayland compositor with zwlr_gamma_control_manager_v1: sway, labwc, wayfire, river, niri,
+/// Hyprland.
+///
+/// A connection that is lost is made again, after a pause that grows to 8 s; its loss and its return are a line each.
+/// What a display shows already is not written again, since no other program can write there, unless the machine has
+/// slept meanwhile.
+///
+/// The system's own colours are the compositor's, which it shows by itself when a control is given up or its program
+/// has ended. Hyprland does not before its next picture: there a process of its own stands by.
+class WlrootsBackend final : public DisplayBackend
+{
+public:
+    /// Why the compositor at that socket cannot be tinted by this; empty when it can. Waits for it.
+    static std::string refusal(const std::string &display);
+
+    /// Connects to the compositor at the socket of that name or path. `guardian` is the guardian's file.
+    WlrootsBackend(std::string display, std::filesystem::path guardian);
+
+    std::span<const DisplayIdentifier> displays() const override { return m_displays; }
+    bool write(std::span<const DisplayIdentifier> displays, const GammaTables &tables, Wait wait) override;
+    void restore() override;
+    int descriptor() const override { return m_compositor ? m_compositor->descriptor() : -1; }
+    std::optional<Clock::time_point> due() const override;
+    bool process() override;
+
+private:
+    bool connect();
+    void lose();
+
+    const std::string m_display;
+    GuardianProcess m_guardian;
+    std::optional<WlrootsCompositor> m_compositor; ///< none while it is waited for
+    std::vector<DisplayIdentifier> m_displays;
+    std::chrono::nanoseconds m_slept{}; ///< by the machine, since it was started, at the last write
+    std::chrono::milliseconds m_pause;  ///< before the next attempt to connect, once the connection is lost
+    Clock::time_point m_changed;        ///< when the connection was made or is to be tried
+    bool m_isLossSaid = false;
+};
+
+} // namespace ambertide

@@ -1,0 +1,246 @@
+#include "adapters/linux/displays/wlroots/WlrootsCompositor.h"
+
+#include "base/Console.h"
+
+#include <wayland-client.h>
+#include <wlr-gamma-control-client-protocol.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace ambertide {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A session that starts, and draws without a graphics card, may leave its clients alone for seconds.
+constexpr auto patienceForGlobals = 30s;
+/// To get a control that was refused.
+constexpr auto betweenAttempts = 30s;
+/// Far more than anybody has, so that a broken compositor cannot make us grow.
+constexpr std::size_t mostOutputs = 64;
+
+/// As far as a colour matrix is concerned.
+constexpr GammaTables identity()
+{
+    GammaTables tables{};
+    tables.red.back() = tables.green.back() = tables.blue.back() = 1;
+    return tables;
+}
+
+} // namespace
+
+WlrootsCompositor::WlrootsCompositor(const std::string &display) : m_connection(display)
+{
+    static constexpr wl_registry_listener listener{noteGlobal, noteRemoval};
+    if (!m_connection.isUsable())
+        return;
+    m_registry.reset(wl_display_get_registry(m_connection.display()));
+    if (m_registry && wl_registry_add_listener(m_registry.get(), &listener, this) == 0)
+        m_hasAnswered = m_connection.synchronise(patienceForGlobals);
+}
+
+WlrootsCompositor::State WlrootsCompositor::state() const
+{
+    if (!m_hasAnswered || !m_connection.isUsable())
+        return State::unreachable;
+    return m_manager ? State::usable : State::withoutGammaControl;
+}
+
+void WlrootsCompositor::noteGlobal(void *self, wl_registry *, std::uint32_t name, const char *interface,
+                                   std::uint32_t version)
+{
+    static_cast<WlrootsCompositor *>(self)->addGlobal({name, version}, interface);
+}
+
+void WlrootsCompositor::noteRemoval(void *self, wl_registry *, std::uint32_t name)
+{
+    static_cast<WlrootsCompositor *>(self)->m_outputs.erase(name);
+}
+
+void WlrootsCompositor::addGlobal(Global global, std::string_view interface)
+{
+    m_isHyprland = m_isHyprland || interface.starts_with("hyprland_");
+    const auto bind = [this, &global](const wl_interface &type) {
+        return wl_registry_bind(m_registry.get(), global.name, &type, 1);
+    };
+    if (interface == wl_output_interface.name && m_outputs.size() < mostOutputs) {
+        WaylandObject<wl_output> object(static_cast<wl_output *>(bind(wl_output_interface)));
+        if (!object)
+            return;
+        m_outputs.erase(global.name);
+        m_outputs[global.name].object = std::move(object);
+        m_hasNews = true;
+    } else if (interface == zwlr_gamma_control_manager_v1_interface.name && !m_manager) {
+        m_manager.reset(static_cast<zwlr_gamma_control_manager_v1 *>(bind(zwlr_gamma_control_manager_v1_interface)));
+    } else if (interface == "hyprland_ctm_control_manager_v1") {
+        m_matrixGlobal = global;
+    }
+}
+
+bool WlrootsCompositor::takeEvents()
+{
+    m_connection.takeEvents();
+    for (auto &[name, output] : m_outputs)
+        settle(output);
+    const auto attempt = due();
+    if (attempt && *attempt <= Clock::now())
+        m_hasNews = true;
+    m_connection.flush(); // what new outputs were bound with
+    return std::exchange(m_hasNews, false);
+}
+
+/// Draws the consequences of what a control has been told.
+void WlrootsCompositor::settle(Output &output)
+{
+    if (!output.control || output.control->state() == output.seen)
+        return;
+    const bool wasUsable = output.seen == GammaControl::State::usable;
+    output.seen = output.control->state();
+    m_hasNews = true;
+    switch (output.seen) {
+    case GammaControl::State::usable:
+        if (std::exchange(output.nextAttempt, {}))
+            m_isRefusalSaid = false;
+        return;
+    case GammaControl::State::tableless:
+        output.hasTables = false;
+        break;
+    case GammaControl::State::refused:
+        output.nextAttempt = Clock::now() + betweenAttempts;
+        // One that is withdrawn is mostly that of an output on its way out; the next attempt tells.
+        if (!wasUsable)
+            sayRefusal();
+        break;
+    case GammaControl::State::awaitingSize:
+        return;
+    }
+    output.control.reset();
+}
+
+void WlrootsCompositor::sayRefusal()
+{
+    if (std::exchange(m_isRefusalSaid, true))
+        return;
+    console::print(m_matrixGlobal ? "The compositor withholds a display's gamma tables (for the sake of its colour "
+                                    "profile, or of another program): a colour matrix stands in."
+                                  : "A display cannot be tinted now: another program has its gamma tables, or it has "
+                                    "none. It is tried again every 30 s.");
+}
+
+std::optional<WlrootsCompositor::Clock::time_point> WlrootsCompositor::due() const
+{
+    std::optional<Clock::time_point> due;
+    for (const auto &[name, output] : m_outputs) {
+        if (output.nextAttempt && !output.control && !output.matrix)
+            due = std::min(output.nextAttempt, due ? due : output.nextAttempt);
+    }
+    return due;
+}
+
+std::vector<DisplayIdentifier> WlrootsCompositor::displays() const
+{
+    std::vector<DisplayIdentifier> displays;
+    for (const auto &[name, output] : m_outputs) {
+        if (output.hasTables || m_matrixGlobal)
+            displays.push_back(name);
+    }
+    return displays;
+}
+
+bool WlrootsCompositor::mustAsk(const Output &output) const
+{
+    return !output.control && output.hasTables && !output.matrix &&
+           (!output.nextAttempt || *output.nextAttempt <= Clock::now());
+}
+
+bool WlrootsCompositor::hasAskedFor(std::span<const DisplayIdentifier> displays) const
+{
+    return std::ranges::none_of(displays, [this](auto display) {
+        const auto output = m_outputs.find(display);
+        return output != m_outputs.end() && mustAsk(output->second);
+    });
+}
+
+void WlrootsCompositor::takeControls(std::chrono::milliseconds patience)
+{
+    if (state() != State::usable)
+        return;
+    for (auto &[name, output] : m_outputs)
+        askForControl(output);
+    m_connection.synchronise(patience);
+    takeEvents();
+}
+
+bool WlrootsCompositor::show(std::span<const DisplayIdentifier> displays, const GammaTables &tables)
+{
+    if (state() != State::usable)
+        return true;
+    for (const auto display : displays) {
+        const auto output = m_outputs.find(display);
+        if (output == m_outputs.end())
+            continue;
+        if (!m_connection.flush())
+            return false;
+        show(output->second, tables);
+    }
+    if (m_matrices)
+        m_matrices->commit();
+    return m_connection.flush();
+}
+
+void WlrootsCompositor::askForControl(Output &output)
+{
+    if (!mustAsk(output))
+        return;
+    output.seen = GammaControl::State::awaitingSize;
+    output.control.emplace(m_manager.get(), output.object.get());
+}
+
+void WlrootsCompositor::show(Output &output, const GammaTables &tables)
+{
+    askForControl(output);
+    if (output.control) {
+        output.control->show(tables);
+    } else if (m_matrixGlobal) {
+        if (!m_matrices)
+            m_matrices.emplace(m_registry.get(), m_matrixGlobal->name, m_matrixGlobal->version);
+        m_matrices->show(output.object.get(), tables, output.matrix);
+    }
+}
+
+void WlrootsCompositor::forgetTables()
+{
+    for (auto &[name, output] : m_outputs) {
+        output.matrix.reset();
+        if (output.control)
+            output.control->forget();
+    }
+}
+
+bool WlrootsCompositor::restore(std::chrono::milliseconds patience)
+{
+    if (state() != State::usable)
+        return false;
+    // Hyprland would show the tint until something else changes on the display, if it were not given the identity.
+    for (auto &[name, output] : m_outputs) {
+        if (!m_connection.flush(patience))
+            break;
+        if (output.control)
+            output.control->showIdentity();
+        if (m_matrices && output.matrix)
+            m_matrices->show(output.object.get(), identity(), output.matrix);
+    }
+    if (m_matrices)
+        m_matrices->commit();
+    for (auto &[name, output] : m_outputs) {
+        output.control.reset();
+        output.nextAttempt.reset();
+        output.matrix.reset();
+    }
+    m_matrices.reset();
+    return m_connection.synchronise(patience);
+}
+
+} // namespace ambertide

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "adapters/linux/displays/wlroots/ColourMatrices.h"
+#include "adapters/linux/displays/wlroots/GammaControl.h"
+#include "adapters/linux/displays/wlroots/WaylandConnection.h"
+
+#include <chrono>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ambertide {
+
+/// The outputs of one Wayland compositor, tinted by zwlr_gamma_control_manager_v1 over one connection. A display is the
+/// global name of an output. One thread at a time.
+///
+/// An output's control is asked for with its first tables, and kept. Where it is refused, that is said in one line, and
+/// it is asked for again after a while; on Hyprland, which refuses it for the sake of a colour profile, a colour matrix
+/// stands in. Once the connection is lost, all calls do nothing.
+class WlrootsCompositor
+{
+public:
+    using Clock = std::chrono::steady_clock;
+    enum class State {
+        usable,
+        unreachable,         ///< no compositor answers at that name in time, or the connection has broken
+        withoutGammaControl, ///< the compositor has no such protocol
+    };
+
+    /// Connects and waits for the list of outputs, for half a minute at most. `display` is the name or path of the
+    /// socket.
+    explicit WlrootsCompositor(const std::string &display);
+    WlrootsCompositor(const WlrootsCompositor &) = delete;
+    WlrootsCompositor &operator=(const WlrootsCompositor &) = delete;
+
+    State state() const;
+    /// Whether outputs may stay tinted when the connection that tinted them ends.
+    bool keepsTints() const { return m_isHyprland; }
+    int descriptor() const { return m_connection.descriptor(); }
+    /// When takeEvents() is to be called although the compositor says nothing.
+    std::optional<Clock::time_point> due() const;
+
+    /// Takes in what the compositor has told, without waiting. True when outputs have come, or have become ready to be
+    /// shown tables.
+    bool takeEvents();
+    /// The outputs that are not known to have no tables.
+    std::vector<DisplayIdentifier> displays() const;
+    /// Whether show() would write to each of them, or leave it out, and not ask for a control.
+    bool hasAskedFor(std::span<const DisplayIdentifier> displays) const;
+    /// Asks for the controls that are missing, and waits for the answers, that long at most. restore() reaches what
+    /// was had by then.
+    void takeControls(std::chrono::milliseconds patience);
+    /// Gives those of the outputs that are there and ready the tables, unless they have them. Never waits: false when
+    /// the compositor takes no more for now, and the same has to be shown again.
+    bool show(std::span<const DisplayIdentifier> displays, const GammaTables &tables);
+    /// Waits for the compositor to take what show() could not send. False when it has not in that time.
+    bool flush(std::chrono::milliseconds patience) { return m_connection.flush(patience); }
+    /// Has the next tables be written even where they are as before.
+    void forgetTables();
+    /// Shows the identity, gives up all controls, and waits until the compositor has done it. False when that could not
+    /// be learned in that time.
+    bool restore(std::chrono::milliseconds patience);
+
+private:
+    struct Output
+    {
+        WaylandObject<wl_output> object;
+        std::optional<GammaControl> control{};
+        GammaControl::State seen = GammaControl::State::awaitingSize; ///< what has been made of the control's state
+        std::optional<Clock::time_point> nextAttempt{};               ///< since the control was refused
+        bool hasTables = true;
+        std::optional<ColourMatrices::Factors> matrix{}; ///< stands in for the tables
+    };
+    struct Global
+    {
+        std::uint32_t name;
+        std::uint32_t version;
+    };
+
+    static void noteGlobal(void *self, wl_registry *, std::uint32_t name, const char *interface, std::uint32_t version);
+    static void noteRemoval(void *self, wl_registry *, std::uint32_t name);
+    void addGlobal(Global global, std::string_view interface);
+    void settle(Output &output);
+    void sayRefusal();
+    bool mustAsk(const Output &output) const;
+    void askForControl(Output &output);
+    void show(Output &output, const GammaTables &tables);
+
+    WaylandConnection m_connection;
+    WaylandObject<wl_registry> m_registry;
+    WaylandObject<zwlr_gamma_control_manager_v1> m_manager;
+    std::optional<Global> m_matrixGlobal;
+    std::optional<ColourMatrices> m_matrices; ///< while they stand in
+    std::map<DisplayIdentifier, Output> m_outputs;
+    bool m_hasAnswered = false;
+    bool m_isHyprland = false;
+    bool m_hasNews = false; ///< since takeEvents() said so
+    bool m_isRefusalSaid = false;
+};
+
+} // namespace ambertide

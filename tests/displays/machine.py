@@ -1,0 +1,185 @@
+"""What the jobs inside the lab's machine share: the session, what the display hardware shows, the application."""
+import os
+import pathlib
+import pwd
+import re
+import subprocess
+import threading
+import time
+
+SHARE = pathlib.Path("/vmshare")
+USER = pwd.getpwnam("lab")
+PROGRAMS = pathlib.Path("/opt/Ambertide.app/Contents/MacOS")
+RUNTIME = pathlib.Path(f"/run/user/{USER.pw_uid}")
+CARD = pathlib.Path("/sys/kernel/config/vkms/lab")
+NEUTRAL = (65535, 65535, 65535)
+
+
+def wait_for(condition, seconds=30):
+    """What the condition returned once it was true, else its last value."""
+    end = time.monotonic() + seconds
+    while not (value := condition()) and time.monotonic() < end:
+        time.sleep(0.002)
+    return value
+
+
+def row(what, value, unit="", reach=None):
+    """A number and the most that it may be, or whether something is so."""
+    missed = value is None or value is False or (reach is not None and value > reach)
+    text = "yes" if value is True else "no" if value is False else "never" if value is None else f"{value:.4g} {unit}"
+    print(f"| {what} | {text.strip()} | {'' if reach is None else f'{reach} {unit}'.strip()} |"
+          + (" MISSED" if missed else ""), flush=True)
+
+
+def plug(output, is_plugged):
+    (CARD / f"connectors/k{output}/status").write_text("1" if is_plugged else "2")
+
+
+class Hardware:
+    """Every change of what the CRTCs do to colours, as it happens."""
+
+    def __init__(self, outputs):
+        subprocess.run(["sh", SHARE / "vkms-many.sh", str(outputs)], check=True)
+        self.history = []  # (seconds, {crtc: levels of its tables}), oldest first
+        self.log = open(SHARE / "hardware.log", "w", encoding="utf8")
+
+    def start(self):
+        # It polls, and is not to take the compositor's time.
+        reader = subprocess.Popen(["nice", "-n", "15", "kmsdump", "-w", "100000"], stdout=subprocess.PIPE, text=True)
+        threading.Thread(target=lambda: [self._note(line) for line in reader.stdout], daemon=True).start()
+        wait_for(lambda: self.history)
+
+    def _note(self, line):
+        seconds, state = line.split(" ", 1)
+        crtcs = {}
+        for name, text in re.findall(r"crtc(\d+) (.*?); ", state):
+            if "=off" in text:
+                continue
+            levels = {int(i): (int(r), int(g), int(b)) for i, r, g, b in re.findall(r"(\d+):(\d+),(\d+),(\d+)", text)}
+            matrix = re.search(r"ctm\[(\S+) \S+ \S+ / \S+ (\S+) \S+ / \S+ \S+ (\S+)\]", text)
+            factors = [float(factor) for factor in matrix.groups()] if matrix else (1, 1, 1)
+            levels = levels or {255: NEUTRAL}
+            crtcs[name] = {i: tuple(round(c * f) for c, f in zip(level, factors)) for i, level in levels.items()}
+        if not self.history or self.history[-1][1] != crtcs:
+            self.history.append((float(seconds), crtcs))
+            print(seconds, {name: levels[max(levels)] for name, levels in crtcs.items()}, file=self.log, flush=True)
+
+    def since(self, start):
+        return [entry for entry in list(self.history) if entry[0] >= start]
+
+    def whites(self, entry=None):
+        """The white point of each CRTC that shows a picture."""
+        return [levels[max(levels)] for levels in (entry or self.history[-1])[1].values()]
+
+    def is_neutral(self, entry=None):
+        return set(self.whites(entry)) == {NEUTRAL}
+
+    def settled(self, start, condition, seconds=10, for_seconds=0.3):
+        """Milliseconds from then until the condition held for an entry and all later ones; None when it does not."""
+        end = time.monotonic() + seconds
+        while time.monotonic() < end:
+            wait_for(lambda: condition(self.history[-1]), end - time.monotonic())
+            quiet = len(self.history)
+            time.sleep(for_seconds)
+            if len(self.history) == quiet and condition(self.history[-1]):
+                held = list(self.history)
+                while len(held) > 1 and condition(held[-2]):
+                    held.pop()
+                return max(0.0, 1000 * (held[-1][0] - start))
+        return None
+
+    def neutral_since(self, start, seconds=10):
+        return self.settled(start, self.is_neutral, seconds)
+
+    def worst_error(self, kelvin, entry=None):
+        """How far a level of any CRTC is from the temperature's straight line, at the levels that are told."""
+        entry = entry or self.history[-1]
+        white = white_point(kelvin)
+        return max((abs(level - factor * index / max(levels) * 65535) for levels in entry[1].values()
+                    for index, triple in levels.items() for level, factor in zip(triple, white)), default=65535)
+
+    def shows(self, kelvin, tolerance=1):
+        return self.worst_error(kelvin) <= tolerance
+
+    def shows_since(self, start, kelvin, seconds=10, for_seconds=0.3):
+        return self.settled(start, lambda entry: self.worst_error(kelvin, entry) <= 1, seconds, for_seconds)
+
+
+def white_point(kelvin):
+    import math
+    x = kelvin / 100
+    return (1.0, math.log(x) * 0.3900815787690196 - 0.631841443, math.log(x - 10) * 0.543206789110196 - 1.19625408914)
+
+
+def as_user(*command, environment=None, **options):
+    """A process of the session's user."""
+    variables = {"PATH": os.environ["PATH"], "HOME": USER.pw_dir, "LC_ALL": "C.UTF-8", "XDG_RUNTIME_DIR": RUNTIME,
+                 "DBUS_SESSION_BUS_ADDRESS": f"unix:path={RUNTIME}/bus", "LD_LIBRARY_PATH": SHARE / "lib",
+                 **(environment or {})}
+    return subprocess.Popen(command, user=USER.pw_uid, group=USER.pw_gid, extra_groups=[], cwd="/", env=variables,
+                            **options)
+
+
+class Session:
+    """A seat's session that runs one compositor, by a shell script."""
+
+    def __init__(self, script):
+        (SHARE / "session-job.sh").write_text(script)
+        self.start()
+
+    def start(self):
+        for file in RUNTIME.glob("wayland-*"):
+            file.unlink()
+        subprocess.run(["systemctl", "restart", "labsession.service"], check=True)
+
+    def stop(self):
+        subprocess.run(["systemctl", "stop", "labsession.service"])
+
+    @staticmethod
+    def wayland_display():
+        found = wait_for(lambda: [f.name for f in RUNTIME.glob("wayland-?")] if RUNTIME.exists() else None, 60)
+        return found[0] if found else None
+
+
+class Application:
+    """One run of the application as the session's user."""
+
+    LOG = SHARE / "application.log"
+
+    def __init__(self, **environment):
+        with self.LOG.open("a") as log:
+            self.process = as_user(PROGRAMS / "Ambertide", environment=environment, stdout=log,
+                                   stderr=subprocess.STDOUT)
+        if not wait_for(lambda: tool("get").strip().isdigit(), 60):
+            raise RuntimeError("the application does not come up")
+
+    def end(self, signal):
+        """The moment when it was sent."""
+        moment = time.monotonic()
+        self.process.send_signal(signal)
+        self.process.wait()
+        return moment
+
+    def quit(self):
+        moment = time.monotonic()
+        as_user("busctl", "--user", "call", "me.tovanu.Ambertide", "/me/tovanu/Ambertide",
+                "org.freedesktop.Application", "ActivateAction", "sava{sv}", "quit", "0", "0")
+        self.process.wait()
+        return moment
+
+    def wakeups(self):
+        """Of all its threads, so far."""
+        texts = [(task / "status").read_text() for task in pathlib.Path(f"/proc/{self.process.pid}/task").iterdir()]
+        return sum(int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", text, re.M).group(1)) for text in texts)
+
+
+def tool(*arguments):
+    return as_user(PROGRAMS / "AmbertideCLI", *arguments, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                   text=True).communicate()[0]
+
+
+def set_temperature(kelvin):
+    """The moment when it was asked for."""
+    moment = time.monotonic()
+    tool("set", str(kelvin))
+    return moment
