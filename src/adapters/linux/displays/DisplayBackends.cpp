@@ -1,5 +1,6 @@
 #include "adapters/linux/displays/DisplayBackends.h"
 
+#include "adapters/linux/displays/mutter/MutterBackend.h"
 #include "adapters/linux/displays/randr/RandrBackend.h"
 
 #include <array>
@@ -37,8 +38,16 @@ std::unique_ptr<DisplayBackend> createRandr(const DisplaySession &session)
     return std::make_unique<RandrBackend>(session.x11Display, session.guardian);
 }
 
+std::string mutterRefusal(const DisplaySession &) { return MutterBackend::refusal(); }
+
+std::unique_ptr<DisplayBackend> createMutter(const DisplaySession &session)
+{
+    return std::make_unique<MutterBackend>(session.guardian);
+}
+
 constexpr std::array kinds{
     Kind{"randr", randrRefusal, createRandr},
+    Kind{"mutter", mutterRefusal, createMutter},
 };
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "adapters/linux/displays/guardian/GuardianChannel.h"
+#include "adapters/linux/displays/guardian/MutterGuardian.h"
 #include "adapters/linux/displays/guardian/RandrGuardian.h"
 
 #include <unistd.h>
@@ -31,6 +32,7 @@ bool guardRandr(const char *where, int channel)
 
 constexpr std::array duties{
     Duty{"randr", guardRandr},
+    Duty{"mutter", guardMutter},
 };
 
 } // namespace

@@ -19,6 +19,8 @@ public:
     /// Every level comes out as it goes in. `size` is at least 2.
     static GammaRamp identity(std::uint16_t size);
 
+    bool operator==(const GammaRamp &) const = default;
+
     std::uint16_t size() const { return m_size; }
     const std::uint16_t *red() const { return m_levels.data(); }
     const std::uint16_t *green() const { return m_levels.data() + m_size; }
