@@ -58,8 +58,8 @@ std::string MutterBackend::refusal()
     return isThere ? "" : "GNOME's display service is not on the session bus";
 }
 
-MutterBackend::MutterBackend(std::filesystem::path guardian)
-    : m_guardian(std::move(guardian), {"mutter", "session"}), m_timeAsleep(timeAsleep())
+MutterBackend::MutterBackend(const std::filesystem::path &guardian)
+    : m_guardian(guardian, {"mutter", guardian.parent_path() / "AmbertideMutterRestorer"}), m_timeAsleep(timeAsleep())
 {
     if (connect())
         processUntil(m_bus.get(), Clock::now() + patienceForBus, [this] { return m_crtcs->hasBeenRead(); });

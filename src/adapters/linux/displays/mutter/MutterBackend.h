@@ -25,8 +25,8 @@ public:
     /// the bus, not for long.
     static std::string refusal();
 
-    /// Connects to the session bus. `guardian` is the guardian's file.
-    explicit MutterBackend(std::filesystem::path guardian);
+    /// Connects to the session bus. `guardian` is the guardian's file, beside which its restorer is.
+    explicit MutterBackend(const std::filesystem::path &guardian);
     MutterBackend(const MutterBackend &) = delete;
     MutterBackend &operator=(const MutterBackend &) = delete;
 

@@ -1,0 +1,226 @@
+"""mutter.py [kills]: the job for GNOME: two outputs, the settings daemon's Night Light, colord's profiles."""
+import pathlib
+import random
+import signal
+import struct
+import subprocess
+import sys
+import time
+
+from machine import Application, Hardware, Session, as_user, plug, row, set_temperature, wait_for
+
+kills = int(sys.argv[1]) if len(sys.argv) > 1 else 0
+PROFILES = pathlib.Path("/usr/share/color/icc")
+SETTINGS = """import sys; from gi.repository import Gio
+settings = Gio.Settings.new("org.gnome.settings-daemon.plugins.color")
+settings.set_boolean("night-light-schedule-automatic", False)
+settings.set_double("night-light-schedule-from", 0.0)
+settings.set_double("night-light-schedule-to", 24.0)
+settings.set_uint("night-light-temperature", int(sys.argv[1]) or 6500)
+settings.set_boolean("night-light-enabled", sys.argv[1] != "0")
+Gio.Settings.sync()"""
+
+
+def night_light(kelvin):
+    """0 switches it off. It comes by a ramp of the settings daemon's own."""
+    subprocess.run(as_user("python3", "-c", SETTINGS, str(kelvin)), check=True)
+
+
+def write_profile(path, tops, exponent):
+    """A display's profile of version 2 with curves that end at `tops`, or without any."""
+    def fixed(*values):
+        return b"".join(struct.pack(">i", round(value * 65536)) for value in values)
+    tags = [(b"desc", b"desc\0\0\0\0" + struct.pack(">I", 4) + b"lab\0" + bytes(78)), (b"cprt", b"text\0\0\0\0none\0"),
+            (b"wtpt", b"XYZ \0\0\0\0" + fixed(.95045, 1, 1.08905)), (b"rXYZ", b"XYZ \0\0\0\0" + fixed(.43607, .22249, .01392)),
+            (b"gXYZ", b"XYZ \0\0\0\0" + fixed(.38515, .71687, .09708)),
+            (b"bXYZ", b"XYZ \0\0\0\0" + fixed(.14307, .06061, .7141))]
+    tags += [(name, b"curv\0\0\0\0" + struct.pack(">IH", 1, 563)) for name in (b"rTRC", b"gTRC", b"bTRC")]
+    if tops:
+        levels = [round(65535 * top * (i / 255) ** exponent) for top in tops for i in range(256)]
+        tags.append((b"vcgt", b"vcgt\0\0\0\0" + struct.pack(">IHHH768H", 0, 3, 256, 2, *levels)))
+    table, data, start = struct.pack(">I", len(tags)), b"", 132 + 12 * len(tags)
+    for name, content in tags:
+        table += struct.pack(">4sII", name, start + len(data), len(content))
+        data += content + bytes(-len(content) % 4)
+    header = struct.pack(">I4sI4s4s4s12s4s28s12s", start + len(data), b"lcms", 0x02400000, b"mntr", b"RGB ", b"XYZ ",
+                         struct.pack(">6H", 2026, 1, 1, 0, 0, 0), b"acsp", b"", fixed(.9642, 1, .8249))
+    path.write_bytes(header.ljust(128, b"\0") + table + data)
+
+
+def colormgr(*arguments):
+    printed = subprocess.run(["colormgr", *arguments], capture_output=True, text=True)
+    found = [line.split(":", 1)[1].strip() for line in printed.stdout.splitlines() if line.startswith("Object Path")]
+    return found
+
+
+def assign(name):
+    profile = wait_for(lambda: colormgr("find-profile-by-filename", str(PROFILES / name)), 10)[0]
+    for device in colormgr("get-devices"):
+        colormgr("device-add-profile", device, profile)
+        colormgr("device-make-profile-default", device, profile)
+
+
+def differs(one, other):
+    """How far apart two states of the hardware are at most."""
+    if one.keys() != other.keys():
+        return 65535
+    return max(abs(a - b) for crtc in one for i in one[crtc] for a, b in zip(one[crtc][i], other[crtc].get(i, (-65536,) * 3)))
+
+
+def settled(start, own, seconds=3):
+    """Milliseconds from then until the hardware showed `own`, and stayed so; None when it does not."""
+    if not wait_for(lambda: differs(hardware.history[-1][1], own) <= 1, seconds):
+        return None
+    time.sleep(0.3)
+    if differs(hardware.history[-1][1], own) > 1:
+        return None
+    wrong = [entry[0] for entry in hardware.since(start) if differs(entry[1], own) > 1]
+    right = [entry[0] for entry in hardware.since(start) if differs(entry[1], own) <= 1 and (not wrong or entry[0] > wrong[-1])]
+    return 1000 * (right[0] - start) if right else 0.0
+
+
+def shown():
+    time.sleep(1)
+    return hardware.history[-1][1]
+
+
+def start():
+    return Application(WAYLAND_DISPLAY=display)
+
+
+def tint(kelvin):
+    set_temperature(kelvin)
+    row(f"shows {kelvin} K, levels off by", wait_for(lambda: hardware.shows(kelvin), 10) and
+        round(hardware.worst_error(kelvin), 2), "of 65535", 1)
+
+
+def ramp(kelvin):
+    asked = set_temperature(kelvin)
+    wait_for(lambda: hardware.shows(kelvin), 10)
+    time.sleep(0.5)
+    times = [moment for moment, _ in hardware.since(asked)]
+    row(f"set {kelvin} to first new table", 1000 * (times[0] - asked), "ms", 200)
+    row("tables of the ramp seen", len(times))
+    row("length of the ramp", times[-1] - times[0] + 1 / 30, "s", 2.1)
+
+
+def ends(what, hows):
+    """Each way to end gives back what was shown before."""
+    global application
+    own = shown()
+    for how in hows:
+        if application.process.poll() is not None:
+            application = start()
+        set_temperature(3400)
+        wait_for(lambda: hardware.shows(3400), 10)
+        time.sleep(0.3)
+        if how == "neutral":
+            asked = set_temperature(6500)
+            row(f"{what}: neutral, ramp included", settled(asked, own), "ms", 2600)
+            continue
+        ended = application.quit() if how == "quit" else application.end(how)
+        row(f"{what}: {getattr(how, 'name', how)} to restored", settled(ended, own), "ms", 500)
+    row(f"{what}: restored levels off by", differs(shown(), own), "of 65535", 1)
+
+
+PROFILES.mkdir(parents=True, exist_ok=True)
+write_profile(PROFILES / "curved.icc", (1, .95, .9), 1.2)
+write_profile(PROFILES / "plain.icc", None, 1)
+rules = pathlib.Path("/etc/polkit-1/rules.d/1.rules")
+rules.parent.mkdir(parents=True, exist_ok=True)
+rules.write_text("polkit.addRule(function() { return polkit.Result.YES; });")
+subprocess.run(["systemctl", "start", "polkit", "colord"])
+hardware = Hardware(2)
+session = Session("""export XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=GNOME LIBGL_ALWAYS_SOFTWARE=1 MUTTER_DEBUG=color
+exec mutter --wayland --no-x11
+""")
+display = session.wayland_display()
+time.sleep(5)
+hardware.start()
+wait_for(lambda: len(hardware.whites()) == 2, 20)
+subprocess.Popen(as_user("/usr/libexec/gsd-color"), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+time.sleep(3)
+version = subprocess.run(["mutter", "--version"], capture_output=True, text=True).stdout.splitlines()[0]
+print(f"\n{version}, {len(hardware.whites())} outputs\n\n| what | measured | reach |\n|---|---|---|", flush=True)
+
+application = start()
+tint(3400)
+ramp(4500)
+ramp(2700)
+before, wakeups = len(hardware.history), application.wakeups()
+time.sleep(10)
+row("tables changed in 10 s of idle tint", len(hardware.history) - before, "", 0)
+row("wake-ups a second meanwhile", (application.wakeups() - wakeups) / 10)
+set_temperature(6500)
+time.sleep(3)
+ends("plain", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL, signal.SIGKILL, signal.SIGKILL])
+
+application = start()
+tint(4500)
+asked = set_temperature(3000)
+time.sleep(0.4)
+plug(1, False)
+wait_for(lambda: len(hardware.whites()) == 1, 5)
+time.sleep(0.5)
+plugged = time.monotonic()
+plug(1, True)
+both = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged) if len(crtcs) == 2], 10)
+tinted = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged)
+                           if len(crtcs) == 2 and (65535, 65535, 65535) not in hardware.whites((0, crtcs))], 10)
+row("plugged again during a ramp: first picture to tinted", bool(both and tinted) and 1000 * (tinted[0] - both[0]), "ms", 250)
+row("both outputs show 3000 K", wait_for(lambda: len(hardware.whites()) == 2 and hardware.shows(3000), 10))
+time.sleep(3)
+plugged = time.monotonic()
+plug(1, False)
+wait_for(lambda: len(hardware.whites()) == 1, 5)
+time.sleep(1)
+plug(1, True)
+time.sleep(4)
+for moment, crtcs in hardware.since(plugged):
+    print(f"  {1000 * (moment - plugged):.0f} ms", hardware.whites((moment, crtcs)), flush=True)
+
+assign("curved.icc")
+time.sleep(4)
+row("profile assigned: shows 3000 K", hardware.shows(3000))
+for moment, crtcs in hardware.since(time.monotonic() - 5):
+    print(f"  {1000 * (moment - plugged):.0f} ms", hardware.whites((moment, crtcs)), flush=True)
+set_temperature(6500)
+time.sleep(3)
+own = shown()
+row("curve shown at neutral", all(abs(white[2] - .9 * 65535) < 2 for white in hardware.whites()))
+ends("calibrated", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL])
+
+night_light(4000)
+time.sleep(8)
+own = shown()
+row("Night Light alone: blue at white", hardware.whites()[0][2])
+application = start()
+ends("Night Light, calibrated", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL])
+application = start()
+tint(3000)
+time.sleep(1)
+changed = time.monotonic()
+night_light(3500)
+time.sleep(8)
+for moment, crtcs in hardware.since(changed):
+    print(f"  {1000 * (moment - changed):.0f} ms", hardware.whites((moment, crtcs)), flush=True)
+row("Night Light's own ramp: still shows 3000 K", hardware.shows(3000))
+night_light(0)
+time.sleep(8)
+row("Night Light off: still shows 3000 K", hardware.shows(3000))
+set_temperature(6500)
+time.sleep(4)
+row("then neutral: blue at white", hardware.whites()[0][2])
+application.end(signal.SIGKILL)
+
+delays = []
+own = shown()
+for _ in range(kills):
+    application = start()
+    set_temperature(random.choice((2000, 3400, 5000)))
+    time.sleep(random.uniform(0, 3.5))
+    delays.append(settled(application.end(signal.SIGKILL), own))
+if kills:
+    row(f"SIGKILL at {kills} random moments: restored", sum(delay is not None for delay in delays))
+    row("the slowest", max((delay for delay in delays if delay is not None), default=None), "ms", 500)
+session.stop()
