@@ -14,28 +14,26 @@ int keepReply(sd_bus_message *reply, void *context, sd_bus_error *)
 
 } // namespace
 
-std::vector<SdBusMessage> callTogether(sd_bus *bus, const std::vector<SdBusMessage> &calls, SdBusDeadline deadline)
+CallBatch::CallBatch(sd_bus *bus, const std::vector<SdBusMessage> &calls) : m_bus(bus), m_replies(calls.size())
 {
-    std::vector<SdBusMessage> replies(calls.size());
-    std::vector<SdBusSlot> slots;
     for (std::size_t i = 0; i < calls.size(); ++i) {
         sd_bus_slot *slot = nullptr;
-        if (calls[i] && sd_bus_call_async(bus, &slot, calls[i].get(), keepReply, &replies[i], 0) >= 0)
-            slots.emplace_back(slot);
+        if (calls[i] && sd_bus_call_async(bus, &slot, calls[i].get(), keepReply, &m_replies[i], 0) >= 0)
+            m_slots.emplace_back(slot);
     }
-    const auto isDone = [&] {
-        const auto count = std::ranges::count_if(replies, [](const auto &reply) { return reply != nullptr; });
-        return static_cast<std::size_t>(count) == slots.size();
-    };
-    processUntil(bus, deadline, isDone);
-    return replies;
 }
 
-bool enterProperty(sd_bus_message *reply, const char *type)
+const std::vector<SdBusMessage> &CallBatch::wait(SdBusDeadline deadline)
 {
-    return reply && sd_bus_message_is_method_error(reply, nullptr) == 0 &&
-           sd_bus_message_enter_container(reply, 'v', type) > 0;
+    const auto isDone = [this] {
+        const auto count = std::ranges::count_if(m_replies, [](const auto &reply) { return reply != nullptr; });
+        return static_cast<std::size_t>(count) == m_slots.size();
+    };
+    processUntil(m_bus, deadline, isDone);
+    return m_replies;
 }
+
+bool isError(const SdBusMessage &reply) { return reply && sd_bus_message_is_method_error(reply.get(), nullptr) != 0; }
 
 SdBusMessage getProperty(sd_bus *bus, const char *service, const char *path, const char *interface, const char *name)
 {
@@ -46,6 +44,11 @@ SdBusMessage getProperty(sd_bus *bus, const char *service, const char *path, con
         sd_bus_message_append(message, "ss", interface, name) < 0)
         return nullptr;
     return call;
+}
+
+bool enterProperty(const SdBusMessage &reply, const char *type)
+{
+    return reply && !isError(reply) && sd_bus_message_enter_container(reply.get(), 'v', type) > 0;
 }
 
 } // namespace ambertide

@@ -9,16 +9,22 @@
 
 namespace ambertide {
 
-/// What colord keeps for a display.
+/// What colord, on the system bus, keeps for a display.
 struct ColourProfile
 {
-    /// False where it is certain that there is no profile: mutter then shows plain tables, Night Light or not.
-    bool mayExist = true;
-    std::optional<GammaTables> calibration; ///< to be applied by tables
+    /// Without a profile mutter shows plain tables, Night Light or not.
+    enum class Knowledge { unknown, none, found };
+
+    Knowledge knowledge = Knowledge::unknown;
+    std::optional<GammaTables> calibration{}; ///< to be applied by tables
 };
 
-/// Asks colord, on the system bus, for the default profiles of the displays at these connectors. One answer for each
-/// of them, when the deadline is over at the latest.
-std::vector<ColourProfile> readColourProfiles(const std::vector<std::string> &connectors, SdBusDeadline deadline);
+/// Asks for the default profiles of the displays at these connectors: one answer for each of them, when the deadline is
+/// over at the latest. `systemBus` is null where there is none.
+std::vector<ColourProfile> readColourProfiles(sd_bus *systemBus, const std::vector<std::string> &connectors,
+                                              SdBusDeadline deadline);
+
+/// Calls `handler` when something about a display changes, its default profile for one.
+SdBusSlot watchColourProfiles(sd_bus *systemBus, sd_bus_message_handler_t handler, void *context);
 
 } // namespace ambertide

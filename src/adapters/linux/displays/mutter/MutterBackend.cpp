@@ -2,6 +2,7 @@
 
 #include "adapters/linux/bus/SdBusReader.h"
 #include "adapters/linux/displays/mutter/CallBatch.h"
+#include "adapters/linux/displays/mutter/ColourProfiles.h"
 #include "adapters/linux/displays/mutter/MutterRestore.h"
 #include "adapters/linux/displays/mutter/NightLight.h"
 #include "adapters/linux/displays/mutter/TintName.h"
@@ -24,10 +25,13 @@ constexpr auto patienceForBus = 300ms;
 constexpr auto betweenAttempts = 2s;
 /// When a socket is full.
 constexpr auto betweenFlushes = 10ms;
-/// Mutter writes its own tables once more when it has found a display's profile, and nothing tells when.
-constexpr std::array looksAfterChange{1000ms, 500ms, 250ms, 120ms};
+/// Mutter writes its own tables once more when it has read a display's profile, and nothing tells when.
+constexpr std::array looksAfterChange{1500ms, 1000ms, 750ms, 500ms, 300ms, 150ms, 50ms};
 /// Handled at one time, so that a flood holds nobody up.
 constexpr int mostMessages = 200;
+/// For a restore in all; where that is not enough it is tried again, or its guardian does it.
+constexpr auto longestRestore = 400ms;
+constexpr int mostRestores = 5;
 
 /// How long the machine has slept since it was started.
 std::chrono::nanoseconds timeAsleep()
@@ -38,6 +42,15 @@ std::chrono::nanoseconds timeAsleep()
         return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
     };
     return now(CLOCK_BOOTTIME) - now(CLOCK_MONOTONIC);
+}
+
+/// False when the connection has ended.
+bool handleMessages(sd_bus *bus)
+{
+    int handled = 1;
+    for (int i = 0; i < mostMessages && handled > 0; ++i)
+        handled = sd_bus_process(bus, nullptr);
+    return handled >= 0;
 }
 
 std::string signalRule(const std::string &sender, const std::string &path, const std::string &interface,
@@ -86,23 +99,30 @@ bool MutterBackend::write(std::span<const DisplayIdentifier> displays, const Gam
 
 void MutterBackend::restore()
 {
+    m_restoresLeft = mostRestores;
+    tryToRestore();
+}
+
+void MutterBackend::tryToRestore()
+{
     m_nextRestore.reset();
     if (!connect())
         return;
     m_looks.clear();
     m_crtcs->clear();
-    const auto deadline = Clock::now() + longestMutterRestore;
-    if (!waitUntilReady(m_bus.get(), deadline) || !restoreMutterDisplays(m_bus.get(), deadline)) {
-        if (m_isTinting)
-            m_nextRestore = Clock::now() + betweenAttempts;
-        return;
+    if (!m_systemBus)
+        connectToSystemBus();
+    const auto deadline = Clock::now() + longestRestore;
+    if (waitUntilReady(m_bus.get(), deadline) && restoreMutterDisplays(m_bus.get(), m_systemBus.get(), deadline)) {
+        m_guardian.dismiss();
+        if (std::exchange(m_isTinting, false))
+            tint_name::release(m_bus.get());
+    } else if (m_isTinting && --m_restoresLeft > 0) {
+        m_nextRestore = Clock::now() + betweenAttempts;
     }
-    m_guardian.dismiss();
-    if (std::exchange(m_isTinting, false))
-        tint_name::release(m_bus.get());
 }
 
-int MutterBackend::descriptor() const { return m_bus ? sd_bus_get_fd(m_bus.get()) : -1; }
+int MutterBackend::descriptor() const { return m_bus ? m_sources.descriptor() : -1; }
 
 std::optional<DisplayBackend::Clock::time_point> MutterBackend::due() const
 {
@@ -111,22 +131,25 @@ std::optional<DisplayBackend::Clock::time_point> MutterBackend::due() const
         soonest = m_looks.back();
     if (m_nextRestore)
         soonest = std::min(soonest, *m_nextRestore);
-    std::uint64_t microseconds = 0;
-    if (m_bus && sd_bus_get_timeout(m_bus.get(), &microseconds) > 0 && std::in_range<std::int64_t>(microseconds))
-        soonest = std::min(soonest, Clock::time_point(std::chrono::microseconds(microseconds)));
-    if (m_bus && (sd_bus_get_events(m_bus.get()) & POLLOUT) != 0)
-        soonest = std::min(soonest, Clock::now() + betweenFlushes);
+    for (auto *const bus : {m_bus.get(), m_systemBus.get()}) {
+        std::uint64_t microseconds = 0;
+        if (bus && sd_bus_get_timeout(bus, &microseconds) > 0 && std::in_range<std::int64_t>(microseconds))
+            soonest = std::min(soonest, Clock::time_point(std::chrono::microseconds(microseconds)));
+        if (bus && (sd_bus_get_events(bus) & POLLOUT) != 0)
+            soonest = std::min(soonest, Clock::now() + betweenFlushes);
+    }
     return soonest == Clock::time_point::max() ? std::nullopt : std::optional(soonest);
 }
 
 bool MutterBackend::process()
 {
     if (m_nextRestore && *m_nextRestore <= Clock::now())
-        restore();
-    int handled = m_bus ? 1 : 0;
-    for (int i = 0; i < mostMessages && handled > 0; ++i)
-        handled = sd_bus_process(m_bus.get(), nullptr);
-    if (handled < 0)
+        tryToRestore();
+    if (m_systemBus && !handleMessages(m_systemBus.get())) {
+        m_profileWatch.reset();
+        m_systemBus.reset();
+    }
+    if (m_bus && !handleMessages(m_bus.get()))
         disconnect();
     if (!m_bus)
         return false;
@@ -150,7 +173,9 @@ bool MutterBackend::connect()
     m_bus = openSdBus(SdBusKind::session);
     if (!m_bus)
         return false;
+    m_sources.add(sd_bus_get_fd(m_bus.get()));
     m_crtcs.emplace(m_bus.get());
+    connectToSystemBus();
 
     const auto changed = [](sd_bus_message *, void *context, sd_bus_error *) {
         static_cast<MutterBackend *>(context)->m_crtcs->reload();
@@ -173,11 +198,27 @@ bool MutterBackend::connect()
     return true;
 }
 
+void MutterBackend::connectToSystemBus()
+{
+    m_profileWatch.reset();
+    m_systemBus = openSdBus(SdBusKind::system);
+    if (!m_systemBus)
+        return;
+    m_sources.add(sd_bus_get_fd(m_systemBus.get()));
+    const auto changed = [](sd_bus_message *, void *context, sd_bus_error *) {
+        static_cast<MutterBackend *>(context)->noteChange();
+        return 0;
+    };
+    m_profileWatch = watchColourProfiles(m_systemBus.get(), changed, this);
+}
+
 /// What it was told is lost; the next write or restore connects anew.
 void MutterBackend::disconnect()
 {
+    m_profileWatch.reset();
     m_slots.clear();
     m_crtcs.reset();
+    m_systemBus.reset();
     m_bus.reset();
     m_isTinting = false;
     m_nextAttempt = Clock::now() + betweenAttempts;

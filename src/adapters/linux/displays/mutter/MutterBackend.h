@@ -1,6 +1,7 @@
 #pragma once
 
 #include "adapters/linux/displays/mutter/MutterCrtcs.h"
+#include "adapters/linux/displays/mutter/PollSet.h"
 #include "adapters/linux/displays/shared/DisplayBackend.h"
 #include "adapters/linux/displays/shared/GuardianProcess.h"
 #include "base/UserInfo.h"
@@ -38,7 +39,9 @@ public:
     bool process() override;
 
 private:
+    void tryToRestore();
     bool connect();
+    void connectToSystemBus();
     void disconnect();
     void watch(const std::string &rule, sd_bus_message_handler_t handler);
     void askForNightLight();
@@ -49,13 +52,17 @@ private:
     void noteWake();
 
     GuardianProcess m_guardian;
+    PollSet m_sources; ///< the two connections
     SdBusConnection m_bus;
+    SdBusConnection m_systemBus;        ///< null where there is none
     std::optional<MutterCrtcs> m_crtcs; ///< as long as there is a connection
     std::vector<SdBusSlot> m_slots;
+    SdBusSlot m_profileWatch;
     Clock::time_point m_nextAttempt{};              ///< at a connection
     std::optional<Clock::time_point> m_nextRestore; ///< after one that mutter did not confirm
     std::vector<Clock::time_point> m_looks;         ///< at the tables, without being asked; the soonest last
     std::chrono::nanoseconds m_timeAsleep;
+    int m_restoresLeft = 0;
     bool m_isTinting = false;
     bool m_isNightLightActive = false;
     bool m_isNightLightSaid = false;

@@ -11,11 +11,8 @@ namespace ambertide {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-/// Kept for the calls to mutter when others do not answer.
-constexpr auto reserve = 150ms;
-constexpr auto patienceForNightLight = 100ms;
+/// Of the time that there is, what is kept for the calls to mutter when others do not answer.
+constexpr auto share = 3;
 
 GammaTables tablesOf(const ColourProfile &profile, const std::array<double, 3> &whitePoint)
 {
@@ -23,7 +20,7 @@ GammaTables tablesOf(const ColourProfile &profile, const std::array<double, 3> &
     for (std::size_t i = 0; i < GammaTables::size; ++i)
         tables.red[i] = tables.green[i] = tables.blue[i] = static_cast<float>(i) / (GammaTables::size - 1);
     tables = profile.calibration.value_or(tables);
-    if (!profile.mayExist)
+    if (profile.knowledge == ColourProfile::Knowledge::none)
         return tables;
     std::size_t channel = 0;
     for (auto *const table : {&tables.red, &tables.green, &tables.blue}) {
@@ -36,30 +33,41 @@ GammaTables tablesOf(const ColourProfile &profile, const std::array<double, 3> &
 
 enum class Outcome { done, stale, failed };
 
-Outcome restoreOnce(sd_bus *bus, const std::array<double, 3> &whitePoint, SdBusDeadline deadline)
+Outcome restoreOnce(sd_bus *sessionBus, sd_bus *systemBus, SdBusDeadline deadline)
 {
-    const auto question = display_config::getResources(bus);
-    const auto answer = question ? callUntil(bus, question.get(), deadline) : nullptr;
-    const auto resources = display_config::readResources(answer.get());
+    using display_config::Gamma;
+    std::vector<SdBusMessage> calls;
+    calls.push_back(night_light::askForTemperature(sessionBus));
+    CallBatch temperature(sessionBus, calls);
+    calls[0] = display_config::getResources(sessionBus);
+    CallBatch question(sessionBus, calls);
+    const auto resources = display_config::readResources(question.wait(deadline)[0].get());
     if (!resources)
         return Outcome::failed;
 
+    calls.clear();
     std::vector<std::string> connectors;
-    std::vector<SdBusMessage> calls;
     for (const auto &crtc : resources->crtcs) {
         connectors.push_back(crtc.connector);
-        calls.push_back(display_config::getCrtcGamma(bus, resources->serial, crtc.identifier));
+        calls.push_back(display_config::getCrtcGamma(sessionBus, resources->serial, crtc.identifier));
     }
-    const auto gammas = callTogether(bus, calls, deadline);
-    const auto profiles = readColourProfiles(connectors, deadline - reserve);
+    CallBatch gammas(sessionBus, calls);
+    const auto now = std::chrono::steady_clock::now();
+    const auto latest = deadline - std::max(deadline - now, {}) / share;
+    const auto profiles = readColourProfiles(systemBus, connectors, latest);
+    const auto whitePoint = night_light::whitePoint(temperature.wait(latest)[0]);
+    const auto &present = gammas.wait(deadline);
 
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        const auto gamma = display_config::readGamma(gammas[i].get()).value_or(display_config::Gamma{});
-        calls[i] = display_config::setCrtcGamma(bus, resources->serial, resources->crtcs[i].identifier,
-                                                {tablesOf(profiles[i], whitePoint), display_config::tableSize(gamma)});
-    }
     auto outcome = Outcome::done;
-    for (const auto &reply : callTogether(bus, calls, deadline)) {
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        const GammaRamp ramp(tablesOf(profiles[i], whitePoint),
+                             display_config::tableSize(display_config::readGamma(present[i].get()).value_or(Gamma{})));
+        calls[i] = display_config::setCrtcGamma(sessionBus, resources->serial, resources->crtcs[i].identifier, ramp);
+        if (profiles[i].knowledge == ColourProfile::Knowledge::unknown)
+            outcome = Outcome::failed;
+    }
+    CallBatch writes(sessionBus, calls);
+    for (const auto &reply : writes.wait(deadline)) {
         if (reply && sd_bus_message_is_method_error(reply.get(), display_config::staleError) > 0)
             return Outcome::stale;
         if (!reply)
@@ -70,13 +78,11 @@ Outcome restoreOnce(sd_bus *bus, const std::array<double, 3> &whitePoint, SdBusD
 
 } // namespace
 
-bool restoreMutterDisplays(sd_bus *bus, SdBusDeadline deadline)
+bool restoreMutterDisplays(sd_bus *sessionBus, sd_bus *systemBus, SdBusDeadline deadline)
 {
-    const auto whitePoint =
-        night_light::whitePoint(bus, std::min(deadline, std::chrono::steady_clock::now() + patienceForNightLight));
-    auto outcome = restoreOnce(bus, whitePoint, deadline);
+    auto outcome = restoreOnce(sessionBus, systemBus, deadline);
     if (outcome == Outcome::stale)
-        outcome = restoreOnce(bus, whitePoint, deadline);
+        outcome = restoreOnce(sessionBus, systemBus, deadline);
     return outcome == Outcome::done;
 }
 

@@ -29,12 +29,12 @@ std::array<double, 3> blackBody(std::uint32_t temperature)
 
 } // namespace
 
-std::array<double, 3> whitePoint(sd_bus *bus, SdBusDeadline deadline)
+SdBusMessage askForTemperature(sd_bus *bus) { return getProperty(bus, service, path, interface, temperatureProperty); }
+
+std::array<double, 3> whitePoint(const SdBusMessage &reply)
 {
-    const auto call = getProperty(bus, service, path, interface, temperatureProperty);
-    const auto reply = call ? callUntil(bus, call.get(), deadline) : nullptr;
     std::uint32_t temperature = neutral;
-    if (!enterProperty(reply.get(), "u") || sd_bus_message_read_basic(reply.get(), 'u', &temperature) <= 0)
+    if (!enterProperty(reply, "u") || sd_bus_message_read_basic(reply.get(), 'u', &temperature) <= 0)
         return white;
     // Mutter takes no other ones.
     return temperature != neutral && temperature >= 1000 && temperature <= 10000 ? blackBody(temperature) : white;

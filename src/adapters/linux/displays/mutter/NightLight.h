@@ -13,7 +13,9 @@ constexpr char interface[] = "org.gnome.SettingsDaemon.Color";
 constexpr char activeProperty[] = "NightLightActive";
 constexpr char temperatureProperty[] = "Temperature"; ///< kelvin
 
-/// The factors, up to 1, for red, green and blue that mutter shows now; all 1 where there is no Night Light.
-std::array<double, 3> whitePoint(sd_bus *bus, SdBusDeadline deadline);
+/// Asks for the temperature that mutter shows now.
+SdBusMessage askForTemperature(sd_bus *bus);
+/// The factors, up to 1, for red, green and blue that it stands for; all 1 where the reply tells of none.
+std::array<double, 3> whitePoint(const SdBusMessage &reply);
 
 } // namespace ambertide::night_light

@@ -10,6 +10,9 @@ namespace {
 using namespace ambertide;
 using namespace std::chrono_literals;
 
+/// Takes a tenth of it, where all services answer. Nobody waits for this program, and a display that shows neither its
+/// calibration nor the tint would be worse.
+constexpr auto patience = 3s;
 constexpr auto betweenLooks = 3ms;
 constexpr auto patienceForClaim = 150ms;
 
@@ -37,12 +40,13 @@ int main(int argc, char **argv)
 {
     if (argc != 2)
         return EXIT_FAILURE;
-    const auto deadline = std::chrono::steady_clock::now() + longestMutterRestore;
-    const auto bus = openSdBus(SdBusKind::session);
-    if (!bus || !waitUntilReady(bus.get(), deadline))
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto sessionBus = openSdBus(SdBusKind::session);
+    const auto systemBus = openSdBus(SdBusKind::system);
+    if (!sessionBus || !waitUntilReady(sessionBus.get(), deadline))
         return EXIT_FAILURE;
     const auto claim = static_cast<GuardianMessage>(std::strtoul(argv[1], nullptr, 10));
-    if (!awaitEndOfClaim(bus.get(), claim, deadline))
+    if (!awaitEndOfClaim(sessionBus.get(), claim, deadline))
         return EXIT_SUCCESS;
-    return restoreMutterDisplays(bus.get(), deadline) ? EXIT_SUCCESS : EXIT_FAILURE;
+    return restoreMutterDisplays(sessionBus.get(), systemBus.get(), deadline) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
