@@ -64,10 +64,11 @@ def differs(one, other):
     """How far apart two states of the hardware are at most."""
     if one.keys() != other.keys():
         return 65535
-    return max(abs(a - b) for crtc in one for i in one[crtc] for a, b in zip(one[crtc][i], other[crtc].get(i, (-65536,) * 3)))
+    return float(max(abs(a - b) for crtc in one for i in one[crtc]
+                     for a, b in zip(one[crtc][i], other[crtc].get(i, (-65536,) * 3))))
 
 
-def settled(start, own, seconds=3):
+def settled(start, own, seconds=8):
     """Milliseconds from then until the hardware showed `own`, and stayed so; None when it does not."""
     if not wait_for(lambda: differs(hardware.history[-1][1], own) <= 1, seconds):
         return None
@@ -79,9 +80,21 @@ def settled(start, own, seconds=3):
     return 1000 * (right[0] - start) if right else 0.0
 
 
-def shown():
-    time.sleep(1)
+def shown(quiet=2.5):
+    """What the hardware shows once nothing has changed for some seconds."""
+    wait_for(lambda: time.monotonic() - hardware.history[-1][0] > quiet, 30)
     return hardware.history[-1][1]
+
+
+def longest_without(kelvin, start):
+    """Milliseconds for which the hardware has shown something else at a time."""
+    longest, since = 0.0, None
+    for entry in hardware.since(start):
+        if hardware.worst_error(kelvin, entry) > 1:
+            since = since or entry[0]
+        elif since:
+            longest, since = max(longest, entry[0] - since), None
+    return 1000 * longest
 
 
 def start():
@@ -152,7 +165,7 @@ time.sleep(10)
 row("tables changed in 10 s of idle tint", len(hardware.history) - before, "", 0)
 row("wake-ups a second meanwhile", (application.wakeups() - wakeups) / 10)
 set_temperature(6500)
-time.sleep(3)
+row("neutral again", wait_for(hardware.is_neutral, 10))
 ends("plain", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL, signal.SIGKILL, signal.SIGKILL])
 
 application = start()
@@ -169,48 +182,33 @@ tinted = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged)
                            if len(crtcs) == 2 and (65535, 65535, 65535) not in hardware.whites((0, crtcs))], 10)
 row("plugged again during a ramp: first picture to tinted", bool(both and tinted) and 1000 * (tinted[0] - both[0]), "ms", 250)
 row("both outputs show 3000 K", wait_for(lambda: len(hardware.whites()) == 2 and hardware.shows(3000), 10))
-time.sleep(3)
-plugged = time.monotonic()
-plug(1, False)
-wait_for(lambda: len(hardware.whites()) == 1, 5)
-time.sleep(1)
-plug(1, True)
-time.sleep(4)
-for moment, crtcs in hardware.since(plugged):
-    print(f"  {1000 * (moment - plugged):.0f} ms", hardware.whites((moment, crtcs)), flush=True)
-
+assigned = time.monotonic()
 assign("curved.icc")
-time.sleep(4)
+shown()
 row("profile assigned: shows 3000 K", hardware.shows(3000))
-for moment, crtcs in hardware.since(time.monotonic() - 5):
-    print(f"  {1000 * (moment - plugged):.0f} ms", hardware.whites((moment, crtcs)), flush=True)
+row("longest without it", longest_without(3000, assigned), "ms", 250)
 set_temperature(6500)
-time.sleep(3)
-own = shown()
-row("curve shown at neutral", all(abs(white[2] - .9 * 65535) < 2 for white in hardware.whites()))
+row("curve shown at neutral", wait_for(lambda: all(abs(white[2] - .9 * 65535) < 2 for white in hardware.whites()), 10))
 ends("calibrated", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL])
 
 night_light(4000)
-time.sleep(8)
-own = shown()
-row("Night Light alone: blue at white", hardware.whites()[0][2])
+time.sleep(3)
+row("Night Light alone: blue at white", shown(5) and hardware.whites()[0][2])
 application = start()
 ends("Night Light, calibrated", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL])
 application = start()
 tint(3000)
-time.sleep(1)
 changed = time.monotonic()
 night_light(3500)
 time.sleep(8)
-for moment, crtcs in hardware.since(changed):
-    print(f"  {1000 * (moment - changed):.0f} ms", hardware.whites((moment, crtcs)), flush=True)
 row("Night Light's own ramp: still shows 3000 K", hardware.shows(3000))
+row("tables of its own seen", sum(hardware.worst_error(3000, entry) > 1 for entry in hardware.since(changed)))
+row("longest without 3000 K", longest_without(3000, changed), "ms", 250)
 night_light(0)
 time.sleep(8)
 row("Night Light off: still shows 3000 K", hardware.shows(3000))
 set_temperature(6500)
-time.sleep(4)
-row("then neutral: blue at white", hardware.whites()[0][2])
+row("then neutral shows the curve", wait_for(lambda: all(abs(w[2] - .9 * 65535) < 2 for w in hardware.whites()), 10))
 application.end(signal.SIGKILL)
 
 delays = []
