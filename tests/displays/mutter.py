@@ -134,6 +134,7 @@ def ends(what, hows):
         ended = application.quit() if how == "quit" else application.end(how)
         row(f"{what}: {getattr(how, 'name', how)} to restored", settled(ended, own), "ms", 500)
     row(f"{what}: restored levels off by", differs(shown(), own), "of 65535", 1)
+    print(own, hardware.history[-1])
 
 
 PROFILES.mkdir(parents=True, exist_ok=True)
