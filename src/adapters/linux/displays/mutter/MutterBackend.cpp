@@ -31,7 +31,8 @@ constexpr std::array looksAfterChange{1500ms, 1000ms, 750ms, 500ms, 300ms, 150ms
 constexpr int mostMessages = 200;
 /// For a restore in all; where that is not enough it is tried again, or its guardian does it.
 constexpr auto longestRestore = 400ms;
-constexpr int mostRestores = 5;
+constexpr auto betweenRestores = 300ms;
+constexpr int mostRestores = 10;
 
 /// How long the machine has slept since it was started.
 std::chrono::nanoseconds timeAsleep()
@@ -118,7 +119,7 @@ void MutterBackend::tryToRestore()
         if (std::exchange(m_isTinting, false))
             tint_name::release(m_bus.get());
     } else if (m_isTinting && --m_restoresLeft > 0) {
-        m_nextRestore = Clock::now() + betweenAttempts;
+        m_nextRestore = Clock::now() + betweenRestores;
     }
 }
 
@@ -155,6 +156,9 @@ bool MutterBackend::process()
         return false;
     if (m_crtcs->takeReloaded())
         noteChange();
+    if (m_crtcs->isContested() && !std::exchange(m_isContestSaid, true))
+        console::print(
+            "Another program keeps changing the colours of the displays; Ambertide's come back every 2 seconds.");
     if (!m_looks.empty() && m_looks.back() <= Clock::now()) {
         m_looks.pop_back();
         m_mustWriteAgain = true;
@@ -284,6 +288,7 @@ void MutterBackend::sayNightLight()
 /// Displays have come, gone or been set up anew, by mutter's own tables.
 void MutterBackend::noteChange()
 {
+    m_crtcs->forgetShown();
     m_mustWriteAgain = true;
     m_looks.clear();
     if (!m_isTinting)

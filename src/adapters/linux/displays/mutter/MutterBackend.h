@@ -66,6 +66,7 @@ private:
     bool m_isTinting = false;
     bool m_isNightLightActive = false;
     bool m_isNightLightSaid = false;
+    bool m_isContestSaid = false;
     bool m_mustWriteAgain = false;
 };
 

@@ -32,6 +32,7 @@ void MutterCrtcs::forgetShown()
     for (auto &[identifier, crtc] : m_crtcs) {
         crtc.sent.reset();
         crtc.shown.reset();
+        crtc.foreignTables = 0;
     }
 }
 
@@ -142,8 +143,10 @@ void MutterCrtcs::takeGamma(Crtc &crtc, sd_bus_message *reply)
     crtc.mustBeLookedAt = false;
     if (!crtc.size)
         crtc.size = display_config::tableSize(*gamma);
-    if (crtc.shown && !display_config::isSame(*gamma, *crtc.shown))
+    if (crtc.shown && !display_config::isSame(*gamma, *crtc.shown)) {
         crtc.shown.reset();
+        m_isContested = m_isContested || ++crtc.foreignTables >= mostForeignTables;
+    }
     proceed(crtc);
 }
 

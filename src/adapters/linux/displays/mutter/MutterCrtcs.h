@@ -35,6 +35,8 @@ public:
     bool hasBeenRead() const { return m_serial.has_value(); }
     /// Those that show a picture.
     std::span<const DisplayIdentifier> active() const { return m_active; }
+    /// Another program has written its own tables again and again, pass after pass.
+    bool isContested() const { return m_isContested; }
     /// True once after each reload.
     bool takeReloaded() { return std::exchange(m_hasReloaded, false); }
 
@@ -47,9 +49,13 @@ private:
         std::optional<GammaTables> wanted{};
         std::optional<GammaRamp> sent{};  ///< by the call under way, unless it may have been overwritten already
         std::optional<GammaRamp> shown{}; ///< nothing where that is unknown
+        int foreignTables = 0;            ///< seen in a row
         bool mustBeLookedAt = false;
         SdBusSlot call{}; ///< under way
     };
+
+    /// Mutter itself writes late once or twice after a change.
+    static constexpr int mostForeignTables = 10;
 
     void read();
     void takeResources(sd_bus_message *reply);
@@ -69,6 +75,7 @@ private:
     bool m_mustTellReload = false;
     bool m_hasReloaded = false;
     int m_refusals = 0; ///< in a row, since the last show()
+    bool m_isContested = false;
 };
 
 } // namespace ambertide

@@ -127,6 +127,12 @@ private Q_SLOTS:
         QTRY_VERIFY((services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)));
         QCOMPARE(mutter.written.load(), 3);
 
+        for (int i = 0; i < 12; ++i) {
+            mutter.setBlue(1, 77);
+            QTRY_VERIFY((services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)));
+        }
+        QCOMPARE(m_console.lines.size(), 1U);
+
         mutter.makeSerialStale();
         services.setTransferTables(services.activeDisplays(), tint(0.25));
         QTRY_VERIFY(isTinted(mutter, 0.25));
