@@ -1,5 +1,5 @@
-"""mutter.py [part...]: the job for GNOME, with two outputs. Parts: plain, plugging, profiles, nights, kills; all but the
-last where none are named."""
+"""mutter.py [part...]: the job for GNOME, with two outputs. Parts: plain, plugging, profiles, nights, kills; all but
+the last where none are named."""
 import pathlib
 import random
 import signal
@@ -32,7 +32,8 @@ def write_profile(path, tops, exponent):
     def fixed(*values):
         return b"".join(struct.pack(">i", round(value * 65536)) for value in values)
     tags = [(b"desc", b"desc\0\0\0\0" + struct.pack(">I", 4) + b"lab\0" + bytes(78)), (b"cprt", b"text\0\0\0\0none\0"),
-            (b"wtpt", b"XYZ \0\0\0\0" + fixed(.95045, 1, 1.08905)), (b"rXYZ", b"XYZ \0\0\0\0" + fixed(.43607, .22249, .01392)),
+            (b"wtpt", b"XYZ \0\0\0\0" + fixed(.95045, 1, 1.08905)),
+            (b"rXYZ", b"XYZ \0\0\0\0" + fixed(.43607, .22249, .01392)),
             (b"gXYZ", b"XYZ \0\0\0\0" + fixed(.38515, .71687, .09708)),
             (b"bXYZ", b"XYZ \0\0\0\0" + fixed(.14307, .06061, .7141))]
     tags += [(name, b"curv\0\0\0\0" + struct.pack(">IH", 1, 563)) for name in (b"rTRC", b"gTRC", b"bTRC")]
@@ -79,6 +80,10 @@ def shown(quiet=2.5):
     return hardware.history[-1][1]
 
 
+def shows_curve():
+    return all(abs(white[2] - .9 * 65535) < 2 for white in hardware.whites())
+
+
 def longest_without(kelvin, start):
     """Milliseconds for which the hardware has shown something else at a time."""
     longest, since = 0.0, None
@@ -116,7 +121,8 @@ def ramp_from_neutral(kelvin):
     row("tables of a ramp from neutral that were seen", len(times))
     # The first is held for 0.2 s before the steps begin; the last comes a step before the end.
     row("length of its 60 steps", times[-1] - times[0] - 0.2 + bare / 60, "s")
-    row("the same, in times of 60 sleeps of a thirtieth of a second", (times[-1] - times[0] - 0.2) / bare * 60 / 59, "", 1.05)
+    row("the same, in times of 60 sleeps of a thirtieth of a second",
+        (times[-1] - times[0] - 0.2) / bare * 60 / 59, "", 1.05)
 
 
 def first_table(kelvin):
@@ -149,7 +155,6 @@ def ends(what, hows):
         ended = application.quit() if how == "quit" else application.end(how)
         row(f"{what}: {getattr(how, 'name', how)} to restored", settled(ended, own), "ms", 500)
     row(f"{what}: restored levels off by", differs(shown(), own), "of 65535", 1)
-    print(own, hardware.history[-1])
 
 
 PROFILES.mkdir(parents=True, exist_ok=True)
@@ -201,7 +206,8 @@ def plugging():
     both = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged) if len(crtcs) == 2], 10)
     tinted = wait_for(lambda: [moment for moment, crtcs in hardware.since(plugged)
                                if len(crtcs) == 2 and (65535, 65535, 65535) not in hardware.whites((0, crtcs))], 10)
-    row("plugged again during a ramp: first picture to tinted", bool(both and tinted) and 1000 * (tinted[0] - both[0]), "ms", 250)
+    row("plugged again during a ramp: first picture to tinted",
+        bool(both and tinted) and 1000 * (tinted[0] - both[0]), "ms", 250)
     row("both outputs show 3000 K", wait_for(lambda: len(hardware.whites()) == 2 and hardware.shows(3000), 10))
     application.quit()
 
@@ -215,7 +221,7 @@ def profiles():
     row("profile assigned: shows 3000 K", hardware.shows(3000))
     row("longest without it", longest_without(3000, assigned), "ms", 250)
     set_temperature(6500)
-    row("curve shown at neutral", wait_for(lambda: all(abs(white[2] - .9 * 65535) < 2 for white in hardware.whites()), 10))
+    row("curve shown at neutral", wait_for(shows_curve, 10))
     application.quit()
     ends("calibrated", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL])
 
@@ -238,7 +244,7 @@ def nights():
     time.sleep(8)
     row("Night Light off: still shows 3000 K", hardware.shows(3000))
     set_temperature(6500)
-    row("then neutral shows the curve", wait_for(lambda: all(abs(w[2] - .9 * 65535) < 2 for w in hardware.whites()), 10))
+    row("then neutral shows the curve", wait_for(shows_curve, 10))
     application.end(signal.SIGKILL)
 
 
