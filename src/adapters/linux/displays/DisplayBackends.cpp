@@ -1,6 +1,7 @@
 #include "adapters/linux/displays/DisplayBackends.h"
 
 #include "adapters/linux/displays/kwin/KWinBackend.h"
+#include "adapters/linux/displays/mutter/MutterBackend.h"
 #include "adapters/linux/displays/randr/RandrBackend.h"
 #include "adapters/linux/displays/wlroots/WlrootsBackend.h"
 
@@ -39,13 +40,6 @@ std::unique_ptr<DisplayBackend> createRandr(const DisplaySession &session)
     return std::make_unique<RandrBackend>(session.x11Display, session.guardian);
 }
 
-std::string kwinRefusal(const DisplaySession &) { return KWinBackend::refusal(); }
-
-std::unique_ptr<DisplayBackend> createKWin(const DisplaySession &session)
-{
-    return std::make_unique<KWinBackend>(session.guardian);
-}
-
 std::string wlrootsRefusal(const DisplaySession &session)
 {
     return session.waylandDisplay.empty() ? "WAYLAND_DISPLAY is not set"
@@ -57,9 +51,26 @@ std::unique_ptr<DisplayBackend> createWlroots(const DisplaySession &session)
     return std::make_unique<WlrootsBackend>(session.waylandDisplay, session.guardian);
 }
 
+std::string mutterRefusal(const DisplaySession &) { return MutterBackend::refusal(); }
+
+std::unique_ptr<DisplayBackend> createMutter(const DisplaySession &session)
+{
+    return std::make_unique<MutterBackend>(session.guardian);
+}
+
+std::string kwinRefusal(const DisplaySession &) { return KWinBackend::refusal(); }
+
+std::unique_ptr<DisplayBackend> createKWin(const DisplaySession &session)
+{
+    return std::make_unique<KWinBackend>(session.guardian);
+}
+
+/// In the order in which they are asked. The first serves sessions of X11 alone, so that GNOME and Plasma on X11 are
+/// tinted as every X server is.
 constexpr std::array kinds{
-    Kind{"wlroots", wlrootsRefusal, createWlroots},
     Kind{"randr", randrRefusal, createRandr},
+    Kind{"wlroots", wlrootsRefusal, createWlroots},
+    Kind{"mutter", mutterRefusal, createMutter},
     Kind{"kwin", kwinRefusal, createKWin},
 };
 
@@ -84,7 +95,7 @@ ChosenDisplayBackend chooseDisplayBackend(const DisplaySession &session, std::st
     else
         chosen.refusal =
             "Displays cannot be tinted here (" + reasons +
-            "). They can in sessions of X11, and of Wayland compositors with wlr-gamma-control, as Sway is.";
+            "). They can on X11, GNOME, Plasma, and Wayland compositors with wlr-gamma-control, such as Sway.";
     return chosen;
 }
 

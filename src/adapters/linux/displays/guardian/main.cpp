@@ -1,5 +1,6 @@
 #include "adapters/linux/displays/guardian/GuardianChannel.h"
 #include "adapters/linux/displays/guardian/KWinGuardian.h"
+#include "adapters/linux/displays/guardian/MutterGuardian.h"
 #include "adapters/linux/displays/guardian/RandrGuardian.h"
 #include "adapters/linux/displays/guardian/WlrootsGuardian.h"
 
@@ -35,6 +36,7 @@ constexpr std::array duties{
     Duty{"randr", guardRandr},
     Duty{"wlroots", guardWlroots},
     Duty{"kwin", guardKWin},
+    Duty{"mutter", guardMutter},
 };
 
 } // namespace

@@ -20,6 +20,8 @@ public:
     /// Every level comes out as it goes in. `size` is at least 2.
     static GammaRamp identity(std::uint16_t size);
 
+    bool operator==(const GammaRamp &) const = default;
+
     std::uint16_t size() const { return m_size; }
     /// Red, green and blue, one after the other.
     std::span<const std::uint16_t> levels() const { return m_levels; }

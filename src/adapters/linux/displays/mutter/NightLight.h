@@ -1,0 +1,21 @@
+#pragma once
+
+#include "adapters/linux/bus/SdBus.h"
+
+#include <array>
+
+/// GNOME's own evening tint, which its settings daemon times and mutter shows.
+namespace ambertide::night_light {
+
+constexpr char service[] = "org.gnome.SettingsDaemon.Color";
+constexpr char path[] = "/org/gnome/SettingsDaemon/Color";
+constexpr char interface[] = "org.gnome.SettingsDaemon.Color";
+constexpr char activeProperty[] = "NightLightActive";
+constexpr char temperatureProperty[] = "Temperature"; ///< kelvin
+
+/// Asks for the temperature that mutter shows now.
+SdBusMessage askForTemperature(sd_bus *bus);
+/// The factors, up to 1, for red, green and blue that it stands for; all 1 where the reply tells of none.
+std::array<double, 3> whitePoint(const SdBusMessage &reply);
+
+} // namespace ambertide::night_light

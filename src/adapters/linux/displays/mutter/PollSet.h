@@ -1,0 +1,22 @@
+#pragma once
+
+namespace ambertide {
+
+/// One descriptor that is readable while any of several is.
+class PollSet
+{
+public:
+    PollSet();
+    ~PollSet();
+    PollSet(const PollSet &) = delete;
+    PollSet &operator=(const PollSet &) = delete;
+
+    /// Until it is closed, by its owner.
+    void add(int descriptor) const;
+    int descriptor() const { return m_descriptor; }
+
+private:
+    const int m_descriptor;
+};
+
+} // namespace ambertide

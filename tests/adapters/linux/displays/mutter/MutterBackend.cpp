@@ -1,0 +1,276 @@
+#include "adapters/linux/displays/mutter/MutterBackend.h"
+
+#include "FakeMutter.h"
+#include "adapters/linux/displays/shared/BackendDisplayServices.h"
+#include "support/CapturedConsole.h"
+#include "support/ChildProcess.h"
+#include "support/PrivateBus.h"
+
+#include <QTest>
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+
+#include <cmath>
+#include <csignal>
+#include <iostream>
+
+using namespace ambertide;
+using Habit = FakeMutter::Habit;
+
+namespace {
+
+GammaTables tint(float blue)
+{
+    GammaTables tables;
+    for (std::size_t i = 0; i < GammaTables::size; ++i) {
+        tables.red[i] = tables.green[i] = static_cast<float>(i) / 255;
+        tables.blue[i] = blue * tables.red[i];
+    }
+    return tables;
+}
+
+/// Straight lines up to the given levels.
+bool shows(const FakeMutter::Tables &tables, std::array<double, 3> tops)
+{
+    for (std::size_t channel = 0; channel < 3; ++channel) {
+        const auto &levels = tables[channel];
+        for (std::size_t i = 0; i < levels.size(); ++i) {
+            const double expected =
+                65535 * tops[channel] * static_cast<double>(i) / static_cast<double>(levels.size() - 1);
+            if (std::abs(levels[i] - expected) > 1)
+                return false;
+        }
+    }
+    return true;
+}
+
+bool isTinted(const FakeMutter &mutter, double blue, std::size_t crtcs = 2)
+{
+    for (std::size_t crtc = 0; crtc < crtcs; ++crtc) {
+        if (!shows(mutter.tables(crtc), {1, 1, blue}))
+            return false;
+    }
+    return true;
+}
+
+BackendDisplayServices makeServices()
+{
+    return BackendDisplayServices(
+        [] { return std::make_unique<MutterBackend>(AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian"); });
+}
+
+/// A copy of the application: shows each level of blue that it reads, and at 1 restores the displays.
+int runCopy()
+{
+    auto services = makeServices();
+    services.restoreSystemColours(); // and it has connected
+    for (float level = 0; std::cin >> level; std::cout << level << std::endl) {
+        if (level < 1)
+            services.setTransferTables(services.activeDisplays(), tint(level));
+        else
+            services.restoreSystemColours();
+    }
+    return 0;
+}
+
+/// Of a guardian whose application has ended.
+bool hasEnded(pid_t guardian)
+{
+    return QTest::qWaitFor([guardian] { return waitpid(guardian, nullptr, WNOHANG) == guardian; });
+}
+
+class Copy : public QProcess
+{
+public:
+    Copy() { start(QCoreApplication::applicationFilePath(), {QStringLiteral("tint")}); }
+    void show(const QByteArray &level)
+    {
+        write(level + '\n');
+        while (state() != NotRunning && !canReadLine())
+            waitForReadyRead(100);
+        readAll();
+    }
+};
+
+} // namespace
+
+class MutterBackendTest : public QObject
+{
+    Q_OBJECT
+
+    PrivateBus m_session;
+    PrivateBus m_system{"DBUS_SYSTEM_BUS_ADDRESS"};
+    CapturedConsole m_console;
+
+private Q_SLOTS:
+    void init() { m_console.lines.clear(); }
+
+    void aSessionWithoutMutterIsRefused()
+    {
+        QVERIFY(!MutterBackend::refusal().empty());
+        const FakeMutter mutter({256});
+        QCOMPARE(MutterBackend::refusal(), std::string());
+    }
+
+    void displaysAreTintedInTheirSizesKeptUpAndRestored()
+    {
+        FakeMutter mutter({256, 1024, 256});
+        auto services = makeServices();
+        QTRY_COMPARE(services.activeDisplays().size(), 2U); // the third one shows no picture
+        for (int pass = 0; pass < 20; ++pass) {
+            services.setTransferTables(services.activeDisplays(), tint(0.5));
+            QTRY_VERIFY(isTinted(mutter, 0.5));
+        }
+        QCOMPARE(mutter.written.load(), 2);
+        mutter.setBlue(1, 77); // and no signal tells of it
+        QTRY_VERIFY((services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)));
+        QCOMPARE(mutter.written.load(), 3);
+
+        for (int i = 0; i < 12; ++i) {
+            mutter.setBlue(1, 77);
+            QTRY_VERIFY((services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)));
+        }
+        QCOMPARE(m_console.lines.size(), 1U);
+
+        mutter.makeSerialStale();
+        services.setTransferTables(services.activeDisplays(), tint(0.25));
+        QTRY_VERIFY(isTinted(mutter, 0.25));
+        services.restoreSystemColours();
+        QVERIFY(isTinted(mutter, 1, 3));
+        QCOMPARE(mutter.malformed.load(), 0);
+    }
+
+    void whatMutterWritesOverATintIsRepairedAtOnceAndWithoutATintLeftAlone()
+    {
+        FakeMutter mutter({256, 256});
+        auto services = makeServices();
+        services.setTransferTables(services.activeDisplays(), tint(0.5));
+        QTRY_VERIFY(isTinted(mutter, 0.5));
+        mutter.changeMonitors();
+        QTRY_VERIFY(isTinted(mutter, 0.5));
+        for (const std::uint32_t temperature : {4000U, 3900U, 6500U, 4000U}) {
+            mutter.setNightLight(temperature != 6500, temperature);
+            QTRY_VERIFY(isTinted(mutter, 0.5));
+        }
+        QCOMPARE(m_console.lines.size(), 2U); // each time that Night Light has come on
+
+        // Without colord mutter shows no Night Light.
+        services.restoreSystemColours();
+        QVERIFY(isTinted(mutter, 1));
+        const int written = mutter.written;
+        mutter.setNightLight(true, 3000);
+        mutter.changeMonitors();
+        mutter.makeSerialStale();
+        services.restoreSystemColours();
+        QCOMPARE(mutter.written.load(), written + 2);
+        QCOMPARE(mutter.malformed.load(), 0);
+    }
+
+    void aMutterThatMisbehavesIsOutlivedAndAskedNoFaster_data()
+    {
+        QTest::addColumn<Habit>("habit");
+        QTest::newRow("silent") << Habit::silent;
+        QTest::newRow("refusing") << Habit::refusing;
+        QTest::newRow("replies of other types") << Habit::wrongTypes;
+        QTest::newRow("thousands of CRTCs") << Habit::thousandsOfCrtcs;
+        QTest::newRow("huge tables") << Habit::hugeTables;
+        QTest::newRow("no tables") << Habit::noTables;
+    }
+    void aMutterThatMisbehavesIsOutlivedAndAskedNoFaster()
+    {
+        QFETCH(const Habit, habit);
+        FakeMutter mutter({256, 256});
+        auto services = makeServices();
+        QTRY_COMPARE(services.activeDisplays().size(), 2U);
+        mutter.habit = habit;
+        mutter.changeMonitors();
+        const int before = mutter.calls;
+        constexpr int writes = 300;
+        for (int i = 0; i < writes; ++i)
+            services.setTransferTables(std::array<DisplayIdentifier, 3>{0, 1, 999}, tint(static_cast<float>(i) / 1000));
+        services.restoreSystemColours();
+        mutter.habit = Habit::regular;
+        // A write has at most two refused attempts, of three calls each.
+        QTest::qWait(50);
+        QVERIFY2(mutter.calls - before <= 6 * writes, qPrintable(QString::number(mutter.calls - before)));
+        mutter.changeMonitors();
+        QTRY_VERIFY((services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)));
+        QCOMPARE(mutter.malformed.load(), 0);
+    }
+
+    void onlyTheNewestTintIsKeptForASlowMutter()
+    {
+        FakeMutter mutter({256});
+        auto services = makeServices();
+        services.setTransferTables(services.activeDisplays(), tint(0.5));
+        QTRY_VERIFY(isTinted(mutter, 0.5, 1));
+        mutter.habit = Habit::silent;
+        for (int i = 1; i <= 100; ++i)
+            services.setTransferTables(services.activeDisplays(), tint(static_cast<float>(i) / 200));
+        const int before = mutter.calls;
+        services.setTransferTables(services.activeDisplays(), tint(0.25));
+        mutter.habit = Habit::regular;
+        QTRY_VERIFY(isTinted(mutter, 0.25, 1));
+        QVERIFY(mutter.calls - before <= 4);
+    }
+
+    void aBusThatComesBackIsUsedAgain()
+    {
+        auto mutter = std::make_unique<FakeMutter>(std::vector<std::size_t>{256});
+        auto services = makeServices();
+        services.setTransferTables(services.activeDisplays(), tint(0.5));
+        QTRY_VERIFY(isTinted(*mutter, 0.5, 1));
+        m_session.stop();
+        mutter.reset();
+        services.restoreSystemColours();
+        m_session.start();
+        mutter = std::make_unique<FakeMutter>(std::vector<std::size_t>{256});
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (services.setTransferTables(services.activeDisplays(), tint(0.25)), isTinted(*mutter, 0.25, 1)), 10'000);
+    }
+
+    void displaysAreGivenBackWhateverEndsTheApplicationUnlessAnotherCopyTints()
+    {
+        FakeMutter mutter({256, 256});
+        for (const int signal : {0, SIGKILL, SIGTERM}) {
+            Copy copy;
+            QTRY_VERIFY((copy.show("0.5"), isTinted(mutter, 0.5)));
+            if (signal == 0)
+                copy.closeWriteChannel(); // and it returns from main
+            else
+                kill(static_cast<pid_t>(copy.processId()), signal);
+            copy.waitForFinished();
+            QTRY_VERIFY(isTinted(mutter, 1));
+        }
+        Copy old;
+        QTRY_VERIFY((old.show("0.5"), isTinted(mutter, 0.5)));
+        const auto guardian = childOf(static_cast<pid_t>(old.processId()), "AmbertideGuardian");
+        QVERIFY(guardian > 0);
+        Copy young;
+        QTRY_VERIFY((young.show("0.25"), isTinted(mutter, 0.25)));
+        old.kill();
+        old.waitForFinished();
+        QVERIFY(hasEnded(guardian));
+        QVERIFY(isTinted(mutter, 0.25));
+        young.show("1");
+        mutter.setBlue(0, 77);
+        const auto youngGuardian = childOf(static_cast<pid_t>(young.processId()), "AmbertideGuardian");
+        young.kill();
+        young.waitForFinished();
+        QVERIFY(hasEnded(youngGuardian));
+        QCOMPARE(mutter.tables(0)[2][5], 77); // what was given back is left alone
+        QCOMPARE(mutter.malformed.load(), 0);
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    if (argc == 2 && qstrcmp(argv[1], "tint") == 0)
+        return runCopy();
+    const QCoreApplication application(argc, argv);
+    prctl(PR_SET_CHILD_SUBREAPER, 1); // orphaned guardians become children of this test
+    MutterBackendTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "MutterBackend.moc"
