@@ -28,7 +28,6 @@ public:
     const std::uint16_t *red() const { return m_levels.data(); }
     const std::uint16_t *green() const { return m_levels.data() + m_size; }
     const std::uint16_t *blue() const { return m_levels.data() + 2 * std::size_t{m_size}; }
-    friend bool operator==(const GammaRamp &, const GammaRamp &) = default;
 
 private:
     explicit GammaRamp(std::uint16_t size) : m_size(size), m_levels(3 * std::size_t{size}) {}
