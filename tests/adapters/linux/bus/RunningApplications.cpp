@@ -11,14 +11,14 @@ using namespace ambertide;
 
 namespace {
 
-constexpr char identifier[] = "me.tovanu.Ambertide";
+constexpr char busName[] = "me.tovanu.Ambertide";
 
 struct Copy
 {
     DBusSession session{SdBusKind::session};
     DBusRunningApplications applications{session};
 
-    std::size_t found() { return applications.withIdentifier(identifier).size(); }
+    std::size_t found() { return applications.withIdentifier(busName).size(); }
 };
 
 } // namespace
@@ -51,17 +51,18 @@ private Q_SLOTS:
     {
         Copy first;
         std::vector<std::string> events;
-        DBusApplicationObject object(first.session, [&](const auto &token) { events.push_back("activate " + token); });
+        DBusApplicationObject object(
+            first.session, [&](const auto &token) { events.push_back("activate " + token); }, [](ColorTemperature) {});
         object.setAction("settings", [&](const auto &token) { events.push_back("settings " + token); });
         QCOMPARE(first.found(), 1U);
 
         Copy second;
-        const auto found = second.applications.withIdentifier(identifier);
+        const auto found = second.applications.withIdentifier(busName);
         qputenv("XDG_ACTIVATION_TOKEN", "token");
         second.applications.activate(found.back());
         qunsetenv("XDG_ACTIVATION_TOKEN");
         for (const char *action : {"settings", "unknown"})
-            sd_bus_call_method_async(second.session.bus(), nullptr, identifier, "/me/tovanu/Ambertide",
+            sd_bus_call_method_async(second.session.bus(), nullptr, busName, "/me/tovanu/Ambertide",
                                      "org.freedesktop.Application", "ActivateAction", nullptr, nullptr, "sava{sv}",
                                      action, 1, "s", "ignored", 1, "desktop-startup-id", "s", "old token");
         second.applications.activate(found.back());
