@@ -6,7 +6,8 @@
 
 namespace ambertide {
 
-/// Port: tells when the machine has woken from sleep. Main thread. Silent on systems that cannot tell.
+/// Port: tells when the machine has woken from sleep, and once more a second and three seconds later, since some
+/// displays come up after the machine. Main thread. Silent on systems that cannot tell.
 class SystemWake
 {
 public:

@@ -4,6 +4,10 @@
 #include "base/Observers.h"
 #include "ports/SystemWake.h"
 
+#include <QTimer>
+
+#include <array>
+
 namespace ambertide {
 
 /// Wake-ups as systemd-logind and its replacements announce them on the system bus.
@@ -18,7 +22,10 @@ public:
     Observation observe(std::function<void()> handler) override;
 
 private:
+    void tell();
+
     Observers<> m_observers;
+    std::array<QTimer, 2> m_later;
     Observation m_match;
 };
 
