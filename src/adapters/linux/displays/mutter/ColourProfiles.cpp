@@ -109,10 +109,10 @@ std::vector<ColourProfile> readColourProfiles(sd_bus *systemBus, const std::vect
 
 SdBusSlot watchColourProfiles(sd_bus *systemBus, sd_bus_message_handler_t handler, void *context)
 {
-    return addMatch(systemBus,
-                    "type='signal',sender='" + std::string(service) + "',path='" + path + "',interface='" + service +
-                        "',member='DeviceChanged'",
-                    handler, context);
+    return addMatch(
+        systemBus,
+        signalRule({{"sender", service}, {"path", path}, {"interface", service}, {"member", "DeviceChanged"}}), handler,
+        context);
 }
 
 } // namespace ambertide

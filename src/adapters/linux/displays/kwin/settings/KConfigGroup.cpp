@@ -40,7 +40,8 @@ bool isLineOf(std::string_view line, std::string_view key)
 
 } // namespace
 
-KConfigGroup::KConfigGroup(std::string_view text, std::string_view name) : m_header("[" + std::string(name) + "]")
+KConfigGroup::KConfigGroup(std::string_view text, std::string_view name)
+    : m_header(std::string{'['}.append(name).append("]"))
 {
     for (std::size_t end = 0; end != std::string_view::npos; text.remove_prefix(std::min(end + 1, text.size()))) {
         end = text.find('\n');
