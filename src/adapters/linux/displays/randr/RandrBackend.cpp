@@ -37,7 +37,8 @@ bool RandrBackend::write(std::span<const DisplayIdentifier> displays, const Gamm
         m_server->setGamma(crtc->identifier, *ramp);
     }
     m_server->flush();
-    return wait == Wait::Allowed || !m_server->hasChanges();
+    m_hasChanges = m_server->hasChanges();
+    return wait == Wait::Allowed || !m_hasChanges;
 }
 
 void RandrBackend::restore()
@@ -49,6 +50,7 @@ void RandrBackend::restore()
     if (m_server->synchronise())
         m_guardian.dismiss();
     readDisplays();
+    m_hasChanges = m_server->hasChanges();
 }
 
 int RandrBackend::descriptor() const
@@ -58,10 +60,17 @@ int RandrBackend::descriptor() const
 
 bool RandrBackend::process()
 {
+    m_hasChanges = false;
     if (m_server->state() != State::usable || !m_server->takeEvents())
         return false;
     readDisplays();
+    m_hasChanges = m_server->hasChanges();
     return true;
+}
+
+std::optional<DisplayBackend::Clock::time_point> RandrBackend::due() const
+{
+    return m_hasChanges ? std::optional(Clock::time_point()) : std::nullopt;
 }
 
 void RandrBackend::readDisplays()

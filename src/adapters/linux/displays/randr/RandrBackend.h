@@ -28,6 +28,7 @@ public:
     bool write(std::span<const DisplayIdentifier> displays, const GammaTables &tables, Wait wait) override;
     void restore() override;
     int descriptor() const override;
+    std::optional<Clock::time_point> due() const override;
     bool process() override;
 
 private:
@@ -42,6 +43,7 @@ private:
     std::optional<TintClaim> m_claim; ///< while this connection tints
     xcb_atom_t m_selection = XCB_NONE;
     std::vector<DisplayIdentifier> m_displays;
+    bool m_hasChanges = false; ///< received with an answer that was waited for, so that the descriptor does not tell
     RandrConnection::State m_reported = RandrConnection::State::usable;
 };
 
