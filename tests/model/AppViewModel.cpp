@@ -5,7 +5,6 @@
 #include <QTest>
 
 #include <cmath>
-#include <limits>
 
 using namespace ambertide;
 using namespace std::chrono_literals;
@@ -53,16 +52,6 @@ private Q_SLOTS:
         bench.start();
         QVERIFY(bench.userDefaults.values.at("Ambertide.Temperature") ==
                 decltype(bench.userDefaults.values)::mapped_type(6500.0));
-    }
-
-    void assignmentsAreRoundedAndStored()
-    {
-        Bench bench(5000);
-        for (const double assigned : {4250.0, std::nan(""), -std::numeric_limits<double>::infinity()}) {
-            bench.model->setTemperature(assigned); // the last two are ignored
-            QCOMPARE(bench.model->temperature(), 4300.0);
-            QCOMPARE(bench.stored(), 4300.0);
-        }
     }
 
     void aDragReachesTheDisplaysOnceWithItsLastValue()
