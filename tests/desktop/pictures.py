@@ -14,14 +14,11 @@ import uuid
 import screen_reader
 from desktop import Desktop, wait_until
 
-HERE = pathlib.Path(__file__).resolve().parent
 FONTS = """<fontconfig><dir>/usr/share/fonts/opentype/inter</dir><cachedir>{0}</cachedir>
 <alias><family>Sans Serif</family><prefer><family>Inter</family></prefer></alias>
 <match target="font"><edit name="hintstyle" mode="assign"><const>hintnone</const></edit></match></fontconfig>"""
 DESKTOP = {"light": "#dfe4ec", "dark": "#16171b"}
-WITHOUT_TOOL = "mount -t tmpfs none /usr/local/bin && exec \"$@\""
-WITH_TOOL = "mount -t tmpfs none /usr/local/bin && ln -s / /usr/local/bin/ambertide && exec \"$@\""
-SCHEDULE = [(7, 0, 6500, True), (13, 0, 4300, False), (21, 0, 3400, True), (23, 30, 2700, True)]
+SCHEDULE = [(7, 6500, True), (13, 4300, False), (21, 3400, True), (23.5, 2700, True)]
 MARGIN = 24
 
 build, folder, scale, theme = sys.argv[1], pathlib.Path(sys.argv[2]), int(sys.argv[3]), sys.argv[4]
@@ -49,29 +46,27 @@ def take(name, window=None):
     subprocess.run(["optipng", "-quiet", "-strip", "all", str(file)], check=True)
 
 
-def start(tool):
-    desktop.start_application("unshare", "--mount", "--map-root-user", "sh", "-c", tool, "sh",
+def start(tool=":"):
+    """The folder of the command-line tool is empty, but for what that command puts there."""
+    desktop.start_application("unshare", "--mount", "--map-root-user", "sh", "-c",
+                              f'mount -t tmpfs none /usr/local/bin && {tool} && exec "$@"', "sh",
                               **desktop.clock("2026-06-15 21:30:00"))
     desktop.wait_for_icon()
 
 
-def end():
-    desktop.application.terminate()
-    desktop.application.wait(20)
-
-
-def show_settings(tab, label):
+def take_settings(name, tab, label):
     desktop.show_settings()
     screen_reader.act("page tab", tab)
     screen_reader.element("label", label)
-    desktop.move(10, 700 * scale)
+    desktop.xdotool("mousemove", 10, 700 * scale)
+    take(name, "Ambertide Settings")
 
 
 def store_schedule():
-    entries = [{"id": str(uuid.uuid4()).upper(), "time": (hour * 60 + minute) * 60, "temperature": kelvin,
-                "isEnabled": enabled} for hour, minute, kelvin, enabled in SCHEDULE]
+    entries = [{"id": str(uuid.uuid4()).upper(), "time": hour * 3600, "temperature": kelvin, "isEnabled": enabled}
+               for hour, kelvin, enabled in SCHEDULE]
     text = json.dumps(entries).replace('"', '\\"')
-    (desktop.home / "config/ambertide/defaults.ini").write_text(
+    (desktop.home / ".config/ambertide/defaults.ini").write_text(
         f'[General]\nAmbertide.ScheduleEnabled=true\nAmbertide.ScheduleEntries="@ByteArray({text})"\n')
 
 
@@ -81,27 +76,23 @@ with Desktop(build, scale=scale, gtk_theme={"light": "Adwaita", "dark": "Adwaita
     fonts.write_text(FONTS.format(desktop.home))
     os.environ["FONTCONFIG_FILE"] = str(fonts)
     if theme == "dark":
-        desktop.start("/usr/bin/python3", str(HERE / "portal.py"))
-        wait_until(lambda: subprocess.run(["busctl", "--user", "status", "org.freedesktop.portal.Desktop"],
-                                          capture_output=True).returncode == 0, "there is no portal")
-    start(WITHOUT_TOOL)
-    show_settings("General", "Command Line Tool")
-    take("general", "Ambertide Settings")
-    show_settings("Schedule", "No schedule entries. Add one to get started.")
-    take("schedule-empty", "Ambertide Settings")
-    end()
+        desktop.start("/usr/bin/python3", str(pathlib.Path(__file__).with_name("portal.py")))
+    start()
+    take_settings("general", "General", "Command Line Tool")
+    take_settings("schedule-empty", "Schedule", "No schedule entries. Add one to get started.")
+    desktop.application.terminate()
+    desktop.application.wait(20)
     store_schedule()
-    start(WITH_TOOL)
+    start("ln -s / /usr/local/bin/ambertide")
     desktop.open_panel()
     take("panel")
     desktop.key("Escape")
-    show_settings("General", "Command Line Tool")
-    take("general-installed", "Ambertide Settings")
-    show_settings("Schedule", "11:30 PM")
-    take("schedule", "Ambertide Settings")
+    take_settings("general-installed", "General", "Command Line Tool")
+    take_settings("schedule", "Schedule", "11:30 PM")
     screen_reader.act("push button", "Edit 9:00 PM")
     screen_reader.element("push button", "Save")
     take("editor", "Ambertide Settings")
-    end()
+    desktop.application.terminate()
+    desktop.application.wait(20)
     desktop.start(str(desktop.build / "tools/show-update"))
     take("update", "Software Update")

@@ -74,10 +74,6 @@ def focused():
     return (with_focus[-1].get_role_name(), with_focus[-1].get_name()) if with_focus else None
 
 
-def value(role, name):
-    return Atspi.Value.get_current_value(element(role, name))
-
-
 def set_value(role, name, number):
     Atspi.Value.set_current_value(element(role, name), number)
 

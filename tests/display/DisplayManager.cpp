@@ -1,5 +1,6 @@
 #include "display/DisplayManager.h"
 
+#include "adapters/qt/ThreadTaskExecutor.h"
 #include "support/FakeDisplayServices.h"
 #include "support/FakeSystemWake.h"
 #include "support/FakeTaskExecutor.h"
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <thread>
 #include <vector>
 
 using namespace ambertide;
@@ -32,6 +34,21 @@ double temperatureOf(const FakeDisplayServices::Write &write)
     }
     return std::round(low * 10) / 10;
 }
+
+/// The real executor with a second shrunk to a millisecond.
+struct HastyExecutor final : TaskExecutor
+{
+    ThreadTaskExecutor threads;
+
+    void resume(Continuation continuation) override { threads.resume(std::move(continuation)); }
+    void resumeAfter(std::chrono::nanoseconds delay, Continuation continuation) override
+    {
+        threads.resumeAfter(delay / 1000, std::move(continuation));
+    }
+    void resumeOnMain(Continuation continuation) override { threads.resumeOnMain(std::move(continuation)); }
+    void wakeCancelled(const TaskState &task) override { threads.wakeCancelled(task); }
+    void blockThread(std::chrono::nanoseconds duration) override { threads.blockThread(duration / 1000); }
+};
 
 } // namespace
 
@@ -169,6 +186,52 @@ private Q_SLOTS:
         QCOMPARE(manager->temperature(), 6500.0);
         QCOMPARE(executor->sleeperCount(), std::size_t(1)); // the periodic pass, once
         QVERIFY(rampsFrom(last, 6500));                     // no ramp is running that would have it dropped
+    }
+
+    /// Requests, resets and wakes from several threads at once; the thread sanitizer watches, and the last word counts.
+    void concurrentRequestsEndInTheLastOne()
+    {
+        {
+            HastyExecutor hasty;
+            manager = DisplayManager::create(displays, hasty, wake);
+            std::vector<std::jthread> callers;
+            for (int caller = 0; caller < 4; ++caller) {
+                callers.emplace_back([this, caller] {
+                    for (int i = 0; i < 200; ++i) {
+                        manager->setTemperature(2000 + 260 * ((i * 7 + caller) % 18));
+                        if (i % 5 == caller)
+                            manager->reset();
+                        manager->reapplyCurrentTemperature();
+                    }
+                });
+            }
+            callers.clear();
+            manager->setTemperature(2130); // 100 K away from whatever was committed: never dropped
+            QTRY_COMPARE(manager->temperature(), 2130.0);
+            QVERIFY(hasty.threads.waitUntilIdle(10s));
+        }
+        const auto writes = displays.takeWrites();
+        QCOMPARE(writes.back().tables.green, DisplayManager::createGammaTables(2130).green);
+        wake.wakeUp(); // the executor is gone, the manager is not: still harmless
+    }
+
+    void theWhitePointFollowsTheTemperatureAlongStraightLines()
+    {
+        const std::map<double, std::array<double, 3>> whitePoints = {
+            {6500, {1, 0.996510, 0.980556}}, // not the identity
+            {3400, {1, 0.743727, 0.530086}}, {2000, {1, 0.536739, 0.054526}},
+            {1900, {1, 0.516730, 0}},        {6600, {1, 1.002466, 1}}, // where the branches meet
+            {7000, {0.735860, 1.086581, 1}},
+        };
+        for (const auto &[temperature, factors] : whitePoints) {
+            const auto tables = DisplayManager::createGammaTables(temperature);
+            const std::array channels = {&tables.red, &tables.green, &tables.blue};
+            for (std::size_t i = 0; i < 3 * GammaTables::size; ++i) {
+                const double level = std::min(double(i % 256) / 255 * factors[i / 256], 1.0);
+                QVERIFY2(std::abs((*channels[i / 256])[i % 256] - level) < 1e-6,
+                         qPrintable(QString::number(temperature)));
+            }
+        }
     }
 };
 

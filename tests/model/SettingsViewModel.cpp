@@ -90,31 +90,17 @@ private Q_SLOTS:
         QVERIFY(bench.checks == 0 && bench.changes.empty() && bench.console.lines.empty());
     }
 
-    void theSwitchIsFollowedAndSaysSo()
+    void whatCannotBeReadOrWrittenDoesNoHarm()
     {
         Bench bench;
         bench.userDefaults.setData(defaults::scheduleEntries, R"([{"id": 1}])");
         bench.model.updateScheduleEnabled(true);
-        QVERIFY(bench.application.scheduleEnabled());
-        QCOMPARE(bench.checks, 0);
         bench.model.addScheduleEntry(3000);
         bench.executor.advance(std::chrono::seconds(1));
         QCOMPARE(bench.application.temperature(), 3000.0);
-        bench.model.updateScheduleEnabled(false);
-        QVERIFY(!bench.application.scheduleEnabled());
-        QCOMPARE(bench.checks, 2);
-        const std::vector<std::string> lines = {"SettingsViewModel: Updating schedule enabled state to: true",
-                                                "Error decoding schedule entries: entry 1 has no valid \"id\"",
-                                                "No schedule entries found when enabling schedule",
-                                                "SettingsViewModel: Updating schedule enabled state to: false",
-                                                "Notifying app to check schedule with 1 entries"};
-        QCOMPARE(bench.console.lines, lines);
         bench.model.addScheduleEntry(std::nan(""));
         QCOMPARE(bench.storedHours(), QStringLiteral("12")); // remains readable
         QVERIFY(bench.console.lines.back().starts_with("Error encoding schedule entries: "));
-        bench.changes.clear();
-        bench.application.setScheduleEnabled(true); // from elsewhere
-        QVERIFY(!bench.changes.empty() && bench.model.launchAtLogin());
     }
 };
 

@@ -1,5 +1,6 @@
 #include "ui/AppearanceFollower.h"
 
+#include "ui/controls/Button.h"
 #include "ui/controls/HouseStyle.h"
 
 #include <QApplication>
@@ -25,6 +26,51 @@ class AppearanceFollowerTest : public QObject
     };
 
 private Q_SLOTS:
+    void initTestCase() { QApplication::setStyle(new HouseStyle); }
+
+    void everyInkIsReadableOnWhatItStandsOn()
+    {
+        QPalette blueDesktop{QColor("#002b36")};
+        blueDesktop.setColor(QPalette::WindowText, QColor("#eee8d5"));
+        QPalette greyDesktop{QColor("#c0c0c0")};
+        greyDesktop.setColor(QPalette::WindowText, Qt::black);
+        for (const auto &palette : {housePalette(false, false), housePalette(true, false), housePalette(false, true),
+                                    housePalette(true, true), blueDesktop, greyDesktop}) {
+            const auto theme = Theme::of(palette);
+            const auto check = [](const QColor &ink, const QColor &surface) {
+                QVERIFY2(contrastRatio(ink, surface) >= 4.5, qPrintable(ink.name() + surface.name()));
+            };
+            for (const auto &surface : {theme.window, theme.panel, theme.card}) {
+                for (const auto &ink :
+                     {theme.secondaryText, theme.accent, theme.green, theme.orange, theme.red, theme.blue})
+                    check(ink, surface);
+                check(theme.accentOnHover, blended(theme.hover, surface));
+            }
+            check(theme.onAccent, theme.accent);
+        }
+    }
+
+    void controlsFollowTheFontAndThePaletteOfTheApplication()
+    {
+        QApplication::setPalette(housePalette(false, false));
+        QWidget window;
+        auto *label = new TextLabel(QStringLiteral("words"), TextStyle::Body, &Theme::secondaryText);
+        auto *button = new Button(QStringLiteral("words"));
+        label->setParent(&window);
+        button->setParent(&window);
+        window.show();
+        const int formerWidth = button->sizeHint().width();
+
+        QFont large = QApplication::font();
+        large.setPointSize(20);
+        QApplication::setFont(large);
+        QApplication::setPalette(housePalette(true, false));
+        QCoreApplication::processEvents();
+        QCOMPARE(label->palette().color(QPalette::WindowText), Theme::of(housePalette(true, false)).secondaryText);
+        QCOMPARE(label->font(), textFont(TextStyle::Body));
+        QVERIFY(button->sizeHint().width() > formerWidth);
+    }
+
     void bringsTheHouseStyleBackWhenAPluginReplacesIt()
     {
         FakeAppearance appearance;

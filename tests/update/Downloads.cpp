@@ -40,18 +40,13 @@ class Downloads : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aFileArrivesWholeAfterACancelledOne()
+    void aFileThatHasMovedArrivesWhole()
     {
         LoopbackServer server;
         const QByteArray body(300000, 'b');
         server.serve("/file", body);
         server.answer("/moved", {moved + "/file\r\n", "look elsewhere"});
-        server.answer("/endless", {.body = QByteArray(1000, 'x'), .isEndless = true});
         HttpsDownloader downloader(TransportSecurity::HttpsOrLoopback);
-        QBuffer endless;
-        endless.open(QIODevice::WriteOnly);
-        downloader.start(server.url("/endless"), endless, {.mostBytes = 1000 * megabyte});
-        QTRY_VERIFY(endless.size() > 0);
         QBuffer sink;
         QVERIFY(!fetch(downloader, server.url("/moved"), sink, {.mostBytes = megabyte}));
         QCOMPARE(sink.data(), body);

@@ -1,11 +1,6 @@
 #include "model/presets/ActionSearch.h"
-#include "model/presets/SetColorTemperatureShortcut.h"
-#include "support/FakeDistributedNotificationCenter.h"
-#include "support/FakeUserDefaults.h"
 
 #include <QTest>
-
-#include <limits>
 
 using namespace ambertide;
 
@@ -14,42 +9,6 @@ class PresetsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyStepFrom1000To6500IsAPresetAndNothingElse()
-    {
-        std::int64_t kelvin = 1000;
-        for (const auto preset : allColorTemperatures()) {
-            QCOMPARE(rawValue(preset), kelvin);
-            QVERIFY(colorTemperature(kelvin) == preset && colorTemperature(identifier(preset)) == preset);
-            kelvin += 100;
-        }
-        QCOMPARE(kelvin, 6600);
-        for (const std::int64_t none : {2750L, 900L, 6600L, 0L, 26600L, std::numeric_limits<std::int64_t>::min()})
-            QVERIFY(!colorTemperature(none));
-        for (const char *none : {"", "k", "3400", "k34000", "k3450", "K3400", "k-100"})
-            QVERIFY2(!colorTemperature(std::string_view(none)), none);
-    }
-
-    void aShortcutSpeaksOfItsPresetStoresAndPostsIt()
-    {
-        for (const std::string text :
-             {"1000K (Warmest)", "1100K", "1900K (Candle)", "2700K (Tungsten)", "3400K (Halogen)",
-              "4200K (Flourescent)", "5500K (Sunlight)", "6500K (Daylight)"}) {
-            const std::int64_t kelvin = std::stoi(text);
-            const SetColorTemperatureShortcut shortcut{colorTemperature(kelvin).value()};
-            QCOMPARE(shortcut.parameterSummary(), "Set display temperature to " + text);
-            QCOMPARE(shortcut.phrases("Ambertide")[0], "Set display temperature to " + text + " in Ambertide");
-            QCOMPARE(shortcut.phrases("Ambertide")[1], "Change Ambertide temperature to " + text);
-
-            FakeUserDefaults userDefaults;
-            FakeDistributedNotificationCenter center;
-            shortcut.perform(userDefaults, center);
-            QCOMPARE(userDefaults.doubleValue("Ambertide.Temperature"), static_cast<double>(kelvin));
-            QCOMPARE(center.posts.size(), 1U);
-            QCOMPARE(center.posts[0].first.name, std::string("Ambertide.UpdateTemperature"));
-            QVERIFY((center.posts[0].first.userInfo == UserInfo{{"temperature", kelvin}}));
-        }
-    }
-
     void queriesFindWhatAPersonMeans()
     {
         const std::pair<QByteArray, QByteArrayList> cases[] = {

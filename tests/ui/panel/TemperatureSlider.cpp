@@ -55,23 +55,6 @@ private Q_SLOTS:
         QCOMPARE(tap(67, 15), QString());
     }
 
-    void mapsDragsToTheWidthLessTheThumbs()
-    {
-        const auto drag = [](int x, bool isMirrored = false) {
-            Bench bench(3400, isMirrored);
-            const int thumb = 10 + 108; // its middle
-            bench.press(isMirrored ? 268 - thumb : thumb);
-            bench.move(x);
-            bench.release(x);
-            return bench.slider.value();
-        };
-        QCOMPARE(drag(-500), 1000);
-        QCOMPARE(drag(248), 6500);
-        QCOMPARE(drag(124), 3800); // a half step goes up
-        QCOMPARE(drag(201), 5500);
-        QCOMPARE(drag(201, true), 2500);
-    }
-
     void tellsOfEveryMovementOfADragWhichNothingElseMoves()
     {
         Bench bench(1000);

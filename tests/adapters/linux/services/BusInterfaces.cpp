@@ -55,13 +55,10 @@ private Q_SLOTS:
         const auto *const search = "/me/tovanu/Ambertide/SearchProvider org.gnome.Shell.SearchProvider2";
         const auto *const application = "/me/tovanu/Ambertide org.freedesktop.Application";
         for (const auto &[object, call, reply, event] : std::initializer_list<std::array<const char *, 4>>{
-                 {runner, "Actions", "a(sss) 0", ""},
                  {runner, "Match s 3400",
                   R"~(a(sssida{sv}) 1 "k3400" "Set display temperature to 3400K (Halogen)" )~"
                   R"~("me.tovanu.Ambertide" 100 1 0)~",
                   ""},
-                 {runner, "Match s 33",
-                  R"(a(sssida{sv}) 1 "k3300" "Set display temperature to 3300K" "me.tovanu.Ambertide" 30 0.4 0)", ""},
                  {runner, "Run ss k2700 any", "", "2700"},
                  {runner, "Run ss k2750 any", "Call failed: There is no such match", ""},
                  {search, "GetInitialResultSet as 2 warm tungsten", R"(as 1 "k2700")", ""},
@@ -84,16 +81,15 @@ private Q_SLOTS:
         }
     }
 
-    void hugeSearchesFindNothing()
+    void hugeSearchesAreCutShort()
     {
         Exports exports;
         const auto call = QStringLiteral("call me.tovanu.Ambertide /me/tovanu/Ambertide/SearchProvider "
-                                         "org.gnome.Shell.SearchProvider2 %1 as %2%3");
-        QCOMPARE(
-            busctl(call.arg(QStringLiteral("GetInitialResultSet")).arg(1).arg(QString(100'000, u'3').prepend(u' '))),
-            QStringLiteral("as 0"));
+                                         "org.gnome.Shell.SearchProvider2 ");
+        QCOMPARE(busctl(call + QStringLiteral("GetInitialResultSet as 1 ") + QString(100'000, u'3')),
+                 QStringLiteral("as 0"));
         const auto metas =
-            busctl(call.arg(QStringLiteral("GetResultMetas")).arg(9000).arg(QStringLiteral(" k3400").repeated(9000)));
+            busctl(call + QStringLiteral("GetResultMetas as 9000") + QStringLiteral(" k3400").repeated(9000));
         QVERIFY2(metas.startsWith(QStringLiteral("aa{sv} 64 ")), qPrintable(metas.left(80)));
     }
 
@@ -105,7 +101,6 @@ private Q_SLOTS:
                  {"Temperature d 3449", "", "d 3400 b false {Temperature = 3400}"},
                  {"Temperature d 6500", "", "d 6500 b false "},
                  {"ScheduleEnabled b true", "", "d 6500 b true {ScheduleEnabled = true}"},
-                 {"Temperature d 949", outOfRange, "d 6500 b false "},
                  {"Temperature d 6550", outOfRange, "d 6500 b false "},
                  {"Temperature d nan", outOfRange, "d 6500 b false "},
                  {"Temperature i 3400", "Incorrect parameters for property 'Temperature'", "d 6500 b false "},

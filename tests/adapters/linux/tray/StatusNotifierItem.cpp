@@ -55,24 +55,6 @@ class StatusNotifierItemTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyWatcherThatComesUpIsTold()
-    {
-        PrivateBus bus;
-        DBusSession session(SdBusKind::session);
-        QList<Presence> presences;
-        StatusNotifierItem item(session, TrayArtwork("/"), "Ambertide", StatusNotifierItem::Click::Activates,
-                                {[](auto) {}, [&] { presences += item.presence(); }});
-        QCOMPARE(item.presence(), Presence::Pending);
-        QTRY_COMPARE(presences, QList{Presence::Nowhere});
-        auto watcher = std::make_unique<FakeWatcher>();
-        QTRY_COMPARE(presences, (QList{Presence::Nowhere, Presence::Pending, Presence::Shown}));
-        QCOMPARE(watcher->registered, QStringList(itemName()));
-        presences.clear();
-        watcher.reset();
-        watcher = std::make_unique<FakeWatcher>();
-        QTRY_COMPARE(presences, (QList{Presence::Nowhere, Presence::Pending, Presence::Shown}));
-    }
-
     void callsAreAnsweredAndPerformed()
     {
         ShownItem shown;
@@ -105,17 +87,6 @@ private Q_SLOTS:
         row(menuInterface, "Event isvu 2 clicked i 0 0", "");
         row(menuInterface, "Event isvu 9 clicked i 0 0", missing);
         row(menuInterface, "EventGroup a(isvu) 3 7 clicked i 0 0 4 clicked i 0 0 1 opened i 0 0", "ai 1 7", "Quit");
-    }
-
-    void panelsGetPixelsAndTextsWithoutMarkup()
-    {
-        ShownItem shown;
-        shown.item.setToolTip("<b> & 3400 K");
-        const auto said = busctl(QStringLiteral("get-property %1 %2 IconPixmap ToolTip")
-                                     .arg(itemName(), QLatin1String(itemInterface).trimmed()));
-        QVERIFY2(said.startsWith(QStringLiteral("a(iiay) 6 16 16 1024 0 0 0 0 ")), qPrintable(said.left(80)));
-        QVERIFY(said.contains(QStringLiteral(" 255 136 136 136 "))); // opaque, the grey of the drawing
-        QVERIFY(said.endsWith(QStringLiteral(R"("" 0 "Ambertide" "&lt;b&gt; &amp; 3400 K")")));
     }
 
     void whatAHostStillShowsOfAReplacedMenuDoesNothing()
