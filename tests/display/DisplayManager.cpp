@@ -1,8 +1,6 @@
 #include "display/DisplayManager.h"
 
-#include "support/FakeDisplayServices.h"
-#include "support/FakeSystemWake.h"
-#include "support/FakeTaskExecutor.h"
+#include "support/Fakes.h"
 
 #include <QTest>
 

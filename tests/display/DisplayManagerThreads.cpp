@@ -1,7 +1,6 @@
 #include "adapters/qt/ThreadTaskExecutor.h"
 #include "display/DisplayManager.h"
-#include "support/FakeDisplayServices.h"
-#include "support/FakeSystemWake.h"
+#include "support/Fakes.h"
 
 #include <QTest>
 

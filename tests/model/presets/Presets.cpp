@@ -1,7 +1,6 @@
 #include "model/presets/ActionSearch.h"
 #include "model/presets/SetColorTemperatureShortcut.h"
-#include "support/FakeDistributedNotificationCenter.h"
-#include "support/FakeUserDefaults.h"
+#include "support/Fakes.h"
 
 #include <QTest>
 
