@@ -12,7 +12,7 @@
 #include "adapters/qt/ThreadTaskExecutor.h"
 #include "display/DisplayManager.h"
 #include "support/ChildProcess.h"
-#include "support/FakeSystemWake.h"
+#include "support/Fakes.h"
 #include "support/PrivateXServer.h"
 #include "support/RandrClient.h"
 

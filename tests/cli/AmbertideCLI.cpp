@@ -40,9 +40,8 @@ class AmbertideCLITest : public QObject
 
     void start(const QByteArray &arguments)
     {
-        const auto list = QString::fromUtf8(arguments).split(QLatin1Char(','));
         m_tool.start(QStringLiteral(AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideCLI"),
-                     arguments.isEmpty() ? QStringList() : list);
+                     arguments.isEmpty() ? QStringList() : QString::fromUtf8(arguments).split(u','));
     }
     /// While this process answers.
     int statusOf(const QByteArray &arguments)

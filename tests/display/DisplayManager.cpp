@@ -1,9 +1,7 @@
 #include "display/DisplayManager.h"
 
 #include "adapters/qt/ThreadTaskExecutor.h"
-#include "support/FakeDisplayServices.h"
-#include "support/FakeSystemWake.h"
-#include "support/FakeTaskExecutor.h"
+#include "support/Fakes.h"
 
 #include <QTest>
 

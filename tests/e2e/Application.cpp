@@ -1,4 +1,3 @@
-#include "adapters/linux/bus/BusNames.h"
 #include "adapters/qt/SettingsUserDefaults.h"
 #include "adapters/qt/SystemCalendar.h"
 #include "e2e/ApplicationProcess.h"
@@ -7,14 +6,24 @@
 #include "support/busctl.h"
 
 #include <QRandomGenerator>
-#include <QTest>
 
 #include <sys/prctl.h>
 #include <sys/wait.h>
 
-#include <csignal>
-
 using namespace ambertide;
+
+namespace {
+
+QString call(const char *arguments) { return busctl(QString::fromLatin1(arguments)).simplified(); }
+
+/// What it says to that, if anything.
+QString quit()
+{
+    return call("call me.tovanu.Ambertide /me/tovanu/Ambertide org.freedesktop.Application ActivateAction sava{sv} "
+                "quit 0 0");
+}
+
+} // namespace
 
 class ApplicationTest : public QObject
 {
@@ -25,15 +34,14 @@ private Q_SLOTS:
     {
         PrivateSession session;
         session.writeSettings("[General]\nAmbertide.Temperature=5500\nAmbertide.ScheduleEnabled=true\n");
-        session.bus.addService(bus_names::application, AMBERTIDE_BUNDLE "/Contents/MacOS/Ambertide");
-        const auto call = [](const char *arguments) { return busctl(QString::fromLatin1(arguments)).simplified(); };
+        session.bus.addService("me.tovanu.Ambertide", AMBERTIDE_BUNDLE "/Contents/MacOS/Ambertide");
         QCOMPARE(call("call me.tovanu.Ambertide /runner org.kde.krunner1 Run ss k3400 any"), QString());
         const auto *const state = "get-property me.tovanu.Ambertide /me/tovanu/Ambertide me.tovanu.Ambertide1 "
                                   "Temperature ScheduleEnabled";
-        QTRY_COMPARE_WITH_TIMEOUT(call(state), QStringLiteral("d 3400 b false"), 20'000);
-        QTRY_VERIFY_WITH_TIMEOUT(session.shows(3400), 20'000);
-        QVERIFY(activateAction("quit"));
-        QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), 20'000);
+        QTRY_COMPARE_WITH_TIMEOUT(call(state), QStringLiteral("d 3400 b false"), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(session.shows(3400), patience);
+        QCOMPARE(quit(), QString());
+        QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), patience);
     }
 
     void theToolSetsAndGetsTheTemperatureOfEveryDisplay()
@@ -42,18 +50,18 @@ private Q_SLOTS:
         session.server.switchOn(QStringLiteral("DUMMY1"));
         ApplicationProcess application;
         QVERIFY(application.waitUntilRegistered());
-        QCOMPARE(runTool({QStringLiteral("get")}), QByteArray("6500\n"));
+        QCOMPARE(runTool("get"), QByteArray("6500\n"));
 
-        QCOMPARE(runTool({QStringLiteral("set"), QStringLiteral("3400")}), QByteArray());
-        QCOMPARE(runTool({QStringLiteral("get")}), QByteArray("3400\n"));
-        QTRY_VERIFY_WITH_TIMEOUT(session.isTinted(), 20'000);
+        QCOMPARE(runTool("set 3400"), QByteArray());
+        QCOMPARE(runTool("get"), QByteArray("3400\n"));
+        QTRY_VERIFY_WITH_TIMEOUT(session.isTinted(), patience);
         session.server.switchOff(QStringLiteral("DUMMY1")); // during the ramp
-        QTRY_VERIFY_WITH_TIMEOUT(session.shows(3400), 20'000);
+        QTRY_VERIFY_WITH_TIMEOUT(session.shows(3400), patience);
         session.server.switchOn(QStringLiteral("DUMMY2"));
-        QTRY_VERIFY_WITH_TIMEOUT(session.shows(3400), 20'000); // by the next periodic pass
+        QTRY_VERIFY_WITH_TIMEOUT(session.shows(3400), patience); // by the next periodic pass
 
-        QCOMPARE(runTool({QStringLiteral("set"), QStringLiteral("6500")}), QByteArray());
-        QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), 20'000); // the one that is off as well
+        QCOMPARE(runTool("set 6500"), QByteArray());
+        QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), patience); // the one that is off as well
         QTRY_COMPARE(SettingsUserDefaults(session.settingsPath()).doubleValue("Ambertide.Temperature"), 6500.0);
     }
 
@@ -62,19 +70,15 @@ private Q_SLOTS:
         PrivateSession session;
         ApplicationProcess application;
         QVERIFY(application.waitUntilRegistered());
-        {
-            SettingsUserDefaults settings(session.settingsPath());
-            settings.setData(
-                "Ambertide.ScheduleEntries",
-                encodeSchedule(std::vector{ScheduleEntry{.time = SystemCalendar().now(), .temperature = 2700}}));
-            settings.setBool("Ambertide.ScheduleEnabled", true);
-        }
-        QTRY_VERIFY_WITH_TIMEOUT(session.shows(2700), 20'000);
-        QCOMPARE(runTool({QStringLiteral("set"), QStringLiteral("4000")}), QByteArray());
+        SettingsUserDefaults settings(session.settingsPath());
+        const std::vector entries = {ScheduleEntry{.time = SystemCalendar().now(), .temperature = 2700}};
+        settings.setData("Ambertide.ScheduleEntries", encodeSchedule(entries));
+        settings.setBool("Ambertide.ScheduleEnabled", true);
+        QTRY_VERIFY_WITH_TIMEOUT(session.shows(2700), patience);
+        QCOMPARE(runTool("set 4000"), QByteArray());
         application.sendSignal(SIGTERM); // what was set is stored though it ends at once
         QCOMPARE(application.waitForEnd(), 0);
-        SettingsUserDefaults settings(session.settingsPath());
-        QCOMPARE(settings.doubleValue("Ambertide.Temperature"), 4000.0);
+        QTRY_COMPARE(settings.doubleValue("Ambertide.Temperature"), 4000.0);
         QVERIFY(!settings.boolValue("Ambertide.ScheduleEnabled"));
     }
 
@@ -98,19 +102,19 @@ private Q_SLOTS:
         for (int round = 0; round < rounds; ++round) {
             session.writeSettings("[General]\nAmbertide.Temperature=3000\n");
             ApplicationProcess application;
-            QTRY_VERIFY_WITH_TIMEOUT(session.isTinted(), 20'000);
+            QTRY_VERIFY_WITH_TIMEOUT(session.isTinted(), patience);
             const pid_t guardian = childOf(application.processIdentifier(), "AmbertideGuardian");
             QVERIFY(guardian != 0);
             if (round > 0)
                 QTest::qWait(QRandomGenerator::global()->bounded(1500));
             if (round % 3 == 2)
-                runTool({QStringLiteral("set"), QString::number(2000 + 1500 * (round % 4))});
+                runTool("set " + QByteArray::number(2000 + 1500 * (round % 4)));
             if (signalNumbers.isEmpty())
-                QVERIFY(activateAction("quit"));
+                QCOMPARE(quit(), QString());
             for (const int signal : signalNumbers)
                 application.sendSignal(signal);
             QCOMPARE(application.waitForEnd(), status);
-            QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), rounds > 1 ? 500 : 20'000);
+            QTRY_VERIFY_WITH_TIMEOUT(session.isRestored(), rounds > 1 ? 500 : patience);
             QTRY_VERIFY(waitpid(guardian, nullptr, WNOHANG) != 0);
         }
     }

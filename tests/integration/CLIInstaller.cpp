@@ -1,7 +1,7 @@
 #include "integration/CLIInstaller.h"
 
 #include "ports/PrivilegedRunner.h"
-#include "support/FakeMainBundle.h"
+#include "support/Fakes.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -11,60 +11,45 @@
 
 using namespace ambertide;
 namespace fs = std::filesystem;
-using enum PrivilegedResult::Status;
 
 class TestCLIInstaller : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void linksTheToolRemovesTheLinkAndSaysWhatWentWrong()
+    void nothingIsAskedForWithoutToolOrLink()
     {
-        const fs::path link = m_folder / "ambertide";
-        const FakeMainBundle bundle(m_folder / "Amber tide.app");
-        const fs::path tool = bundle.bundlePath / "Contents/MacOS/AmbertideCLI";
         struct FakePrivilegedRunner final : PrivilegedRunner
         {
             PrivilegedResult run(const std::string &command) override
             {
                 commands += command + '\n';
-                return result;
+                return {};
             }
             void cancel() override {}
-            PrivilegedResult result;
             std::string commands;
         } runner;
+        const fs::path link = m_folder / "ambertide";
+        const FakeMainBundle bundle(m_folder / "Amber tide.app");
+        const fs::path tool = bundle.bundlePath / "Contents/MacOS/AmbertideCLI";
         CLIInstaller installer(bundle, runner, link);
-        const auto both = [&] {
-            std::string failures;
-            for (const auto operation : {&CLIInstaller::install, &CLIInstaller::uninstall}) {
-                try {
-                    (installer.*operation)();
-                } catch (const CLIInstaller::CLIError &error) {
-                    failures += error.errorDescription() + '|';
-                }
+        for (const bool isThere : {false, true, false}) { // in the end the link leads nowhere
+            runner.commands.clear();
+            if (isThere) {
+                fs::create_directories(tool.parent_path());
+                std::ofstream(tool) << "tool";
+                fs::create_symlink(tool, link);
+                installer.install();
+            } else {
+                fs::remove(tool);
+                QVERIFY_EXCEPTION_THROWN(installer.install(), CLIInstaller::CLIError);
             }
-            return failures;
-        };
-        // With neither tool nor link there is nothing to ask for.
-        QCOMPARE(both(), "Could not find CLI executable in app bundle|");
-        QCOMPARE(runner.commands, "");
-
-        fs::create_directories(tool.parent_path());
-        std::ofstream(tool) << "tool";
-        fs::create_symlink(tool, link);
-        QCOMPARE(both(), "");
-        QCOMPARE(runner.commands, "mkdir -p /usr/local/bin && ln -sf '" + tool.string() + "' '" + link.string() +
-                                      "'\nrm -f '" + link.string() + "'\n");
-        runner.result = {Failed, "no"};
-        QCOMPARE(both(), "Failed to install the CLI tool: no|Failed to uninstall the CLI tool: no|");
-
-        // A link to nowhere is no installed tool, and stays where it is.
-        runner = {};
-        fs::remove(tool);
-        QVERIFY(!installer.isInstalled());
-        QCOMPARE(both(), "Could not find CLI executable in app bundle|");
-        QCOMPARE(runner.commands, "");
+            QCOMPARE(installer.isInstalled(), isThere);
+            installer.uninstall();
+            const auto commands = "mkdir -p /usr/local/bin && ln -sf '" + tool.string() + "' '" + link.string() +
+                                  "'\nrm -f '" + link.string() + "'\n";
+            QCOMPARE(runner.commands, isThere ? commands : "");
+        }
     }
 
     void theAdministratorShellRunsNothingElse()

@@ -1,6 +1,6 @@
 #include "model/ScheduleEntry.h"
 
-#include "support/FakeCalendar.h"
+#include "support/Fakes.h"
 
 #include <QTest>
 

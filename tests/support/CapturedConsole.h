@@ -17,8 +17,6 @@ public:
     {
         console::redirect([this](std::string_view line) { lines.emplace_back(line); });
     }
-    CapturedConsole(const CapturedConsole &) = delete;
-    CapturedConsole &operator=(const CapturedConsole &) = delete;
     ~CapturedConsole() { console::redirect({}); }
 };
 

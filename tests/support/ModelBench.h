@@ -3,12 +3,7 @@
 #include "model/AppViewModel.h"
 #include "model/ScheduleEntry.h"
 #include "protocol/DefaultsKeys.h"
-#include "support/FakeCalendar.h"
-#include "support/FakeDisplayServices.h"
-#include "support/FakeDistributedNotificationCenter.h"
-#include "support/FakeSystemWake.h"
-#include "support/FakeTaskExecutor.h"
-#include "support/FakeUserDefaults.h"
+#include "support/Fakes.h"
 
 namespace ambertide {
 

@@ -1,9 +1,14 @@
 #pragma once
 
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 
+#include <sys/prctl.h>
+
 #include <csignal>
+#include <fstream>
+#include <stdexcept>
 #include <string>
 
 namespace ambertide {
@@ -18,25 +23,84 @@ public:
         dummy,       ///< Xorg with the dummy driver: DUMMY0 to DUMMY15, the first of them on
     };
 
-    explicit PrivateXServer(Kind kind);
-    ~PrivateXServer();
+    explicit PrivateXServer(Kind kind) : m_kind(kind)
+    {
+        std::ofstream(m_folder.filePath(QStringLiteral("xorg.conf")).toStdString()) << R"(
+Section "ServerFlags"
+    Option "AutoAddDevices" "false"
+    Option "AutoAddGPU" "false"
+EndSection
+Section "Device"
+    Identifier "dummy"
+    Driver "dummy"
+    VideoRam 256000
+EndSection
+)";
+        m_process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
+        // Far apart at random rather than the first that is free: another test would take that while this one restarts.
+        for (int attempt = 1; attempt < 5 && !isRunning(); ++attempt) {
+            m_display = QStringLiteral(":%1").arg(QRandomGenerator::global()->bounded(1000, 59000));
+            tryToStart();
+        }
+        if (!isRunning())
+            start();
+    }
+    ~PrivateXServer() { stop(); }
 
     /// ":" and the number. It stays the same when the server is stopped and started again.
     std::string display() const { return m_display.toStdString(); }
-    void stop();
-    void start();
+    void stop()
+    {
+        m_process.terminate();
+        if (!m_process.waitForFinished(10'000)) {
+            m_process.kill();
+            m_process.waitForFinished();
+        }
+    }
+    void start()
+    {
+        tryToStart();
+        if (!isRunning())
+            throw std::runtime_error("no X server: " + m_process.readAllStandardError().toStdString());
+    }
     /// It stays as it is, but answers nobody.
     void suspend() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGSTOP); }
     void resume() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGCONT); }
 
     /// Runs the `xrandr` program with these arguments.
-    void xrandr(const QString &arguments) const;
-    void switchOn(const QString &output) const;
+    void xrandr(const QString &arguments) const
+    {
+        if (QProcess::execute(QStringLiteral("xrandr"), words(QStringLiteral("--display %1 ") + arguments)) != 0)
+            throw std::runtime_error("xrandr failed: " + arguments.toStdString());
+    }
+    void switchOn(const QString &output) const
+    {
+        xrandr(QStringLiteral("--addmode %1 640x480").arg(output));
+        xrandr(QStringLiteral("--output %1 --mode 640x480").arg(output));
+    }
     void switchOff(const QString &output) const { xrandr(QStringLiteral("--output %1 --off").arg(output)); }
 
 private:
     bool isRunning() const { return m_process.state() == QProcess::Running; }
-    void tryToStart();
+    /// With the display for %1 and the folder for %2.
+    QStringList words(const QString &line) const
+    {
+        auto words = line.split(u' ');
+        return words.replaceInStrings(QStringLiteral("%1"), m_display)
+            .replaceInStrings(QStringLiteral("%2"), m_folder.path());
+    }
+    void tryToStart()
+    {
+        auto arguments = words(QStringLiteral("%1 -displayfd 1 -noreset -nolisten tcp"));
+        if (m_kind == Kind::dummy)
+            arguments +=
+                words(QStringLiteral("-novtswitch -sharevts -keeptty -config %2/xorg.conf -logfile %2/xorg.log"));
+        // The Xorg in PATH may be a wrapper that wants a console.
+        m_process.start(QLatin1String(m_kind == Kind::dummy ? "/usr/lib/xorg/Xorg" : "Xvfb"), arguments);
+        // It writes its number when it listens.
+        while (m_process.state() != QProcess::NotRunning && !m_process.canReadLine())
+            m_process.waitForReadyRead(30'000);
+    }
 
     const Kind m_kind;
     QTemporaryDir m_folder;

@@ -4,8 +4,6 @@
 
 #include <sodium.h>
 
-#include <array>
-#include <span>
 #include <string>
 
 namespace ambertide {
@@ -16,27 +14,24 @@ class SigningKey
 public:
     SigningKey()
     {
-        if (sodium_init() < 0 || crypto_sign_keypair(m_public.data(), m_secret.data()) != 0)
+        if (sodium_init() < 0 || crypto_sign_keypair(bytes(m_public), bytes(m_secret)) != 0)
             qFatal("libsodium makes no key");
     }
 
-    std::string publicKey() const { return base64(m_public); }
-    std::string sign(const QByteArray &bytes) const
+    std::string publicKey() const { return m_public.toBase64().toStdString(); }
+    std::string sign(QByteArray content)
     {
-        std::array<unsigned char, crypto_sign_BYTES> signature{};
-        crypto_sign_detached(signature.data(), nullptr, reinterpret_cast<const unsigned char *>(bytes.data()),
-                             static_cast<unsigned long long>(bytes.size()), m_secret.data());
-        return base64(signature);
+        QByteArray signature(crypto_sign_BYTES, '\0');
+        const auto size = static_cast<unsigned long long>(content.size());
+        crypto_sign_detached(bytes(signature), nullptr, bytes(content), size, bytes(m_secret));
+        return signature.toBase64().toStdString();
     }
 
 private:
-    static std::string base64(std::span<const unsigned char> bytes)
-    {
-        return QByteArray(reinterpret_cast<const char *>(bytes.data()), std::ssize(bytes)).toBase64().toStdString();
-    }
+    static unsigned char *bytes(QByteArray &array) { return reinterpret_cast<unsigned char *>(array.data()); }
 
-    std::array<unsigned char, crypto_sign_PUBLICKEYBYTES> m_public{};
-    std::array<unsigned char, crypto_sign_SECRETKEYBYTES> m_secret{};
+    QByteArray m_public{crypto_sign_PUBLICKEYBYTES, '\0'};
+    QByteArray m_secret{crypto_sign_SECRETKEYBYTES, '\0'};
 };
 
 } // namespace ambertide

@@ -1,9 +1,6 @@
 #pragma once
 
-#include "support/FakeCalendar.h"
-#include "support/FakeMainBundle.h"
-#include "support/FakeTaskExecutor.h"
-#include "support/FakeUserDefaults.h"
+#include "support/Fakes.h"
 #include "support/LoopbackServer.h"
 #include "support/SigningKey.h"
 #include "update/UpdateService.h"

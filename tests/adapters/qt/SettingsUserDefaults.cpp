@@ -10,7 +10,6 @@
 
 #include <sys/stat.h>
 
-#include <future>
 #include <optional>
 
 using namespace ambertide;
@@ -147,39 +146,6 @@ private Q_SLOTS:
         QVERIFY(file.remove());
         QCOMPARE(defaults.doubleValue("d"), 9.0);
         QTRY_COMPARE(SettingsUserDefaults(path).doubleValue("d"), 9.0);
-    }
-
-    void requestsAreGatheredAndWaitForNobody()
-    {
-        std::promise<void> isDone;
-        int count = 0;
-        {
-            GatheredWork work(1h, [&] {
-                if (++count == 1)
-                    isDone.get_future().wait();
-            });
-            for (int i = 0; i < 100; ++i)
-                work.request();
-            work.finish(0ms);
-            work.request(); // now or before the work has begun
-            isDone.set_value();
-            work.finish(10s);
-            QVERIFY(count == 1 || count == 2);
-            count = 2;
-            work.finish(10s); // nothing is waiting
-            work.request();
-        }
-        QCOMPARE(count, 3); // before it ended
-    }
-
-    void aValueThatIsThePresentOneIsNotWritten()
-    {
-        for (int i = 0; i < 2; ++i) {
-            SettingsUserDefaults(path).setDouble("d", 3400);
-            if (i == 0)
-                QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner)); // a new file would not have these
-        }
-        QCOMPARE(QFile::permissions(path) & QFileDevice::WriteOwner, QFileDevice::Permissions());
     }
 };
 

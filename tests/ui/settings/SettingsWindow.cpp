@@ -2,7 +2,7 @@
 #include "integration/LaunchHelper.h"
 #include "ports/PrivilegedRunner.h"
 #include "support/CapturedConsole.h"
-#include "support/FakeMainBundle.h"
+#include "support/Fakes.h"
 #include "support/ModelBench.h"
 #include "ui/controls/HouseStyle.h"
 #include "ui/controls/Page.h"
@@ -134,6 +134,7 @@ private Q_SLOTS:
     void theSwitchesReachTheSystem()
     {
         Bench bench;
+        bench.userDefaults.setBool("Ambertide.AutoUpdate", true);
         bench.openSchedule(1);
         auto *schedule = bench.button("Enable Schedule");
         schedule->click();
@@ -146,6 +147,7 @@ private Q_SLOTS:
         for (int round = 0; round < 2; ++round) {
             bench.button("Start at login")->click();
             QTest::keyClick(bench.button("Automatically check for updates"), Qt::Key_Return);
+            QCOMPARE(bench.userDefaults.boolValue("Ambertide.AutoUpdate"), round == 1);
         }
         bench.button("Check for Updates...")->click();
         QCOMPARE(bench.system.calls, "off login on no-login off check ");

@@ -1,6 +1,6 @@
 #include "adapters/linux/desktop/XdgLoginItem.h"
 
-#include "support/FakeMainBundle.h"
+#include "support/Fakes.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
