@@ -1,4 +1,5 @@
 """What the jobs inside the lab's machine share: the session, what the display hardware shows, the application."""
+import math
 import os
 import pathlib
 import pwd
@@ -38,16 +39,20 @@ def plug(output, is_plugged):
 class Hardware:
     """Every change of what the CRTCs do to colours, as it happens."""
 
+    TOLERANCE, UNIT = 1, "of 65535"  # of the errors below
+    BARE = {255: NEUTRAL}  # of a CRTC without a table
+    MISS = 0.15  # seconds within which a table that was not caught, since it was being replaced, is there again
+
     def __init__(self, outputs):
         subprocess.run(["sh", SHARE / "vkms-many.sh", str(outputs)], check=True)
         self.history = []  # (seconds, {crtc: levels of its tables}), oldest first
         self.log = open(SHARE / "hardware.log", "w", encoding="utf8")
 
-    def start(self):
+    def start(self, outputs):
         # It polls, and is not to take the compositor's time.
         reader = subprocess.Popen(["nice", "-n", "15", "kmsdump", "-w", "100000"], stdout=subprocess.PIPE, text=True)
         threading.Thread(target=lambda: [self._note(line) for line in reader.stdout], daemon=True).start()
-        wait_for(lambda: self.history)
+        wait_for(lambda: self.history and len(self.whites()) == outputs, 20)
 
     def _note(self, line):
         seconds, state = line.split(" ", 1)
@@ -58,18 +63,39 @@ class Hardware:
             levels = {int(i): (int(r), int(g), int(b)) for i, r, g, b in re.findall(r"(\d+):(\d+),(\d+),(\d+)", text)}
             matrix = re.search(r"ctm\[(\S+) \S+ \S+ / \S+ (\S+) \S+ / \S+ \S+ (\S+)\]", text)
             factors = [float(factor) for factor in matrix.groups()] if matrix else (1, 1, 1)
-            levels = levels or {255: NEUTRAL}
+            levels = levels or self.BARE
             crtcs[name] = {i: tuple(round(c * f) for c, f in zip(level, factors)) for i, level in levels.items()}
+        if float(seconds) - (self.history or [(0,)])[-1][0] < self.MISS and \
+                any(crtcs.get(name, self.BARE) != self.BARE for name in self._lost(self.history)):
+            self.history.pop()
         if not self.history or self.history[-1][1] != crtcs:
             self.history.append((float(seconds), crtcs))
             print(seconds, {name: levels[max(levels)] for name, levels in crtcs.items()}, file=self.log, flush=True)
 
+    def _lost(self, entries):
+        """The CRTCs whose table was there before the last reading."""
+        before, last = [crtcs for _, crtcs in entries[-2:]] if len(entries) > 1 else ({}, {})
+        return [name for name, levels in last.items() if levels == self.BARE != before.get(name, self.BARE)]
+
+    def _sure(self, entries):
+        """Without a last one of which it is not known yet whether it is a miss."""
+        return entries[:-1] if self._lost(entries) and time.monotonic() - entries[-1][0] < self.MISS else entries
+
     def since(self, start):
-        return [entry for entry in list(self.history) if entry[0] >= start]
+        return [entry for entry in self._sure(list(self.history)) if entry[0] >= start]
+
+    def newest(self):
+        return self._sure(self.history[-2:])[-1]
+
+    def rested(self, quiet=0.8):
+        """The newest entry, once there has been no other for that many seconds from now on."""
+        start = time.monotonic()
+        wait_for(lambda: time.monotonic() - max(start, self.history[-1][0]) > quiet, 30)
+        return self.history[-1]
 
     def whites(self, entry=None):
         """The white point of each CRTC that shows a picture."""
-        return [levels[max(levels)] for levels in (entry or self.history[-1])[1].values()]
+        return [levels[max(levels)] for levels in (entry or self.newest())[1].values()]
 
     def is_neutral(self, entry=None):
         return set(self.whites(entry)) == {NEUTRAL}
@@ -78,35 +104,39 @@ class Hardware:
         """Milliseconds from then until the condition held for an entry and all later ones; None when it does not."""
         end = time.monotonic() + seconds
         while time.monotonic() < end:
-            wait_for(lambda: condition(self.history[-1]), end - time.monotonic())
-            quiet = len(self.history)
+            wait_for(lambda: condition(self.newest()), end - time.monotonic())
+            quiet = self.history[-1]
             time.sleep(for_seconds)
-            if len(self.history) == quiet and condition(self.history[-1]):
+            if self.history[-1] == quiet and condition(quiet):
                 held = list(self.history)
                 while len(held) > 1 and condition(held[-2]):
                     held.pop()
                 return max(0.0, 1000 * (held[-1][0] - start))
         return None
 
-    def neutral_since(self, start, seconds=10):
-        return self.settled(start, self.is_neutral, seconds)
-
     def worst_error(self, kelvin, entry=None):
         """How far a level of any CRTC is from the temperature's straight line, at the levels that are told."""
-        entry = entry or self.history[-1]
         white = white_point(kelvin)
-        return max((abs(level - factor * index / max(levels) * 65535) for levels in entry[1].values()
+        return max((abs(level - factor * index / max(levels) * 65535)
+                    for levels in (entry or self.newest())[1].values()
                     for index, triple in levels.items() for level, factor in zip(triple, white)), default=65535)
 
-    def shows(self, kelvin, tolerance=1):
-        return self.worst_error(kelvin) <= tolerance
+    def shows(self, kelvin, entry=None):
+        return self.worst_error(kelvin, entry) <= self.TOLERANCE
 
     def shows_since(self, start, kelvin, seconds=10, for_seconds=0.3):
-        return self.settled(start, lambda entry: self.worst_error(kelvin, entry) <= 1, seconds, for_seconds)
+        return self.settled(start, lambda entry: self.shows(kelvin, entry), seconds, for_seconds)
+
+
+def differs(one, other):
+    """How far apart two states of the hardware are at most."""
+    if one.keys() != other.keys():
+        return 65535.0
+    return float(max(abs(a - b) for crtc in one for i in one[crtc].keys() & other[crtc].keys()
+                     for a, b in zip(one[crtc][i], other[crtc][i])))
 
 
 def white_point(kelvin):
-    import math
     x = kelvin / 100
     return (1.0, math.log(x) * 0.3900815787690196 - 0.631841443, math.log(x - 10) * 0.543206789110196 - 1.19625408914)
 
@@ -132,7 +162,8 @@ class Session:
             file.unlink()
         subprocess.run(["systemctl", "restart", "labsession.service"], check=True)
 
-    def stop(self):
+    @staticmethod
+    def stop():
         subprocess.run(["systemctl", "stop", "labsession.service"])
 
     @staticmethod
