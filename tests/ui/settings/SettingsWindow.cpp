@@ -150,7 +150,7 @@ private Q_SLOTS:
             QCOMPARE(bench.userDefaults.boolValue("Ambertide.AutoUpdate"), round == 1);
         }
         bench.button("Check for Updates...")->click();
-        QCOMPARE(bench.system.calls, "off login on no-login off check ");
+        QCOMPARE(bench.system.calls, "on login off no-login on check ");
     }
 
     void installsAndRemovesTheTool()

@@ -195,7 +195,8 @@ private Q_SLOTS:
         QTest::qWait(50);
         QVERIFY2(mutter.calls - before <= 6 * writes, qPrintable(QString::number(mutter.calls - before)));
         mutter.changeMonitors();
-        QTRY_VERIFY((services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)), 30000);
         QCOMPARE(mutter.malformed.load(), 0);
     }
 
