@@ -1,4 +1,4 @@
-# Sourced by the other scripts: what a bare Debian 12 or 13 lacks to build and test Ambertide, installed by package name.
+# Sourced by the other scripts: what a bare Debian 12 lacks to build and test Ambertide, installed by package name.
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
