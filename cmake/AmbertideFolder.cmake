@@ -4,6 +4,8 @@ set(CMAKE_AUTOMOC_MOC_OPTIONS -D_GLIBCXX_CHRONO -D_COMPARE -D_GLIBCXX_COROUTINE)
 # Told which standard the compiler follows, moc 6.4 fails to parse libstdc++'s <concepts> and <coroutine>.
 set(CMAKE_AUTOMOC_COMPILER_PREDEFINES OFF)
 
+include(cmake/Hardening.cmake)
+
 # What every target of the project is compiled with.
 add_library(ambertide_options INTERFACE)
 target_compile_options(ambertide_options INTERFACE
@@ -14,6 +16,8 @@ target_compile_definitions(ambertide_options INTERFACE
 if(AMBERTIDE_SANITIZE)
   target_compile_options(ambertide_options INTERFACE -fsanitize=${AMBERTIDE_SANITIZE} -fno-omit-frame-pointer)
   target_link_options(ambertide_options INTERFACE -fsanitize=${AMBERTIDE_SANITIZE})
+else()
+  ambertide_harden(ambertide_options)
 endif()
 
 include(cmake/PrecompiledHeaders.cmake)
