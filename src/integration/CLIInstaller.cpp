@@ -22,9 +22,9 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(ambertide::CLIInstaller)
 
 public:
-    static QString describe(CLIError::Case code, const std::optional<std::string> &reason)
+    static QString describe(CLIError::Case code, const std::optional<QString> &reason)
     {
-        const QString message = reason ? QString::fromStdString(*reason) : tr("Unknown error");
+        const QString message = reason.value_or(tr("Unknown error"));
         switch (code) {
         case CLIError::Case::InstallationFailed:
             return tr("Failed to install the CLI tool: %1").arg(message);
@@ -56,8 +56,8 @@ bool fileExists(const std::filesystem::path &path)
 
 } // namespace
 
-CLIInstaller::CLIError::CLIError(Case code, const std::optional<std::string> &message)
-    : m_code(code), m_description(Texts::describe(code, message).toStdString())
+CLIInstaller::CLIError::CLIError(Case code, const std::optional<QString> &message)
+    : m_code(code), m_description(Texts::describe(code, message))
 {
 }
 

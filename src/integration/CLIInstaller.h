@@ -1,9 +1,10 @@
 #pragma once
 
+#include <QString>
+
 #include <exception>
 #include <filesystem>
 #include <optional>
-#include <string>
 
 namespace ambertide {
 
@@ -48,15 +49,14 @@ public:
     enum class Case { InstallationFailed, UninstallationFailed, BundleNotFound, ScriptCreationFailed };
 
     /// The first two cases carry a message. One that is not known is said to be so.
-    explicit CLIError(Case code, const std::optional<std::string> &message = {});
+    explicit CLIError(Case code, const std::optional<QString> &message = {});
 
     Case code() const { return m_code; }
-    const std::string &errorDescription() const { return m_description; }
-    const char *what() const noexcept override { return m_description.c_str(); }
+    const QString &errorDescription() const { return m_description; }
 
 private:
     Case m_code;
-    std::string m_description;
+    QString m_description;
 };
 
 } // namespace ambertide

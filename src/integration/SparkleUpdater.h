@@ -23,6 +23,8 @@ public:
     bool automaticallyChecksForUpdates() const { return m_automaticallyChecksForUpdates; }
     void setAutomaticallyChecksForUpdates(bool isOn);
 
+    /// Whether this build can check at all: it names a feed and a key.
+    bool isConfigured() const { return m_updaterController->canCheckForUpdates(); }
     void checkForUpdates() { m_updaterController->checkForUpdates(); }
 
     /// `willChange` is called before a property changes.

@@ -28,7 +28,7 @@ std::optional<Date> dateOf(const QString &text)
 std::optional<SignedFeed> SignedFeed::read(const QByteArray &bytes, const SignatureVerifier &verifier)
 {
     static const QRegularExpression line(
-        QStringLiteral(R"(<!-- feed signed="([^"]*)" until="([^"]*)"( ed25519="([^"]*)" -->\n?)\z)"));
+        QStringLiteral(R"-(<!-- feed signed="([^"]*)" until="([^"]*)"( ed25519="([^"]*)" -->\n?)\z)-"));
     const auto match = line.match(QString::fromLatin1(bytes.last(std::min(bytes.size(), longestLine))));
     const auto signedAt = dateOf(match.captured(1));
     const auto validUntil = dateOf(match.captured(2));

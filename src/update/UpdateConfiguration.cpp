@@ -10,7 +10,7 @@ UpdateConfiguration UpdateConfiguration::fromBundle(const MainBundle &bundle)
     UpdateConfiguration configuration;
     configuration.feed = QUrl(text("SUFeedURL"), QUrl::StrictMode);
     configuration.verifier =
-        SignatureVerifier::withPublicKey(bundle.information("SUPublicEDKey").value_or(std::string()));
+        SignatureVerifier::withPublicKeys(bundle.information("SUPublicEDKey").value_or(std::string()));
     configuration.running.version = text("CFBundleVersion");
     configuration.running.displayVersion = text("CFBundleShortVersionString");
     return configuration;

@@ -14,15 +14,20 @@ struct UpdateFailure
         TimedOut,
         ServerError, ///< the server answered with an error
         TooLarge,
-        FeedUnreadable,
-        BadSignature, ///< none, malformed, or not made with the key over these bytes
-        CannotStore,  ///< no room or no right to keep the package
+        FeedUnreadable, ///< not signed with a key over these bytes, or no feed
+        FeedOutdated,   ///< older than one that was seen before, or beyond its term
+        BadSignature,   ///< of the package: none, malformed, or not made with a key over these bytes
+        CannotStore,    ///< no room or no right to keep the package
         NotAuthorised,
+        WrongPackage, ///< another one than the feed announced
+        NotNewer,     ///< than what has been installed meanwhile
+        NotAPackage,  ///< this application was not installed as one
+        Busy,         ///< something else is being installed
         CannotInstall,
     };
 
     Kind kind;
-    QString detail; ///< one technical line, not translated; may be empty
+    QString detail; ///< one technical line for the console, not translated; may be empty
 };
 
 } // namespace ambertide

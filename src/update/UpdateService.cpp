@@ -76,7 +76,7 @@ void UpdateService::check(UpdateSession::Origin origin)
     release();
     // Recorded first, so that a check that fails counts too and a second controller sees it at once.
     m_defaults.setDouble(lastCheckKey, m_calendar.now().secondsSinceReference);
-    m_session = std::make_unique<UpdateSession>(m_configuration, m_defaults, m_installer, origin);
+    m_session = std::make_unique<UpdateSession>(m_configuration, m_defaults, m_calendar, m_installer, origin);
     QObject::connect(m_session.get(), &UpdateSession::stateChanged, &m_context, [this] { follow(); });
     m_session->start();
 }

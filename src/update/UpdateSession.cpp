@@ -1,10 +1,13 @@
 #include "update/UpdateSession.h"
 
+#include "base/Console.h"
 #include "update/ForeignText.h"
+#include "update/SignedFeed.h"
 
 #include <QDir>
 #include <QPointer>
 
+#include <map>
 #include <span>
 #include <utility>
 
@@ -15,6 +18,8 @@ namespace {
 constexpr qsizetype longestVersion = 40;
 constexpr qint64 mostPackageBytes = qint64{128} * 1024 * 1024;
 constexpr std::string_view skippedVersionKey = "SUSkippedVersion";
+constexpr std::string_view newestFeedKey = "Ambertide.NewestFeed"; // when it was signed, since the reference date
+constexpr std::string_view feedTermKey = "Ambertide.FeedTerm";     // when that one's ends; 0 once a person was told
 
 /// A foreign text that fits into a sentence.
 QString shortText(const QString &text) { return displayableText(text.simplified()).left(longestVersion); }
@@ -26,10 +31,10 @@ bool isPlainTextFile(const QUrl &location)
 
 } // namespace
 
-UpdateSession::UpdateSession(const UpdateConfiguration &configuration, UserDefaults &defaults,
+UpdateSession::UpdateSession(const UpdateConfiguration &configuration, UserDefaults &defaults, const Calendar &calendar,
                              UpdateInstaller &installer, Origin origin)
-    : m_configuration(configuration), m_defaults(defaults), m_installer(installer), m_origin(origin),
-      m_feedDownloader(configuration.security), m_notesDownloader(configuration.security),
+    : m_configuration(configuration), m_defaults(defaults), m_calendar(calendar), m_installer(installer),
+      m_origin(origin), m_feedDownloader(configuration.security), m_notesDownloader(configuration.security),
       m_packageDownloader(configuration.security)
 {
     connect(&m_feedDownloader, &HttpsDownloader::finished, this, &UpdateSession::readFeed);
@@ -79,8 +84,36 @@ void UpdateSession::setState(State state)
     Q_EMIT stateChanged();
 }
 
+/// What is wrong with the feed as a whole, before anything in it is read.
+std::optional<UpdateFailure::Kind> UpdateSession::problemWithFeed()
+{
+    const auto feed = SignedFeed::read(m_feed.data(), *m_configuration.verifier);
+    if (!feed)
+        return UpdateFailure::Kind::FeedUnreadable;
+    const double newest = m_defaults.doubleValue(newestFeedKey);
+    if (feed->signedAt.secondsSinceReference > newest) {
+        m_defaults.setDouble(newestFeedKey, feed->signedAt.secondsSinceReference);
+        m_defaults.setDouble(feedTermKey, feed->validUntil.secondsSinceReference);
+    }
+    if (feed->signedAt.secondsSinceReference < newest || feed->validUntil < m_calendar.now())
+        return UpdateFailure::Kind::FeedOutdated;
+    return std::nullopt;
+}
+
+/// Whether whoever can withhold feeds has done so for longer than the newest one was good for. Once for each feed.
+bool UpdateSession::isOverdue()
+{
+    const double term = m_defaults.doubleValue(feedTermKey);
+    if (term == 0 || m_calendar.now() <= Date{term})
+        return false;
+    m_defaults.setDouble(feedTermKey, 0);
+    return true;
+}
+
 void UpdateSession::readFeed()
 {
+    if (const auto problem = problemWithFeed())
+        return fail({*problem, {}});
     QString problem;
     const auto appcast = Appcast::read(m_feed.data(), problem);
     if (!appcast)
@@ -138,7 +171,9 @@ void UpdateSession::install()
     if (m_state != State::ReadyToInstall)
         return;
     setState(State::Installing);
-    m_installer.install(m_package->fileName().toStdString(), m_item.signature.toStdString(),
+    m_installer.install({.path = m_package->fileName().toStdString(),
+                         .signature = m_item.signature.toStdString(),
+                         .version = m_item.displayVersion.toStdString()},
                         [session = QPointer(this)](const UpdateInstaller::Result &result) {
                             if (session)
                                 session->finishInstallation(result);
@@ -147,17 +182,22 @@ void UpdateSession::install()
 
 void UpdateSession::finishInstallation(const UpdateInstaller::Result &result)
 {
-    const QString message = displayableText(QString::fromStdString(result.message).simplified());
-    switch (result.outcome) {
-    case UpdateInstaller::Outcome::Installed:
+    using Outcome = UpdateInstaller::Outcome;
+    static const std::map<Outcome, UpdateFailure::Kind> kinds = {
+        {Outcome::NotAuthorised, UpdateFailure::Kind::NotAuthorised},
+        {Outcome::BadSignature, UpdateFailure::Kind::BadSignature},
+        {Outcome::WrongPackage, UpdateFailure::Kind::WrongPackage},
+        {Outcome::NotNewer, UpdateFailure::Kind::NotNewer},
+        {Outcome::NotAPackage, UpdateFailure::Kind::NotAPackage},
+        {Outcome::NoRoom, UpdateFailure::Kind::CannotStore},
+        {Outcome::Busy, UpdateFailure::Kind::Busy},
+        {Outcome::Failed, UpdateFailure::Kind::CannotInstall},
+    };
+    if (result.outcome == Outcome::Installed)
         return setState(State::Installed);
-    case UpdateInstaller::Outcome::Dismissed:
+    if (result.outcome == Outcome::Dismissed)
         return setState(State::ReadyToInstall);
-    case UpdateInstaller::Outcome::NotAuthorised:
-        return fail({UpdateFailure::Kind::NotAuthorised, message});
-    case UpdateInstaller::Outcome::Failed:
-        return fail({UpdateFailure::Kind::CannotInstall, message});
-    }
+    fail({kinds.at(result.outcome), displayableText(QString::fromStdString(result.message).simplified())});
 }
 
 void UpdateSession::skip()
@@ -181,10 +221,12 @@ void UpdateSession::end()
 
 void UpdateSession::fail(const UpdateFailure &failure)
 {
-    if (m_origin == Origin::Automatic && m_state == State::Checking)
+    if (m_origin == Origin::Automatic && m_state == State::Checking && !isOverdue())
         return end();
     m_package.reset();
     m_failure = failure;
+    if (!failure.detail.isEmpty())
+        console::print("The update did not succeed: " + failure.detail.toStdString());
     setState(State::Failed);
 }
 

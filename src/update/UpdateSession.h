@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ports/Calendar.h"
 #include "ports/UpdateInstaller.h"
 #include "ports/UserDefaults.h"
 #include "update/Appcast.h"
@@ -23,7 +24,8 @@ class UpdateSession final : public QObject
 public:
     enum class Origin {
         Manual,   ///< a person asked: every state is worth showing
-        Automatic ///< only an update that was found is worth showing; failures and skipped versions end it silently
+        Automatic ///< only an update that was found is worth showing, and that there was no valid feed for too long,
+                  ///< once
     };
     enum class State {
         Checking,
@@ -38,8 +40,8 @@ public:
     };
 
     /// All that is passed by reference must outlive the session.
-    UpdateSession(const UpdateConfiguration &configuration, UserDefaults &defaults, UpdateInstaller &installer,
-                  Origin origin);
+    UpdateSession(const UpdateConfiguration &configuration, UserDefaults &defaults, const Calendar &calendar,
+                  UpdateInstaller &installer, Origin origin);
 
     /// Also begins anew after a failure.
     void start();
@@ -72,13 +74,16 @@ Q_SIGNALS:
 private:
     void setState(State state);
     void readFeed();
+    std::optional<UpdateFailure::Kind> problemWithFeed();
+    bool isOverdue();
     void loadReleaseNotes();
     void verify();
     void finishInstallation(const UpdateInstaller::Result &result);
     void fail(const UpdateFailure &failure);
 
     const UpdateConfiguration &m_configuration;
-    UserDefaults &m_defaults; ///< holds the version that a person chose to skip
+    UserDefaults &m_defaults; ///< holds what a person chose to skip, and which feeds were seen
+    const Calendar &m_calendar;
     UpdateInstaller &m_installer;
     Origin m_origin;
     State m_state = State::Checking;

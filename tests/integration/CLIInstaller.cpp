@@ -3,7 +3,6 @@
 #include "ports/PrivilegedRunner.h"
 #include "support/Fakes.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -50,34 +49,6 @@ private Q_SLOTS:
                                   "'\nrm -f '" + link.string() + "'\n";
             QCOMPARE(runner.commands, isThere ? commands : "");
         }
-    }
-
-    void theAdministratorShellRunsNothingElse()
-    {
-        for (const auto *name : {"mkdir", "ln", "rm"}) {
-            std::ofstream(m_folder / name) << "#!/bin/sh\nprintf '%s|' \"${0##*/}\" \"$@\"\n";
-            fs::permissions(m_folder / name, fs::perms::owner_all);
-        }
-        const auto runs = [this](const std::string &command, const char *ran) {
-            QProcess shell;
-            shell.setEnvironment({QStringLiteral("PATH=") + m_temporary.path()});
-            shell.start(QStringLiteral(AMBERTIDE_SOURCES "/packaging/polkit/administrator-shell"),
-                        {QStringLiteral("-c"), QString::fromStdString(command)});
-            QVERIFY(shell.waitForFinished());
-            QCOMPARE(shell.readAllStandardOutput(), ran);
-            QCOMPARE(shell.exitCode(), *ran ? 0 : 64);
-        };
-        const auto link = [](const std::string &target) {
-            return "mkdir -p /usr/local/bin && ln -sf '" + target + "' '/usr/local/bin/ambertide'";
-        };
-        runs(link("/a $(b) `c`\n\"/Contents/MacOS/AmbertideCLI"),
-             "mkdir|-p|/usr/local/bin|ln|-sf|/a $(b) `c`\n\"/Contents/MacOS/AmbertideCLI|/usr/local/bin/ambertide|");
-        runs("rm -f '/usr/local/bin/ambertide'", "rm|-f|/usr/local/bin/ambertide|");
-        runs("rm -f '/usr/local/bin/other'", "");
-        runs("rm -f '/usr/local/bin/ambertide'; rm x", "");
-        runs(link("/a'; rm x; '/Contents/MacOS/AmbertideCLI"), "");
-        runs(link("/bin/sh"), "");
-        runs(link("a/Contents/MacOS/AmbertideCLI"), "");
     }
 
 private:

@@ -1,9 +1,14 @@
+#include "update/SignedFeed.h"
 #include "update/UpdateChoice.h"
+#include "update/signature/SignatureVerifier.h"
 
 #include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <ctime>
+#include <span>
 
 using namespace ambertide;
 
@@ -85,6 +90,42 @@ private Q_SLOTS:
         QString problem;
         QVERIFY(Appcast::read(start + QByteArray("<a>").repeated(9000) + QByteArray("</a>").repeated(9000) + end,
                               problem)); // deep, yet within the bounds
+    }
+
+    void whatTheScriptSignsIsAccepted()
+    {
+        const QTemporaryDir folder;
+        const auto sign = [&folder](const char *arguments) {
+            QProcess script;
+            script.setWorkingDirectory(folder.path());
+            script.start(QStringLiteral(AMBERTIDE_SOURCES "/scripts/sign"), QString::fromLatin1(arguments).split(u' '));
+            return script.waitForFinished() && script.exitCode() == 0 ? script.readAll().trimmed().toStdString()
+                                                                      : "failed";
+        };
+        const auto read = [&folder] {
+            QFile file(folder.filePath(QStringLiteral("feed")));
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        const auto keys = sign("new-key old") + ' ' + sign("new-key key");
+        const auto verifier = SignatureVerifier::withPublicKeys(keys).value();
+        QVERIFY(!SignatureVerifier::withPublicKeys(keys + ' ' + keys));
+        QFile::copy(QStringLiteral(AMBERTIDE_SOURCES "/tests/corpus/appcast/full.xml"),
+                    folder.filePath(QStringLiteral("feed")));
+        for (const auto &[command, days] : {std::pair("feed old feed", 90), std::pair("feed key feed 7", 7)}) {
+            const auto package = read();
+            const auto *bytes = reinterpret_cast<const unsigned char *>(package.data());
+            const std::span content(bytes, static_cast<std::size_t>(package.size()));
+            QVERIFY(verifier.accepts(content, sign("package key feed")));
+            QCOMPARE(sign(command), "");
+            const auto feed = SignedFeed::read(read(), verifier);
+            QVERIFY(feed &&
+                    feed->validUntil.secondsSinceReference - feed->signedAt.secondsSinceReference == 86400 * days);
+            QVERIFY(!SignedFeed::read(read().replace("Big", "Bug"), verifier));
+            QString problem;
+            QVERIFY(Appcast::read(read(), problem) && read().count("<!-- feed") == 1);
+        }
+        QCOMPARE(sign("feed missing feed"), "failed");
+        QVERIFY(SignedFeed::read(read(), verifier));
     }
 
     void theNewestReleaseForThisSystemIsChosen()

@@ -11,6 +11,37 @@ class Sessions : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void onlyACurrentFeedOfTheKeyIsRead()
+    {
+        UpdateFixture fixture;
+        const auto service = fixture.service();
+        const auto check = [&](Origin origin) -> std::optional<Kind> {
+            service->check(origin);
+            const bool ends =
+                QTest::qWaitFor([&] { return fixture.session && fixture.session->state() > State::Checking; });
+            const bool isRead = !ends || fixture.session->state() != State::Failed;
+            const auto kind = isRead ? std::nullopt : std::optional(fixture.session->failure().kind);
+            if (fixture.session)
+                fixture.session->end();
+            return kind;
+        };
+        fixture.calendar.current = {86400.0 * 31};
+        fixture.serveFeed({}, "2001-01-02T00:00:00Z");
+        QVERIFY(!check(Origin::Manual));
+        fixture.serveFeed({}, "2001-01-01T23:59:59Z"); // of before
+        QVERIFY(check(Origin::Manual) == Kind::FeedOutdated);
+        fixture.serveFeed({}, "2001-01-03T00:00:00Z", "2001-01-31T23:59:59Z");
+        QVERIFY(check(Origin::Automatic) == Kind::FeedOutdated); // a person is told
+        QVERIFY(check(Origin::Manual) == Kind::FeedOutdated);
+        fixture.serveFeed({}, "2001-01-03 00:00:00Z");
+        QVERIFY(check(Origin::Manual) == Kind::FeedUnreadable);
+        fixture.server.serve("/feed", "<rss/>");
+        QVERIFY(check(Origin::Manual) == Kind::FeedUnreadable);
+        fixture.key = SigningKey();
+        fixture.serveFeed({}, "2001-01-04T00:00:00Z");
+        QVERIFY(check(Origin::Manual) == Kind::FeedUnreadable);
+    }
+
     void aPackageThatIsNotTheSignedOneIsRefused()
     {
         UpdateFixture fixture;

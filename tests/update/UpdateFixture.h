@@ -22,10 +22,9 @@ struct UpdateFixture final : UpdateInstaller
                          {"CFBundleShortVersionString", "0.5"}};
     }
 
-    void install(const std::filesystem::path &path, std::string_view claim, std::function<void(Result)> done) override
+    void install(const UpdatePackage &package, std::function<void(Result)> done) override
     {
-        installedPackage = path;
-        installedSignature = claim;
+        toInstall = package;
         installed = std::move(done);
     }
 
@@ -36,10 +35,12 @@ struct UpdateFixture final : UpdateInstaller
         serveFeed("<item><up:version>6</up:version><up:os>linux</up:os>" + more + "<enclosure url='" +
                   server.url("/package").toEncoded() + "' up:edSignature='" + signature.c_str() + "'/></item>");
     }
-    void serveFeed(const QByteArray &items)
+    void serveFeed(const QByteArray &items, const QByteArray &signedAt = "2001-01-01T00:00:00Z",
+                   const QByteArray &until = "2100-01-01T00:00:00Z")
     {
-        server.serve("/feed", "<rss xmlns:up='http://www.andymatuschak.org/xml-namespaces/sparkle'><channel>" + items +
-                                  "</channel></rss>");
+        const QByteArray feed = "<rss xmlns:up='http://www.andymatuschak.org/xml-namespaces/sparkle'><channel>" +
+                                items + "</channel></rss><!-- feed signed=\"" + signedAt + "\" until=\"" + until + '"';
+        server.serve("/feed", feed + " ed25519=\"" + QByteArray::fromStdString(key.sign(feed)) + "\" -->");
     }
 
     std::unique_ptr<UpdateService> service(UpdateViewFactory createView)
@@ -64,8 +65,7 @@ struct UpdateFixture final : UpdateInstaller
     FakeCalendar calendar;
     FakeTaskExecutor executor;
     QPointer<UpdateSession> session; ///< the one that is shown
-    std::filesystem::path installedPackage;
-    std::string installedSignature;
+    UpdatePackage toInstall;
     std::function<void(Result)> installed;
 };
 

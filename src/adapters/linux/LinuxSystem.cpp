@@ -52,7 +52,8 @@ struct LinuxSystem::Adapters
 
     Adapters(const std::filesystem::path &program, int &argc, char **argv)
         : displays(makeSessionDisplayServices(program.parent_path())), application(argc, argv), mainBundle(program),
-          updateInstaller(program.parent_path() / "AmbertideInstallHelper")
+          updateInstaller(program.parent_path() / "AmbertideInstallHelper"),
+          privilegedRunner(program.parent_path())
     {
     }
 };

@@ -21,12 +21,12 @@ constexpr int topPadding = 6;
 constexpr int gap = 14;
 
 /// Why it failed, for a person; nothing on success.
-std::optional<std::string> run(CLIInstaller &installer, void (CLIInstaller::*operation)())
+std::optional<QString> run(CLIInstaller &installer, void (CLIInstaller::*operation)())
 {
     try {
         (installer.*operation)();
-    } catch (const std::exception &error) {
-        return error.what();
+    } catch (const CLIInstaller::CLIError &error) {
+        return error.errorDescription();
     }
     return std::nullopt;
 }
@@ -90,7 +90,7 @@ void GeneralSettingsView::installOrUninstall()
         });
 }
 
-void GeneralSettingsView::finish(bool wasInstalled, const std::optional<std::string> &error)
+void GeneralSettingsView::finish(bool wasInstalled, const std::optional<QString> &error)
 {
     if (!error) {
         m_cliInstalled = !wasInstalled;
@@ -98,7 +98,7 @@ void GeneralSettingsView::finish(bool wasInstalled, const std::optional<std::str
     }
     setProcessing(false);
     if (error)
-        showAlert(*window(), tr("CLI Installation"), QString::fromStdString(*error), tr("OK"));
+        showAlert(*window(), tr("CLI Installation"), *error, tr("OK"));
     Q_EMIT processingEnded();
 }
 

@@ -8,7 +8,6 @@
 #include <QWidget>
 
 #include <optional>
-#include <string>
 
 namespace ambertide {
 
@@ -52,7 +51,7 @@ Q_SIGNALS:
 private:
     void refresh();
     void installOrUninstall();
-    void finish(bool wasInstalled, const std::optional<std::string> &error);
+    void finish(bool wasInstalled, const std::optional<QString> &error);
     void setProcessing(bool isProcessing);
 
     SettingsViewModel &m_viewModel;

@@ -194,8 +194,8 @@ UpdatePage *UpdateWindow::downloadingPage()
 UpdatePage *UpdateWindow::readyPage()
 {
     auto *page = new UpdatePage(tr("Ready to install"),
-                                tr("Ambertide %1 has been downloaded and verified. Installing it takes the password of "
-                                   "an administrator.")
+                                tr("Ambertide %1 has been downloaded and verified. Installing it takes an "
+                                   "administrator's password.")
                                     .arg(m_session.item().displayVersion),
                                 this);
     connect(page->addButton(tr("Not Now")), &Button::clicked, &m_session, &UpdateSession::end);
@@ -219,7 +219,9 @@ UpdatePage *UpdateWindow::installedPage()
 
 UpdatePage *UpdateWindow::failedPage()
 {
-    auto *page = new UpdatePage(tr("The update did not succeed"), describeForPeople(m_session.failure()), this);
+    const bool isFound = !m_session.item().version.isEmpty();
+    auto *page = new UpdatePage(isFound ? tr("The update did not succeed") : tr("There was no check for updates"),
+                                describeForPeople(m_session.failure()), this);
     if (m_session.failure().kind != UpdateFailure::Kind::NotConfigured)
         connect(page->addButton(tr("Try Again")), &Button::clicked, &m_session, &UpdateSession::start);
     connect(page->addDefaultButton(tr("OK")), &Button::clicked, &m_session, &UpdateSession::end);

@@ -4,16 +4,18 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace ambertide {
 
-/// Tells whether bytes are signed with the one key that updates are signed with: Ed25519 (RFC 8032) over all of them.
-/// Any thread.
+/// Tells whether bytes are signed with a key that updates are signed with: Ed25519 (RFC 8032) over all of them. Any
+/// thread.
 class SignatureVerifier
 {
 public:
-    /// Nothing unless the text is the base64 of exactly 32 bytes.
-    static std::optional<SignatureVerifier> withPublicKey(std::string_view base64);
+    /// For one key or two, parted by a space, so that keys can be changed. Nothing unless each is the base64 of exactly
+    /// 32 bytes.
+    static std::optional<SignatureVerifier> withPublicKeys(std::string_view base64);
 
     /// `signature` is base64 of exactly 64 bytes; any other text is a wrong signature.
     bool accepts(std::span<const unsigned char> bytes, std::string_view signature) const;
@@ -21,7 +23,7 @@ public:
 private:
     SignatureVerifier() = default;
 
-    std::array<unsigned char, 32> m_publicKey{};
+    std::vector<std::array<unsigned char, 32>> m_publicKeys;
 };
 
 } // namespace ambertide

@@ -2,12 +2,9 @@
 
 #include <QCoreApplication>
 #include <QRegularExpression>
-#include <QString>
 
 #include <cerrno>
-#include <cstdlib>
 #include <string_view>
-#include <system_error>
 
 namespace ambertide {
 
@@ -17,14 +14,6 @@ bool hasLine(std::string_view text, std::string_view start)
 {
     const auto position = text.find(start);
     return position != std::string_view::npos && (position == 0 || text[position - 1] == '\n');
-}
-
-/// One line of valid text without control characters.
-QString oneLine(const std::string &output)
-{
-    QString text = QString::fromStdString(output);
-    text.replace(QRegularExpression(QStringLiteral("\\p{Cc}")), QStringLiteral(" "));
-    return text.simplified();
 }
 
 class Texts
@@ -38,8 +27,7 @@ public:
         case ChildProcessEnd::Kind::NotStarted:
             if (end.code == ENOENT)
                 return tr("pkexec, which asks for administrator rights, is not installed");
-            return tr("pkexec, which asks for administrator rights, could not be started: %1")
-                .arg(QString::fromStdString(std::generic_category().message(end.code)));
+            return tr("pkexec, which asks for administrator rights, could not be started");
         case ChildProcessEnd::Kind::Signalled:
             return tr("the command was broken off (signal %1)").arg(end.code);
         case ChildProcessEnd::Kind::Cancelled:
@@ -47,16 +35,12 @@ public:
         case ChildProcessEnd::Kind::Exited:
             break;
         }
-        QString text;
-        if (end.isExit(pkexecDismissed) || end.isExit(pkexecNotAuthorised))
-            text = describeRefusal(end.output);
-        if (text.isEmpty())
-            text = oneLine(end.output);
-        return text.isEmpty() ? tr("the command ended with status %1").arg(end.code) : text;
+        const QString refusal = describeRefusal(end.output);
+        return refusal.isEmpty() ? tr("the command ended with status %1").arg(end.code) : refusal;
     }
 
 private:
-    /// For what pkexec writes before it ends with a status of its own; it translates none of it.
+    /// For what pkexec writes before it ends with a status of its own; it translates none of it. Empty for other words.
     static QString describeRefusal(const std::string &output)
     {
         if (hasLine(output, "Error executing command as another user: Request dismissed"))
@@ -78,17 +62,22 @@ private:
 
 } // namespace
 
-ChildStart asAdministrator(const std::vector<std::string> &command)
+ChildStart asAdministrator(const std::string &pkexec, const std::vector<std::string> &command)
 {
-    ChildStart start{.arguments = {"pkexec", "--disable-internal-agent"}};
+    ChildStart start{.arguments = {pkexec, "--disable-internal-agent"}};
     start.arguments.insert(start.arguments.end(), command.begin(), command.end());
     // pkexec refuses to run under a shell, a locale or a terminal type that it finds strange, so it is told of none.
-    const char *path = std::getenv("PATH");
-    start.environment =
-        std::vector<std::string>{std::string("PATH=") + (path != nullptr ? path : "/usr/bin:/bin"), "LC_ALL=C.UTF-8"};
+    start.environment = std::vector<std::string>{"PATH=/usr/bin:/bin", "LC_ALL=C.UTF-8"};
     return start;
 }
 
-std::string describeFailure(const ChildProcessEnd &end) { return Texts::describe(end).toStdString(); }
+QString describeFailure(const ChildProcessEnd &end) { return Texts::describe(end); }
+
+std::string oneLine(const std::string &output)
+{
+    QString text = QString::fromStdString(output);
+    text.replace(QRegularExpression(QStringLiteral("\\p{Cc}")), QStringLiteral(" "));
+    return text.simplified().toStdString();
+}
 
 } // namespace ambertide

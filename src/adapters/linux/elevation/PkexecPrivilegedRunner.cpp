@@ -1,8 +1,8 @@
 #include "adapters/linux/elevation/PkexecPrivilegedRunner.h"
 
-#include "adapters/linux/elevation/Pkexec.h"
+#include "adapters/linux/elevation/toollink/ToolLink.h"
 
-#include <QString>
+#include <QCoreApplication>
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -17,15 +17,22 @@ namespace {
 
 using Status = PrivilegedResult::Status;
 
-/// What Linux takes as one argument of a program, its final NUL counted.
-constexpr std::size_t maximumArgument = std::size_t{128} * 1024;
-
-/// The bus that carries the prompt takes valid text alone.
-bool isAcceptable(const std::string &command)
+struct Texts
 {
-    return command.size() < maximumArgument && command.find('\0') == std::string::npos &&
-           QString::fromStdString(command).toStdString() == command;
-}
+    Q_DECLARE_TR_FUNCTIONS(ambertide::PrivilegedRunner)
+
+public:
+    static QString describe(const ChildProcessEnd &end)
+    {
+        if (end.isExit(toolLink::FolderInWay))
+            return tr("/usr/local/bin/ambertide is a folder");
+        if (end.isExit(toolLink::NoTool))
+            return tr("the tool is not in its place beside Ambertide");
+        if (end.isExit(toolLink::Failed))
+            return tr("/usr/local/bin could not be changed");
+        return describeFailure(end);
+    }
+};
 
 bool isReadable(int descriptor)
 {
@@ -35,29 +42,31 @@ bool isReadable(int descriptor)
 
 } // namespace
 
-PkexecPrivilegedRunner::PkexecPrivilegedRunner(std::string shell)
-    : m_shell(std::move(shell)), m_cancellation(::eventfd(0, EFD_CLOEXEC))
+PkexecPrivilegedRunner::PkexecPrivilegedRunner(std::filesystem::path programs, std::string pkexec)
+    : m_programs(std::move(programs)), m_pkexec(std::move(pkexec)), m_cancellation(::eventfd(0, EFD_CLOEXEC))
 {
-}
-
-std::string PkexecPrivilegedRunner::installedShell()
-{
-    constexpr const char *own = AMBERTIDE_ADMINISTRATOR_SHELL;
-    return ::access(own, X_OK) == 0 ? own : "/bin/sh";
 }
 
 PrivilegedResult PkexecPrivilegedRunner::run(const std::string &command)
 {
-    if (!isAcceptable(command))
+    const auto tool = (m_programs / "AmbertideCLI").string();
+    std::string argument;
+    if (command == "mkdir -p /usr/local/bin && ln -sf '" + tool + "' '/usr/local/bin/ambertide'")
+        argument = "install";
+    else if (command == "rm -f '/usr/local/bin/ambertide'")
+        argument = "uninstall";
+    else
         return {Status::Rejected, {}};
+
     ChildProcessEnd end{ChildProcessEnd::Kind::Cancelled, 0, {}};
     if (!isReadable(m_cancellation.get())) {
-        ChildProcess pkexec(asAdministrator({m_shell, "-c", command}), ChildProcess::Kept::ErrorOutput);
+        ChildProcess pkexec(asAdministrator(m_pkexec, {(m_programs / "AmbertideToolLink").string(), argument}),
+                            ChildProcess::Kept::ErrorOutput);
         end = pkexec.wait(m_cancellation.get());
     }
-    if (end.isExit(0))
+    if (end.isExit(toolLink::Done))
         return {};
-    return {Status::Failed, describeFailure(end)};
+    return {Status::Failed, Texts::describe(end)};
 }
 
 void PkexecPrivilegedRunner::cancel()

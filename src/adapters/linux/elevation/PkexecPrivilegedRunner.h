@@ -1,30 +1,29 @@
 #pragma once
 
+#include "adapters/linux/elevation/Pkexec.h"
 #include "adapters/linux/process/FileDescriptor.h"
 #include "ports/PrivilegedRunner.h"
 
+#include <filesystem>
 #include <string>
 
 namespace ambertide {
 
-/// polkit's pkexec, which shows the desktop's own prompt and runs the shell under it.
-///
-/// The installed application names its own administrator shell, so that polkit finds the action whose prompt speaks of
-/// Ambertide; without an installation it is the system's shell, and polkit's general prompt is shown.
+/// Does what the two administrator commands of this application say, which install and remove its command-line tool,
+/// and refuses every other: no text is handed to a shell. polkit's pkexec, which shows the desktop's own prompt, runs a
+/// program of the bundle that can do nothing else.
 class PkexecPrivilegedRunner final : public PrivilegedRunner
 {
 public:
-    /// The shell is an absolute path; it is called with "-c" and the command.
-    explicit PkexecPrivilegedRunner(std::string shell = installedShell());
-
-    /// The application's own shell for this, where one is installed; otherwise /bin/sh.
-    static std::string installedShell();
+    /// `programs` is the folder of the bundle's programs, an absolute path.
+    explicit PkexecPrivilegedRunner(std::filesystem::path programs, std::string pkexec = systemPkexec);
 
     PrivilegedResult run(const std::string &command) override;
     void cancel() override;
 
 private:
-    const std::string m_shell;
+    const std::filesystem::path m_programs;
+    const std::string m_pkexec;
     FileDescriptor m_cancellation; ///< readable from the first cancel() on
 };
 

@@ -1,6 +1,6 @@
 #include "adapters/linux/elevation/PkexecUpdateInstaller.h"
 
-#include "adapters/linux/elevation/Pkexec.h"
+#include "adapters/linux/elevation/helper/InstallationStatus.h"
 
 #include <fcntl.h>
 
@@ -10,25 +10,44 @@ namespace ambertide {
 
 namespace {
 
-UpdateInstaller::Result resultOf(const ChildProcessEnd &end)
+UpdateInstaller::Outcome outcomeOf(const ChildProcessEnd &end)
 {
     using Outcome = UpdateInstaller::Outcome;
-    if (end.isExit(0))
-        return {Outcome::Installed, {}};
+    if (end.kind == ChildProcessEnd::Kind::NotStarted || end.isExit(pkexecNotAuthorised))
+        return Outcome::NotAuthorised;
     if (end.isExit(pkexecDismissed))
-        return {Outcome::Dismissed, {}};
-    const bool isRefused = end.kind == ChildProcessEnd::Kind::NotStarted || end.isExit(pkexecNotAuthorised);
-    return {isRefused ? Outcome::NotAuthorised : Outcome::Failed, describeFailure(end)};
+        return Outcome::Dismissed;
+    if (end.kind != ChildProcessEnd::Kind::Exited)
+        return Outcome::Failed;
+    switch (static_cast<InstallationStatus>(end.code)) {
+    case InstallationStatus::Installed:
+        return Outcome::Installed;
+    case InstallationStatus::BadSignature:
+        return Outcome::BadSignature;
+    case InstallationStatus::WrongPackage:
+        return Outcome::WrongPackage;
+    case InstallationStatus::NotNewer:
+        return Outcome::NotNewer;
+    case InstallationStatus::NotAPackage:
+        return Outcome::NotAPackage;
+    case InstallationStatus::NoRoom:
+        return Outcome::NoRoom;
+    case InstallationStatus::Busy:
+        return Outcome::Busy;
+    case InstallationStatus::Failed:
+    case InstallationStatus::WrongUsage:
+        break;
+    }
+    return Outcome::Failed;
 }
 
 } // namespace
 
-void PkexecUpdateInstaller::install(const std::filesystem::path &package, std::string_view signature,
-                                    std::function<void(Result)> done)
+void PkexecUpdateInstaller::install(const UpdatePackage &package, std::function<void(Result)> done)
 {
     m_done = std::move(done);
-    const FileDescriptor file(::open(package.c_str(), O_RDONLY | O_CLOEXEC));
-    auto start = asAdministrator({m_helper.string(), std::string(signature)});
+    const FileDescriptor file(::open(package.path.c_str(), O_RDONLY | O_CLOEXEC));
+    auto start = asAdministrator(m_pkexecPath, {m_helper.string(), package.signature, package.version});
     start.input = file.get();
     // The few lines that pkexec and the helper write fit into the pipe, so nobody need read before the end.
     m_pkexec.emplace(std::move(start), ChildProcess::Kept::ErrorOutput);
@@ -47,8 +66,10 @@ void PkexecUpdateInstaller::finish()
         m_watch->setEnabled(false);
         m_watch.release()->deleteLater(); // it may have made this call
     }
-    if (const auto done = std::exchange(m_done, {}))
-        done(resultOf(m_pkexec->wait()));
+    const auto done = std::exchange(m_done, {});
+    const auto end = m_pkexec->wait();
+    if (done)
+        done({outcomeOf(end), oneLine(end.output)});
 }
 
 } // namespace ambertide

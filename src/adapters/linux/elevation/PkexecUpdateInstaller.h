@@ -1,6 +1,6 @@
 #pragma once
 
-#include "adapters/linux/process/ChildProcess.h"
+#include "adapters/linux/elevation/Pkexec.h"
 #include "ports/UpdateInstaller.h"
 
 #include <QSocketNotifier>
@@ -15,15 +15,18 @@ namespace ambertide {
 class PkexecUpdateInstaller final : public UpdateInstaller
 {
 public:
-    explicit PkexecUpdateInstaller(std::filesystem::path helper) : m_helper(std::move(helper)) {}
+    explicit PkexecUpdateInstaller(std::filesystem::path helper, std::string pkexec = systemPkexec)
+        : m_helper(std::move(helper)), m_pkexecPath(std::move(pkexec))
+    {
+    }
 
-    void install(const std::filesystem::path &package, std::string_view signature,
-                 std::function<void(Result)> done) override;
+    void install(const UpdatePackage &package, std::function<void(Result)> done) override;
 
 private:
     void finish();
 
     const std::filesystem::path m_helper;
+    const std::string m_pkexecPath;
     std::function<void(Result)> m_done;
     std::optional<ChildProcess> m_pkexec;
     std::unique_ptr<QSocketNotifier> m_watch; ///< tells that it has ended

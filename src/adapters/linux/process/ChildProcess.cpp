@@ -39,6 +39,7 @@ struct SpawnSettings
         posix_spawnattr_setsigmask(&attributes, &signals);
         sigemptyset(&signals);
         sigaddset(&signals, SIGPIPE);
+        sigaddset(&signals, SIGCHLD);
         posix_spawnattr_setsigdefault(&attributes, &signals);
         const int session = start.isDetached ? POSIX_SPAWN_SETSID : 0;
         posix_spawnattr_setflags(&attributes,
@@ -73,6 +74,14 @@ std::vector<char *> pointersTo(const std::vector<std::string> &texts)
     return pointers;
 }
 
+/// Whoever started this process may have had it ignored, and then the system tells nobody how a child ended.
+void keepEndsOfChildren()
+{
+    struct sigaction present = {};
+    if (::sigaction(SIGCHLD, nullptr, &present) == 0 && present.sa_handler == SIG_IGN)
+        std::signal(SIGCHLD, SIG_DFL);
+}
+
 /// glibc 2.36 declares its own for C alone.
 FileDescriptor openProcess(pid_t process)
 {
@@ -83,6 +92,7 @@ FileDescriptor openProcess(pid_t process)
 
 int startChild(const ChildStart &start, pid_t &process)
 {
+    keepEndsOfChildren();
     const SpawnSettings settings(start);
     const auto arguments = pointersTo(start.arguments);
     const auto variables = start.environment ? pointersTo(*start.environment) : std::vector<char *>();

@@ -1,9 +1,13 @@
 #include "adapters/linux/elevation/helper/PackageInstallation.h"
 
-#include "adapters/linux/elevation/helper/PackageCopy.h"
+#include "adapters/linux/elevation/helper/PackageFolder.h"
 #include "adapters/linux/process/ChildProcess.h"
 
+#include <poll.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <optional>
 #include <utility>
 
@@ -22,19 +26,25 @@ ChildProcessEnd run(std::vector<std::string> command)
     return ChildProcess(std::move(start), ChildProcess::Kept::AllOutput).wait();
 }
 
-std::string lastLine(std::string_view output)
+ChildProcessEnd runWith(std::vector<std::string> command, const std::vector<std::string> &arguments)
 {
-    while (!output.empty() && output.back() == '\n')
-        output.remove_suffix(1);
-    const auto start = output.rfind('\n');
-    return std::string(output.substr(start == std::string_view::npos ? 0 : start + 1).substr(0, longestLine));
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return run(std::move(command));
+}
+
+/// What a person looks for first: the end, in one line.
+std::string endOf(const std::string &output)
+{
+    std::string end = output.substr(output.size() - std::min(output.size(), longestLine));
+    std::ranges::replace_if(
+        end, [](char each) { return static_cast<unsigned char>(each) < ' '; }, ' ');
+    return end;
 }
 
 /// The one line that a program answers with; nothing when it fails or answers otherwise.
 std::optional<std::string> answer(std::vector<std::string> command, const std::vector<std::string> &arguments)
 {
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    auto end = run(std::move(command));
+    auto end = runWith(std::move(command), arguments);
     const bool isWhole = end.output.size() < ChildProcess::mostKept;
     if (end.output.ends_with('\n'))
         end.output.pop_back();
@@ -56,62 +66,105 @@ bool isVersion(std::string_view text)
            text.find_first_not_of(allowed) == std::string_view::npos;
 }
 
-/// The version of the package that is installed here; nothing when none is.
-std::optional<std::string> installedVersion(const InstallationRules &rules)
+/// The package that is here: `version` is empty when it was left without one.
+struct PresentPackage
 {
-    static constexpr std::string_view mark = "installed ";
+    bool isWhole = false;
+    std::string version;
+};
+
+/// Nothing when there is none, or nothing but its configuration.
+std::optional<PresentPackage> presentPackage(const InstallationRules &rules)
+{
     const auto line =
-        answer(rules.query, {"--show", "--showformat=${db:Status-Status} ${Version}\n", rules.packageName});
-    if (!line || !line->starts_with(mark))
+        answer(rules.query, {"--show", "--showformat=${db:Status-Abbrev}|${Version}\n", rules.packageName});
+    const auto bar = line ? line->find('|') : std::string::npos;
+    if (bar < 2 || bar == std::string::npos)
         return std::nullopt;
-    return line->substr(mark.size());
+    const char state = line->at(1); // the second letter; a third one tells of an error
+    if (state == 'n' || state == 'c')
+        return std::nullopt;
+    return PresentPackage{line->substr(1, bar - 1) == "i ", line->substr(bar + 1)};
 }
 
-std::string problemWithNameAndArchitecture(const InstallationRules &rules, const std::string &package)
+/// Without the revision of the packaging, which the feed does not name.
+std::string_view upstream(std::string_view version) { return version.substr(0, version.rfind('-')); }
+
+InstallationEnd checkIdentity(const InstallationRules &rules, const std::string &package, std::string_view announced)
 {
+    constexpr auto wrong = InstallationStatus::WrongPackage;
     if (field(package, "Package") != rules.packageName)
-        return "the file is no package of " + rules.packageName;
+        return {wrong, "the file is no package of " + rules.packageName};
     const auto architecture = field(package, "Architecture");
     if (architecture != "all" && architecture != answer({"/usr/bin/dpkg"}, {"--print-architecture"}))
-        return "the package is for another architecture";
-    return {};
-}
-
-std::string problemWithVersion(const InstallationRules &rules, const std::string &package)
-{
+        return {wrong, "the package is for another architecture"};
     const auto version = field(package, "Version");
     if (!version || !isVersion(*version))
-        return "the package has no version";
-    const auto installed = installedVersion(rules);
-    if (!installed)
-        return rules.packageName + " was not installed as a package here; update it the way it was installed";
-    if (!run({"/usr/bin/dpkg", "--compare-versions", *version, "gt", *installed}).isExit(0))
-        return "version " + *version + " is not newer than the installed " + *installed;
-    return {};
+        return {wrong, "the package has no version"};
+    if (announced != *version && announced != upstream(*version))
+        return {wrong, "the package is of version " + *version + ", which is not the one that was announced"};
+    const auto present = presentPackage(rules);
+    if (!present)
+        return {InstallationStatus::NotAPackage, rules.packageName + " was not installed as a package here"};
+    if (!run({"/usr/bin/dpkg", "--compare-versions", *version, "gt", present->version}).isExit(0))
+        return {InstallationStatus::NotNewer, "version " + *version + " is not newer than " + present->version};
+    return {InstallationStatus::Installed, {}};
+}
+
+/// A package that was left in the middle is brought as far as it will go first, for dpkg may refuse others until then;
+/// that it cannot be finished is what the newer one is for.
+ChildProcessEnd install(const InstallationRules &rules, const std::string &package)
+{
+    const auto present = presentPackage(rules);
+    if (!present || !present->isWhole)
+        runWith(rules.dpkg, {"--configure", "--pending"});
+    return runWith(rules.install, {package});
+}
+
+InstallationStatus statusOf(const ChildProcessEnd &end)
+{
+    const auto tells = [&end](const char *words) { return end.output.find(words) != std::string::npos; };
+    if (end.isExit(0))
+        return InstallationStatus::Installed;
+    if (tells("No space left on device") || tells("You don't have enough free space"))
+        return InstallationStatus::NoRoom;
+    return tells("Could not get lock") ? InstallationStatus::Busy : InstallationStatus::Failed;
+}
+
+bool isReadable(int descriptor)
+{
+    pollfd event = {descriptor, POLLIN, 0};
+    return ::poll(&event, 1, 0) > 0;
 }
 
 } // namespace
 
-std::string installPackage(const InstallationRules &rules, int source, std::string_view signature)
+InstallationEnd installPackage(const InstallationRules &rules, int source, std::string_view signature,
+                               std::string_view version)
 {
-    std::string problem;
-    const auto bytes = readPackage(source, rules.mostBytes, problem);
+    PackageFolder folder(rules.folder);
+    if (folder.isBusy())
+        return {InstallationStatus::Busy, "another update is being installed"};
+    InstallationEnd end;
+    const auto bytes = readPackage(source, rules.mostBytes, rules.inputTime, rules.termination, end.problem);
     if (!bytes)
-        return problem;
+        return end;
     if (!rules.verifier.accepts(*bytes, signature))
-        return "the package is not signed with the key of this application";
-    const PackageCopy package(*bytes, rules.directory);
-    if (package.path().empty())
-        return "the package could not be stored";
+        return {InstallationStatus::BadSignature, "the package is not signed with the key of this application"};
+    if (const int error = folder.store(*bytes); error != 0)
+        return {error == ENOSPC || error == EDQUOT ? InstallationStatus::NoRoom : InstallationStatus::Failed,
+                std::string("the package could not be stored: ") + std::strerror(error)};
     // Only what is signed is handed to programs that take it apart.
-    if (problem = problemWithNameAndArchitecture(rules, package.path()); !problem.empty())
-        return problem;
-    if (problem = problemWithVersion(rules, package.path()); !problem.empty())
-        return problem;
-    auto command = rules.install;
-    command.push_back(package.path());
-    const auto end = run(std::move(command));
-    return end.isExit(0) ? std::string() : "the package would not install: " + lastLine(end.output);
+    end = checkIdentity(rules, folder.file(), version);
+    if (end.status != InstallationStatus::Installed)
+        return end;
+    if (isReadable(rules.termination))
+        return {InstallationStatus::Failed, "asked to end before the installation had begun"};
+    const auto installed = install(rules, folder.file());
+    end.status = statusOf(installed);
+    if (end.status != InstallationStatus::Installed)
+        end.problem = "the package would not install: " + endOf(installed.output);
+    return end;
 }
 
 } // namespace ambertide

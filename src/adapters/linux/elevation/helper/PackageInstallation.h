@@ -1,7 +1,9 @@
 #pragma once
 
+#include "adapters/linux/elevation/helper/InstallationStatus.h"
 #include "update/signature/SignatureVerifier.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,8 +16,11 @@ struct InstallationRules
 {
     SignatureVerifier verifier;
     std::string packageName;
-    std::string directory; ///< for the copy; only this user can write to it
+    std::string folder; ///< for the package; only this user can write to its parent
     std::uint64_t mostBytes = 128 * 1024 * 1024;
+    std::chrono::seconds inputTime = std::chrono::seconds(60);
+    int termination = -1; ///< readable once this process was asked to end
+    std::vector<std::string> dpkg = {"/usr/bin/dpkg", "--force-confold"};
     std::vector<std::string> query = {"/usr/bin/dpkg-query"};
     std::vector<std::string> install = {"/usr/bin/apt-get",
                                         "--quiet",
@@ -30,9 +35,16 @@ struct InstallationRules
                                         "--"};
 };
 
-/// Installs the package that `source` holds, provided that it is signed with the key, has the right name and
-/// architecture, and is newer than the installed one. The very bytes that were verified are installed. Returns what
-/// went wrong, in one line; empty when the new version is installed.
-std::string installPackage(const InstallationRules &rules, int source, std::string_view signature);
+struct InstallationEnd
+{
+    InstallationStatus status = InstallationStatus::Failed;
+    std::string problem; ///< in one line; empty when the new version is installed
+};
+
+/// Installs the package that `source` holds, provided that it is signed with the key, has the right name, architecture
+/// and version, and is newer than the one that is here, in whatever state that was left. The very bytes that were
+/// verified are installed. Ends early when asked to, but never while the package is being installed.
+InstallationEnd installPackage(const InstallationRules &rules, int source, std::string_view signature,
+                               std::string_view version);
 
 } // namespace ambertide

@@ -1,18 +1,39 @@
 // Installs an update of Ambertide. Runs as root, called through pkexec by the application, which is not trusted: the
-// package comes as bytes on standard input, its signature as the one argument, and the key is part of this program.
+// package comes as bytes on standard input, its signature and its version as the arguments, and the keys are part of
+// this program.
 
 #include "adapters/linux/elevation/helper/PackageInstallation.h"
 
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/signalfd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <exception>
-#include <string>
+#include <filesystem>
+#include <system_error>
 
 namespace {
+
+using ambertide::InstallationEnd;
+using ambertide::InstallationStatus;
+
+/// Goes on in a unit of the system's, with the same standard streams, where systemd runs: of what belongs to a session
+/// nothing outlives a logout, and a package must not be left half-installed. Returns where there is no such unit to be
+/// had.
+void leaveTheSession(char *arguments[])
+{
+    if (getenv("PKEXEC_UID") == nullptr || access("/run/systemd/system", F_OK) != 0)
+        return;
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    // Asked to end, apt is left to finish: only this program is told.
+    execl("/usr/bin/systemd-run", "systemd-run", "--quiet", "--collect", "--wait", "--pipe", "--service-type=exec",
+          "--property=KillMode=mixed", "--property=TimeoutStopSec=15min", "--description=Ambertide's update", "--",
+          program.c_str(), arguments[1], arguments[2], nullptr);
+}
 
 /// Takes away what the caller could influence besides the bytes.
 void leaveTheCaller()
@@ -25,33 +46,45 @@ void leaveTheCaller()
         ::signal(signal, SIG_IGN);
 }
 
-std::string install(const char *signature)
+/// Becomes readable when this process is asked to end, which does not end it by itself.
+int openTermination()
 {
-    const auto verifier = ambertide::SignatureVerifier::withPublicKey(AMBERTIDE_FEED_PUBLIC_KEY);
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    return signalfd(-1, &signals, SFD_CLOEXEC);
+}
+
+InstallationEnd install(const char *signature, const char *version)
+{
+    const auto verifier = ambertide::SignatureVerifier::withPublicKeys(AMBERTIDE_FEED_PUBLIC_KEY);
     if (!verifier)
-        return "this build carries no key to verify updates with";
+        return {InstallationStatus::Failed, "this build carries no key to verify updates with"};
     if (geteuid() != 0 || chdir("/") != 0)
-        return "only the administrator can install updates";
-    return ambertide::installPackage({*verifier, "ambertide", "/var/lib"}, STDIN_FILENO, signature);
+        return {InstallationStatus::Failed, "only the administrator can install updates"};
+    ambertide::InstallationRules rules{*verifier, "ambertide", "/var/lib/ambertide-update"};
+    rules.termination = openTermination();
+    return ambertide::installPackage(rules, STDIN_FILENO, signature, version);
 }
 
 } // namespace
 
 int main(int argumentCount, char *arguments[])
 {
-    if (argumentCount != 2) {
-        std::fputs("usage: AmbertideInstallHelper SIGNATURE < PACKAGE\n", stderr);
-        return 2;
+    if (argumentCount != 3) {
+        std::fputs("usage: AmbertideInstallHelper SIGNATURE VERSION < PACKAGE\n", stderr);
+        return static_cast<int>(InstallationStatus::WrongUsage);
     }
+    leaveTheSession(arguments);
     leaveTheCaller();
-    std::string problem;
+    InstallationEnd end;
     try {
-        problem = install(arguments[1]);
+        end = install(arguments[1], arguments[2]);
     } catch (const std::exception &error) {
-        problem = error.what();
+        end.problem = error.what();
     }
-    if (problem.empty())
-        return 0;
-    std::fprintf(stderr, "%s\n", problem.c_str());
-    return 1;
+    if (!end.problem.empty())
+        std::fprintf(stderr, "%s\n", end.problem.c_str());
+    return static_cast<int>(end.status);
 }
