@@ -32,7 +32,7 @@ constexpr double sliderTrack = 4;
 constexpr int shortestScrollThumb = 32;
 constexpr double scrollThumbInset = 2;
 constexpr int fieldPaddingX = 8;
-constexpr int fieldPaddingY = 3;
+constexpr int fieldPaddingY = 5;
 
 constexpr double disabledOpacity = 0.45;
 constexpr double hoveredRowOpacity = 0.9;
@@ -119,7 +119,7 @@ QMargins padding(SwitchRow::Kind kind)
     return {4, 4, 4, 4};
 }
 
-int chevronRoom() { return qRound(fieldChevron * textScale()) + 10; }
+int chevronRoom() { return 2 * (qRound(fieldChevron * textScale()) + 2 * fieldChevronPadding) + fieldEndPadding; }
 
 } // namespace
 
@@ -317,13 +317,13 @@ QRect timeFieldText(const QRect &field)
                               field.adjusted(fieldPaddingX, fieldPaddingY, -chevronRoom(), -fieldPaddingY));
 }
 
-void drawTimeField(QPainter &painter, const QStyleOption &option)
+void drawTimeField(QPainter &painter, const QStyleOption &option, bool isReadable)
 {
     const auto theme = Theme::of(option.palette);
     fillRounded(painter, option.rect, controlRadius, theme.button);
-    strokeRounded(painter, option.rect, controlRadius, theme.buttonOutline);
+    strokeRounded(painter, option.rect, controlRadius, isReadable ? theme.buttonOutline : theme.red);
     if (option.state.testFlag(QStyle::State_HasFocus))
-        drawFocusRing(painter, option.rect, controlRadius, theme.accent);
+        drawFocusRing(painter, option.rect, controlRadius, isReadable ? theme.accent : theme.red);
 }
 
 } // namespace ambertide

@@ -36,9 +36,9 @@ bool isBusy(const QStyleOptionProgressBar &option);
 /// `sweep` is how far a busy bar's motion has come, 0 to 1; nothing where motion is unwanted.
 void drawProgressBar(QPainter &painter, const QStyleOptionProgressBar &option, std::optional<double> sweep);
 
-/// A field for hour and minute, with room for two small buttons at its end.
+/// A field for hour and minute, with room for two small buttons at its end; red where its text cannot be read.
 QSize timeFieldSize(const QSize &text);
 QRect timeFieldText(const QRect &field);
-void drawTimeField(QPainter &painter, const QStyleOption &option);
+void drawTimeField(QPainter &painter, const QStyleOption &option, bool isReadable);
 
 } // namespace ambertide

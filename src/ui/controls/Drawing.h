@@ -11,7 +11,10 @@ namespace ambertide {
 
 /// Corners of buttons, fields and highlighted rows, in logical pixels.
 inline constexpr double controlRadius = 6;
-inline constexpr int fieldChevron = 9; ///< at the end of a field, in logical pixels; it grows with the text
+/// The two buttons at the end of a field, in logical pixels. The chevrons themselves grow with the text.
+inline constexpr int fieldChevron = 9;
+inline constexpr int fieldChevronPadding = 6;
+inline constexpr int fieldEndPadding = 3;
 
 /// The symbols of the windows, drawn in one stroke width on a grid of 16 by 16.
 namespace symbols {

@@ -171,8 +171,10 @@ void HouseStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
         return drawScrollBar(*painter, as<QStyleOptionSlider>(option));
     case CC_Slider:
         return drawSlider(*painter, as<QStyleOptionSlider>(option));
-    case CC_SpinBox:
-        return drawTimeField(*painter, *option);
+    case CC_SpinBox: {
+        const auto *field = qobject_cast<const TimeField *>(widget);
+        return drawTimeField(*painter, *option, field == nullptr || field->time());
+    }
     default:
         QProxyStyle::drawComplexControl(control, option, painter, widget);
     }

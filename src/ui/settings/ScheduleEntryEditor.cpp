@@ -86,10 +86,7 @@ ScheduleEntryEditor::ScheduleEntryEditor(const ScheduleEntry &entry, const Tempe
     column->addLayout(buttons);
     column->addStretch();
 
-    connect(m_time, &TimeField::timeChanged, this, [this](const QTime &chosen) {
-        const auto date = m_calendar.date({.hour = chosen.hour(), .minute = chosen.minute()});
-        m_editedEntry.time = date.value_or(m_editedEntry.time);
-    });
+    connect(m_time, &TimeField::timeChanged, this, &ScheduleEntryEditor::takeTime);
     connect(m_temperature, &QSlider::valueChanged, this, &ScheduleEntryEditor::setTemperature);
     connect(m_isEnabled, &SwitchRow::toggled, this, [this](bool isOn) { m_editedEntry.isEnabled = isOn; });
     connect(cancel, &Button::clicked, this, &ScheduleEntryEditor::cancelled);
@@ -104,10 +101,20 @@ void ScheduleEntryEditor::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
 }
 
+void ScheduleEntryEditor::takeTime()
+{
+    const auto time = m_time->time();
+    m_save->setEnabled(time && !m_isSaved);
+    if (time)
+        m_editedEntry.time =
+            m_calendar.date({.hour = time->hour(), .minute = time->minute()}).value_or(m_editedEntry.time);
+}
+
 void ScheduleEntryEditor::save()
 {
     if (!m_save->isEnabled())
         return;
+    m_isSaved = true;
     m_save->setEnabled(false);
     QTimer::singleShot(0, this, [this] { Q_EMIT saved(m_editedEntry); });
 }

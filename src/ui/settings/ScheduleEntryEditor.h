@@ -38,12 +38,14 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void takeTime();
     void save();
     void setTemperature(int kelvin);
     void showTemperature();
 
     ScheduleEntry m_editedEntry;
     const Calendar &m_calendar;
+    bool m_isSaved = false;
     TimeField *m_time = nullptr;
     TextLabel *m_temperatureText = nullptr;
     QSlider *m_temperature = nullptr;

@@ -40,7 +40,7 @@ constexpr std::size_t rowBatch = 50;
 QString shownTime(const Calendar &calendar, const ScheduleEntry &entry)
 {
     const auto time = calendar.timeOfDay(entry.time);
-    return QLocale().toString(QTime(time.hour.value_or(0), time.minute.value_or(0)), QStringLiteral("h:mm AP"));
+    return QLocale().toString(QTime(time.hour.value_or(0), time.minute.value_or(0)), QStringLiteral("h:mm Ap"));
 }
 
 } // namespace

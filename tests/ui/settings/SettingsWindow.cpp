@@ -7,10 +7,12 @@
 #include "ui/controls/HouseStyle.h"
 #include "ui/controls/Page.h"
 #include "ui/controls/Sheet.h"
+#include "ui/settings/ScheduleEntryEditor.h"
 #include "ui/settings/ScheduleEntryRow.h"
 #include "ui/settings/SettingsView.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QPointer>
 #include <QScrollBar>
 #include <QTabBar>
@@ -129,6 +131,50 @@ private Q_SLOTS:
             QVERIFY(!control->isVisible() || (left >= 0 && left + control->width() <= bench.window->width()));
         }
         QApplication::setFont(font);
+    }
+
+    void savesTheTimeThatItShowsHoweverItIsTyped_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QTime>("saved"); // invalid where Save waits
+        QTest::addColumn<QString>("shown");
+        const auto row = [](const char *typed, const QTime &saved, const char *shown, const char *locale = "en_US") {
+            QTest::newRow(typed) << QString::fromLatin1(locale) << saved << QString::fromUtf8(shown);
+        };
+        for (const char *typed : {"9:30 am", "9:30 AM", "930a", "0930", " 9.30 A.M. ", "9 30", "9h30", "AM 9:30"})
+            row(typed, {9, 30}, "9:30 AM");
+        for (const char *typed : {"21:30", "2130", "9:30pm", "930 P", "21.30", "21:30 pm", "21:30 Uhr"})
+            row(typed, {21, 30}, "9:30 PM");
+        row("9a", {9, 0}, "9:00 AM");
+        row("12a", {0, 0}, "12:00 AM");
+        row("12 p.m.", {12, 0}, "12:00 PM");
+        row("24:00", {0, 0}, "12:00 AM");
+        for (const char *typed : {"", "21:3", "25:00", "9:60", "93", "0p", "21:30 am", "9:30 x", "9:30:15", "-9"})
+            row(typed, {}, typed);
+        row("9:30 p", {21, 30}, "21:30", "de_DE");
+        row("9.30 ", {9, 30}, "09:30", "de_DE");
+        row("9:30 \xce\xbc.\xce\xbc.", {21, 30}, "9:30 \xce\xbc.\xce\xbc.", "el_GR");
+    }
+
+    void savesTheTimeThatItShowsHoweverItIsTyped()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QTime, saved);
+        QFETCH(QString, shown);
+        QLocale::setDefault(QLocale(locale));
+        const FakeCalendar calendar;
+        ScheduleEntryEditor editor({}, {100, 1000, 6500}, calendar);
+        Date stored;
+        connect(&editor, &ScheduleEntryEditor::saved, &editor, [&](const auto &entry) { stored = entry.time; });
+        auto *text = editor.findChild<QLineEdit *>();
+        text->setText(QString::fromUtf8(QTest::currentDataTag()));
+        QFocusEvent left(QEvent::FocusOut);
+        QApplication::sendEvent(text->parentWidget(), &left);
+        QCOMPARE(text->text(), shown);
+        QTest::keyClick(&editor, Qt::Key_Return);
+        QCoreApplication::processEvents();
+        QCOMPARE(stored, saved.isValid() ? FakeCalendar::at(saved.hour(), saved.minute()) : Date());
+        QLocale::setDefault(QLocale::c());
     }
 
     void theSwitchesReachTheSystem()
