@@ -71,6 +71,11 @@ bool AmbertideApp::launch()
                                                .placement = m_system.placement,
                                                .createTrayIcon = m_system.createTrayIcon,
                                                .openSettings = [this] { showSettings(); },
+                                               .openSchedule =
+                                                   [this] {
+                                                       showSettings();
+                                                       m_settings->showSchedule();
+                                                   },
                                                .quit = quit});
     return true;
 }

@@ -69,6 +69,10 @@ void MenuBarExtra::open(PanelPlacement::Manner manner, std::optional<QPoint> pla
         m_panel->close();
         m_ports.openSettings();
     });
+    connect(view, &MenuBarView::scheduleRequested, this, [this] {
+        m_panel->close();
+        m_ports.openSchedule();
+    });
     connect(view, &MenuBarView::quitRequested, this, [this] { m_ports.quit(); });
     m_panel->open(place);
     reapplyIfTinted();
@@ -126,9 +130,6 @@ void MenuBarExtra::updateMenu()
     });
 }
 
-void MenuBarExtra::updateToolTip()
-{
-    m_icon->setToolTip(MenuBarView::temperatureText(m_ports.viewModel.temperature()).toStdString());
-}
+void MenuBarExtra::updateToolTip() { m_icon->setToolTip(MenuBarView::statusText(m_ports.viewModel).toStdString()); }
 
 } // namespace ambertide

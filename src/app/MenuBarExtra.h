@@ -33,6 +33,7 @@ public:
         PanelPlacement &placement;
         TrayIconFactory createTrayIcon;
         std::function<void()> openSettings;
+        std::function<void()> openSchedule;
         std::function<void()> quit;
     };
 

@@ -51,6 +51,19 @@ std::optional<int> parseTemperature(std::string_view text)
     return kelvin;
 }
 
+/// Why nothing can be tinted; empty where it can.
+std::string refusalIn(const Notification &response)
+{
+    const auto &userInfo = response.userInfo;
+    const auto found = userInfo ? userInfo->find(notifications::refusalKey) : UserInfo::const_iterator();
+    if (!userInfo || found == userInfo->end())
+        return {};
+    const auto *const line = std::get_if<std::string>(&found->second);
+    std::string printable = line ? *line : "displays cannot be tinted";
+    std::erase_if(printable, [](unsigned char character) { return character < ' '; });
+    return printable;
+}
+
 AmbertideCLI::Result describe(ApplicationConnection::Outcome outcome)
 {
     using Outcome = ApplicationConnection::Outcome;
@@ -94,13 +107,25 @@ AmbertideCLI::Result AmbertideCLI::setTemperature(std::string_view temperature)
     const auto kelvin = parseTemperature(temperature);
     if (!kelvin)
         return {wrongUsage, {}, "ambertide: the temperature must be a whole number from 1000 to 6500 (kelvin)\n"};
-    return describe(m_application.post(notifications::withTemperature(notifications::updateTemperature, *kelvin)));
+    const auto outcome = m_application.post(notifications::withTemperature(notifications::updateTemperature, *kelvin));
+    if (outcome != ApplicationConnection::Outcome::done)
+        return describe(outcome);
+    const auto answer = requestTemperature();
+    if (answer.outcome != ApplicationConnection::Outcome::done)
+        return describe(answer.outcome);
+    const auto refusal = refusalIn(*answer.notification);
+    return refusal.empty() ? Result() : fail(refusal);
+}
+
+ApplicationConnection::Answer AmbertideCLI::requestTemperature()
+{
+    return m_application.request(notifications::withoutUserInfo(notifications::getTemperature),
+                                 notifications::temperatureResponse);
 }
 
 AmbertideCLI::Result AmbertideCLI::getTemperature()
 {
-    const auto answer = m_application.request(notifications::withoutUserInfo(notifications::getTemperature),
-                                              notifications::temperatureResponse);
+    const auto answer = requestTemperature();
     if (answer.outcome != ApplicationConnection::Outcome::done)
         return describe(answer.outcome);
     const auto kelvin = answer.notification ? notifications::integerTemperature(*answer.notification) : std::nullopt;

@@ -29,6 +29,7 @@ public:
 private:
     Result setTemperature(std::string_view temperature);
     Result getTemperature();
+    ApplicationConnection::Answer requestTemperature();
 
     ApplicationConnection &m_application;
 };

@@ -187,8 +187,17 @@ void AppViewModel::applyScheduleEntries(std::vector<ScheduleEntry> entries, cons
     applyTemperatureImmediately();
 }
 
+bool AppViewModel::isAnythingScheduled() const
+{
+    const auto entries = loadScheduleEntries();
+    return entries && std::ranges::any_of(*entries, &ScheduleEntry::isEnabled);
+}
+
 void AppViewModel::manualScheduleCheck()
 {
+    const bool isRefused = tintRefusal().has_value();
+    if (std::exchange(m_isRefused, isRefused) != isRefused)
+        Q_EMIT changed();
     const bool isEnabled = scheduleEnabled();
     if (isEnabled != isScheduleFollowed())
         setScheduleEnabled(isEnabled);
@@ -213,8 +222,10 @@ void AppViewModel::handleTemperatureRequest()
 {
     // The schedule may have set anything that a double holds.
     const auto kelvin = static_cast<std::int64_t>(std::clamp(m_temperature, -1e18, 1e18));
-    m_ports.distributedNotifications.post(notifications::withTemperature(notifications::temperatureResponse, kelvin),
-                                          Delivery::immediate);
+    auto response = notifications::withTemperature(notifications::temperatureResponse, kelvin);
+    if (const auto refusal = tintRefusal())
+        response.userInfo->emplace(notifications::refusalKey, refusal->details);
+    m_ports.distributedNotifications.post(response, Delivery::immediate);
 }
 
 } // namespace ambertide

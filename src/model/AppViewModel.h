@@ -70,6 +70,11 @@ public:
     /// accepted changes nothing.
     void requestTemperature(double temperature);
 
+    /// Why no display shows the temperature; nothing where they do, and until that is known.
+    std::optional<TintRefusal> tintRefusal() const { return m_ports.displays.refusal(); }
+    /// Whether the schedule, in force or not, has an entry that is enabled.
+    bool isAnythingScheduled() const;
+
     /// For the panel and the application becoming active: writes the tint once more.
     void reapplyCurrentTemperature() { m_displayManager->reapplyCurrentTemperature(); }
 
@@ -96,6 +101,7 @@ private:
     std::shared_ptr<DisplayManager> m_displayManager;
     bool m_isScheduledChange = false; ///< whether the schedule changed the temperature last; nothing reads it
     bool m_isImmediateApplyPending = false;
+    bool m_isRefused = false;     ///< when that was last looked at
     Task m_temperatureChangeTask; ///< the newest debounced apply, pending or past
     double m_temperature = neutralTemperature;
     Task m_scheduleTimer;

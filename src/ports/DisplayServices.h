@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace ambertide {
@@ -20,6 +21,17 @@ struct GammaTables
     Table red;
     Table green;
     Table blue;
+};
+
+/// Why no display can be tinted.
+struct TintRefusal
+{
+    enum class Reason {
+        Desktop, ///< it lets no program tint displays
+        Displays ///< none of them has tables that can be set
+    };
+    Reason reason = Reason::Desktop;
+    std::string details; ///< a line in English, for logs and terminals
 };
 
 /// Port: what the colour engine asks of the display server. Safe from any thread.
@@ -44,6 +56,9 @@ public:
     /// A ramp begins now that ends with the tables `target`, or with the system's own colours where there are none. For
     /// systems that make ramps by themselves.
     virtual void beginRamp(const std::optional<GammaTables> & /*target*/) {}
+
+    /// Nothing where displays can be tinted, and until that is known.
+    virtual std::optional<TintRefusal> refusal() { return std::nullopt; }
 };
 
 } // namespace ambertide

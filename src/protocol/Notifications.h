@@ -18,6 +18,10 @@ inline constexpr char checkScheduleNow[] = "CheckScheduleNow";
 /// Kelvin, under this key of the user info.
 inline constexpr char temperatureKey[] = "temperature";
 
+/// A line in English, under this key of the response: why the displays do not show the temperature. Absent where they
+/// do.
+inline constexpr char refusalKey[] = "refusal";
+
 inline Notification withoutUserInfo(std::string name) { return {std::move(name), std::nullopt}; }
 
 inline Notification withTemperature(std::string name, std::int64_t kelvin)

@@ -1,9 +1,11 @@
 #include "app/MenuBarExtra.h"
 
+#include "protocol/Notifications.h"
 #include "support/ModelBench.h"
 #include "ui/panel/PanelWindow.h"
 
 #include <QApplication>
+#include <QPushButton>
 #include <QTest>
 
 using namespace ambertide;
@@ -54,6 +56,7 @@ class MenuBarExtraTest : public QObject
         SparkleUpdater updater{[] { return std::make_unique<IdleUpdaterController>(); }, userDefaults};
         FakeDesktop desktop;
         std::string toolTip;
+        bool hasOpenedSchedule = false;
         MenuBarExtra extra{{.viewModel = *model,
                             .updater = updater,
                             .executor = executor,
@@ -61,6 +64,7 @@ class MenuBarExtraTest : public QObject
                             .placement = desktop,
                             .createTrayIcon = [this](auto) { return std::make_unique<FakeTrayIcon>(toolTip); },
                             .openSettings = [] {},
+                            .openSchedule = [this] { hasOpenedSchedule = true; },
                             .quit = [] {}}};
 
         static QWidget *panel()
@@ -101,6 +105,37 @@ private Q_SLOTS:
         bench.writesIn(5s);
         Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
         QCOMPARE(bench.writesIn(0s), 0U);
+    }
+
+    void saysWhatKeepsTheDisplaysAsTheyAre()
+    {
+        Bench bench;
+        bench.extra.toggle({});
+        const auto shows = [](const char *text) {
+            const auto widgets = Bench::panel()->findChildren<QWidget *>();
+            return std::ranges::count_if(widgets, [text](const auto *each) {
+                       return each->isVisible() && each->property("text").toString() == QLatin1String(text);
+                   }) == 1;
+        };
+        const char *refusal = "None of the displays here can be tinted.";
+        bench.displays.tintRefusal = {TintRefusal::Reason::Displays, "no tables"};
+        bench.notifications.post(notifications::withoutUserInfo(notifications::checkScheduleNow));
+        QVERIFY(shows(refusal) && bench.toolTip == refusal);
+        bench.distributed.post(notifications::withoutUserInfo(notifications::getTemperature), Delivery::standard);
+        QVERIFY(bench.distributed.posts.back().first.userInfo->at("refusal") == UserInfoValue("no tables"));
+        bench.displays.tintRefusal.reset();
+        bench.notifications.post(notifications::withoutUserInfo(notifications::checkScheduleNow));
+        QVERIFY(!shows(refusal) && bench.toolTip == "3400K (Halogen)");
+
+        const char *link = "Nothing is scheduled yet...";
+        QVERIFY(!shows(link));
+        bench.model->setScheduleEnabled(true);
+        QVERIFY(shows(link));
+        for (auto *each : Bench::panel()->findChildren<QPushButton *>()) {
+            if (each->text() == QLatin1String(link))
+                each->click();
+        }
+        QVERIFY(bench.hasOpenedSchedule && Bench::panel() == nullptr);
     }
 
     void opensAndClosesByTheSameIcon()

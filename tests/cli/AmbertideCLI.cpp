@@ -19,12 +19,16 @@ struct FakeApplication
     DBusSession strangersSession{SdBusKind::session};
     DBusNotificationCenter stranger{strangersSession};
     std::int64_t taken = 0;
+    std::optional<std::string> refusal;
     Observation updates =
         center.observe(notifications::updateTemperature, Delivery::immediate,
                        [this](const auto &update) { taken = notifications::integerTemperature(update).value_or(-1); });
     Observation requests = stranger.observe(notifications::getTemperature, Delivery::standard, [this](const auto &) {
         stranger.post(notifications::withTemperature(notifications::temperatureResponse, 1), Delivery::standard);
-        center.post(notifications::withTemperature(notifications::temperatureResponse, 2700), Delivery::standard);
+        auto response = notifications::withTemperature(notifications::temperatureResponse, 2700);
+        if (refusal)
+            response.userInfo->emplace(notifications::refusalKey, *refusal);
+        center.post(response, Delivery::standard);
     });
 
     FakeApplication() { applications.withIdentifier("me.tovanu.Ambertide"); }
@@ -76,6 +80,9 @@ private Q_SLOTS:
             QCOMPARE(statusOf("set," + QByteArray::number(kelvin)), 0);
             QCOMPARE(application.taken, kelvin); // by the time the tool ends
         }
+        application.refusal = "No display\033[2J\ncan be tinted.";
+        QCOMPARE(statusOf("set,3400"), 1);
+        QCOMPARE(m_tool.readAllStandardError(), QByteArray("ambertide: No display[2Jcan be tinted.\n"));
         QCOMPARE(statusOf("get"), 0);
         QCOMPARE(m_tool.readAllStandardOutput(), QByteArray("2700\n"));
         m_tool.setStandardOutputFile(QStringLiteral("/dev/full"));

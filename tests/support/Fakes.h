@@ -107,6 +107,7 @@ public:
 
     std::vector<DisplayIdentifier> displays = {1, 2};
     std::vector<std::optional<GammaTables>> rampTargets;
+    std::optional<TintRefusal> tintRefusal;
 
     std::vector<DisplayIdentifier> activeDisplays() override { return displays; }
     void setTransferTables(std::span<const DisplayIdentifier> addressed, const GammaTables &tables) override
@@ -120,6 +121,7 @@ public:
         m_writes.push_back({displays, {}, true});
     }
     void beginRamp(const std::optional<GammaTables> &target) override { rampTargets.push_back(target); }
+    std::optional<TintRefusal> refusal() override { return tintRefusal; }
 
     /// What was written since the last call.
     std::vector<Write> takeWrites()

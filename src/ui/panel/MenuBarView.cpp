@@ -60,10 +60,19 @@ MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
       m_temperature(viewModel.temperature()), m_temperatureLabel(new TextLabel({}, TextStyle::Subheadline)),
       m_slider(new TemperatureSlider(AppViewModel::minTemperature, AppViewModel::maxTemperature,
                                      AppViewModel::temperatureStep)),
-      m_schedule(new SwitchRow(tr("Enable Schedule"), SwitchRow::Kind::Menu))
+      m_refusal(new TextLabel({}, TextStyle::Caption, &Theme::orange)),
+      m_schedule(new SwitchRow(tr("Enable Schedule"), SwitchRow::Kind::Menu)),
+      m_nothingScheduled(new Button(tr("Nothing is scheduled yet..."), {.kind = Button::Kind::Row,
+                                                                        .paddingX = rowPaddingX,
+                                                                        .paddingY = rowPaddingY,
+                                                                        .ink = &Theme::accent,
+                                                                        .hoverInk = &Theme::accentOnHover}))
 {
     m_temperatureLabel->setAlignment(Qt::AlignCenter);
     m_slider->setAccessibleName(tr("Color temperature"));
+    m_refusal->setAlignment(Qt::AlignCenter);
+    m_refusal->setWordWrap(true);
+    m_refusal->setContentsMargins(defaultPadding, bodySpacing, defaultPadding, bodySpacing);
     m_schedule->setChecked(m_scheduleEnabled);
     auto *quit =
         new Button(tr("Quit Ambertide"), {.kind = Button::Kind::Row, .paddingX = rowPaddingX, .paddingY = rowPaddingY});
@@ -74,9 +83,11 @@ MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     body->addSpacing(bodySpacing);
     body->addLayout(sliderBlock());
     body->addSpacing(bodySpacing - TemperatureSlider::shadowRoom);
+    body->addWidget(m_refusal);
     body->addLayout(divider());
     body->addSpacing(bodySpacing);
     body->addLayout(padded(m_schedule, rowMargin));
+    body->addLayout(padded(m_nothingScheduled, rowMargin));
     body->addSpacing(bodySpacing);
     body->addLayout(divider());
     body->addSpacing(bodySpacing);
@@ -90,9 +101,11 @@ MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     connect(m_slider, &TemperatureSlider::valueChosen, &m_viewModel, &AppViewModel::setTemperature);
     connect(m_slider, &TemperatureSlider::editingChanged, this, &MenuBarView::handleEditing);
     connect(m_schedule, &SwitchRow::clicked, &m_viewModel, &AppViewModel::setScheduleEnabled);
+    connect(m_nothingScheduled, &Button::clicked, this, &MenuBarView::scheduleRequested);
     connect(quit, &Button::clicked, this, &MenuBarView::quitRequested);
     connect(&m_viewModel, &AppViewModel::changed, this, &MenuBarView::follow);
     showTemperature();
+    showNotices();
     fitWidth();
 }
 
@@ -149,6 +162,20 @@ QString MenuBarView::getTemperatureDescription(double temperature)
     return found != descriptions.end() ? found->second : QString();
 }
 
+QString MenuBarView::refusalText(const std::optional<TintRefusal> &refusal)
+{
+    if (!refusal)
+        return {};
+    return refusal->reason == TintRefusal::Reason::Desktop ? tr("This desktop lets no program tint the displays.")
+                                                           : tr("None of the displays here can be tinted.");
+}
+
+QString MenuBarView::statusText(const AppViewModel &viewModel)
+{
+    const auto refusal = viewModel.tintRefusal();
+    return refusal ? refusalText(refusal) : temperatureText(viewModel.temperature());
+}
+
 void MenuBarView::handleEditing(bool isEditing)
 {
     m_isDragging = isEditing;
@@ -170,12 +197,20 @@ void MenuBarView::follow()
     if (std::exchange(m_scheduleEnabled, isOn) != isOn)
         m_haptics.performLevelChange();
     m_schedule->setChecked(isOn);
+    showNotices();
 }
 
 void MenuBarView::showTemperature()
 {
     m_temperatureLabel->setText(temperatureText(m_temperature));
     m_slider->follow(m_temperature);
+}
+
+void MenuBarView::showNotices()
+{
+    m_refusal->setText(refusalText(m_viewModel.tintRefusal()));
+    m_refusal->setVisible(!m_refusal->text().isEmpty());
+    m_nothingScheduled->setVisible(m_scheduleEnabled && !m_viewModel.isAnythingScheduled());
 }
 
 // A focus proxy would catch every round of Tab.

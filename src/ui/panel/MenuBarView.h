@@ -7,6 +7,7 @@
 
 namespace ambertide {
 
+class Button;
 class SwitchRow;
 class TemperatureSlider;
 class TextLabel;
@@ -22,9 +23,12 @@ public:
 
     /// "Normal (Daylight)" from 6500 K on, else as in "3450K" or "3400K (Halogen)".
     static QString temperatureText(double temperature);
+    /// The temperature as above, or why the displays do not show it.
+    static QString statusText(const AppViewModel &viewModel);
 
 Q_SIGNALS:
     void settingsRequested();
+    void scheduleRequested();
     void quitRequested();
 
 protected:
@@ -33,11 +37,13 @@ protected:
 
 private:
     static QString getTemperatureDescription(double temperature);
+    static QString refusalText(const std::optional<TintRefusal> &refusal);
     QLayout *header();
     QLayout *sliderBlock();
     void handleEditing(bool isEditing);
     void follow();
     void showTemperature();
+    void showNotices();
     void fitWidth();
 
     AppViewModel &m_viewModel;
@@ -47,7 +53,9 @@ private:
     double m_temperature;   ///< as shown, in kelvin
     TextLabel *m_temperatureLabel = nullptr;
     TemperatureSlider *m_slider = nullptr;
+    TextLabel *m_refusal = nullptr;
     SwitchRow *m_schedule = nullptr;
+    Button *m_nothingScheduled = nullptr;
 };
 
 } // namespace ambertide

@@ -25,6 +25,9 @@ public:
     SettingsView(AppViewModel &appViewModel, const Ports &ports);
     ~SettingsView() override;
 
+    /// Once the window is shown.
+    void showSchedule() { m_settingsViewModel.setSelectedTab(1); }
+
 Q_SIGNALS:
     /// The keys that end a program were pressed.
     void quitRequested();

@@ -6,6 +6,7 @@
 #include "adapters/linux/displays/wlroots/WlrootsBackend.h"
 
 #include <array>
+#include <utility>
 
 namespace ambertide {
 
@@ -15,9 +16,18 @@ namespace {
 class NoDisplays final : public DisplayBackend
 {
 public:
+    explicit NoDisplays(std::string refusal) : m_refusal(std::move(refusal)) {}
+
     std::span<const DisplayIdentifier> displays() const override { return {}; }
     bool write(std::span<const DisplayIdentifier>, const GammaTables &, Wait) override { return true; }
     void restore() override {}
+    std::optional<TintRefusal> tintRefusal() const override
+    {
+        return TintRefusal{TintRefusal::Reason::Desktop, m_refusal};
+    }
+
+private:
+    const std::string m_refusal;
 };
 
 struct Kind
@@ -78,9 +88,6 @@ constexpr std::array kinds{
 
 ChosenDisplayBackend chooseDisplayBackend(const DisplaySession &session, std::string_view choice)
 {
-    ChosenDisplayBackend chosen{std::make_unique<NoDisplays>(), {}};
-    if (choice == "none")
-        return chosen;
     std::string reasons;
     for (const auto &kind : kinds) {
         if (!choice.empty() && choice != kind.name)
@@ -90,13 +97,13 @@ ChosenDisplayBackend chooseDisplayBackend(const DisplaySession &session, std::st
             return {kind.create(session), {}};
         reasons += (reasons.empty() ? "" : "; ") + std::string(kind.name) + ": " + refusal;
     }
-    if (reasons.empty())
-        chosen.refusal = "AMBERTIDE_DISPLAY names no way of tinting displays: " + std::string(choice) + ".";
-    else
-        chosen.refusal =
-            "Displays cannot be tinted here (" + reasons +
-            "). They can on X11, GNOME, Plasma, and Wayland compositors with wlr-gamma-control, such as Sway.";
-    return chosen;
+    const auto refusal = reasons.empty()
+                             ? "AMBERTIDE_DISPLAY names no way of tinting displays: " + std::string(choice) + "."
+                             : "Displays cannot be tinted here (" + reasons +
+                                   "). They can on X11, GNOME, Plasma, and Wayland compositors with wlr-gamma-control, "
+                                   "such as Sway.";
+    // Who asks for none need not be told.
+    return {std::make_unique<NoDisplays>(refusal), choice == "none" ? std::string() : refusal};
 }
 
 } // namespace ambertide

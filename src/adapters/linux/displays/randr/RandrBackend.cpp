@@ -53,6 +53,35 @@ void RandrBackend::restore()
     m_hasChanges = m_server->hasChanges();
 }
 
+/// Of the server as a whole: a line, empty where there is none.
+std::string RandrBackend::obstacle() const
+{
+    switch (m_server->state()) {
+    case State::withoutRandr:
+        return "The X server " + m_display + " has no RandR 1.3, so displays cannot be tinted.";
+    case State::xwayland:
+        return "The X server " + m_display + " is Xwayland, through which displays cannot be tinted.";
+    case State::usable:
+    case State::unreachable:
+        break;
+    }
+    return {};
+}
+
+std::optional<TintRefusal> RandrBackend::tintRefusal() const
+{
+    if (const auto line = obstacle(); !line.empty())
+        return TintRefusal{TintRefusal::Reason::Desktop, line};
+    const auto hasTable = [this](DisplayIdentifier display) {
+        const auto *const crtc = m_server->find(display);
+        return crtc && crtc->tableSize > 0;
+    };
+    if (m_displays.empty() || std::ranges::any_of(m_displays, hasTable))
+        return std::nullopt;
+    return TintRefusal{TintRefusal::Reason::Displays,
+                       "None of the displays of the X server " + m_display + " has gamma tables to tint it by."};
+}
+
 int RandrBackend::descriptor() const
 {
     return m_server->state() == State::usable ? xcb_get_file_descriptor(m_server->xcb()) : -1;
@@ -110,10 +139,8 @@ void RandrBackend::report(State state)
         console::print("Cannot reach the X server " + m_display + "; trying again whenever displays are to be tinted.");
         break;
     case State::withoutRandr:
-        console::print("The X server " + m_display + " has no RandR 1.3, so displays cannot be tinted.");
-        break;
     case State::xwayland:
-        console::print("The X server " + m_display + " is Xwayland, through which displays cannot be tinted.");
+        console::print(obstacle());
         break;
     }
 }

@@ -27,6 +27,7 @@ public:
     std::span<const DisplayIdentifier> displays() const override { return m_displays; }
     bool write(std::span<const DisplayIdentifier> displays, const GammaTables &tables, Wait wait) override;
     void restore() override;
+    std::optional<TintRefusal> tintRefusal() const override;
     int descriptor() const override;
     std::optional<Clock::time_point> due() const override;
     bool process() override;
@@ -34,6 +35,7 @@ public:
 private:
     bool connect();
     void readDisplays();
+    std::string obstacle() const;
     void report(RandrConnection::State state);
     void beginTint();
 

@@ -41,6 +41,11 @@ public:
         const std::scoped_lock lock(m_lock);
         return m_displays;
     }
+    std::optional<TintRefusal> refusal()
+    {
+        const std::scoped_lock lock(m_lock);
+        return m_refusal;
+    }
     void show(std::span<const DisplayIdentifier> displays, const GammaTables &tables);
     void beginRamp(const std::optional<GammaTables> &target);
     /// Returns when it has been done or has been waited for long enough.
@@ -73,6 +78,7 @@ private:
     std::mutex m_lock; ///< guards all below; held for moments only
     std::condition_variable m_changed;
     std::vector<DisplayIdentifier> m_displays;
+    std::optional<TintRefusal> m_refusal;
     std::optional<Tint> m_wanted; ///< nothing: the system's own colours
     std::uint64_t m_asked = 0;    ///< counts what was asked for
     std::uint64_t m_done = 0;     ///< what of that has been done, or been overtaken by something newer
@@ -176,6 +182,7 @@ void BackendDisplayServices::Worker::noteDisplays()
     const auto displays = m_backend->displays();
     const std::scoped_lock lock(m_lock);
     m_displays.assign(displays.begin(), displays.end());
+    m_refusal = m_backend->tintRefusal();
 }
 
 void BackendDisplayServices::Worker::show(std::span<const DisplayIdentifier> displays, const GammaTables &tables)
@@ -259,6 +266,8 @@ void BackendDisplayServices::setTransferTables(std::span<const DisplayIdentifier
 }
 
 void BackendDisplayServices::restoreSystemColours() { m_worker->restore(); }
+
+std::optional<TintRefusal> BackendDisplayServices::refusal() { return m_worker->refusal(); }
 
 void BackendDisplayServices::beginRamp(const std::optional<GammaTables> &target) { m_worker->beginRamp(target); }
 

@@ -27,6 +27,7 @@ public:
     /// Waits for the server, for half a second at most.
     void restoreSystemColours() override;
     void beginRamp(const std::optional<GammaTables> &target) override;
+    std::optional<TintRefusal> refusal() override;
 
 private:
     class Worker;

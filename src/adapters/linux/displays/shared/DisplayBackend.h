@@ -30,6 +30,9 @@ public:
     /// Gives every display the system's own colours, and waits until the server has done it or cannot.
     virtual void restore() = 0;
 
+    /// Why nothing can be tinted, as far as the server has told. Never waits.
+    virtual std::optional<TintRefusal> tintRefusal() const { return std::nullopt; }
+
     /// True where the system makes its own ramps: it is given the target of a ramp at its beginning, and no steps.
     virtual bool makesOwnRamps() const { return false; }
 
