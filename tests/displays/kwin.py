@@ -1,4 +1,5 @@
-"""kwin.py [kills]: the job for KWin, which tints by its own Night Light; one output and then another."""
+"""kwin.py [part...]: the job for KWin, which tints by its own Night Light; one output, and two for plugging. Parts:
+plain, ends, plugging, kills:<number>; all but the last where none are named."""
 import pathlib
 import re
 import signal
@@ -8,9 +9,8 @@ import threading
 import time
 
 from machine import USER, Hardware, Session, as_user, plug, row, set_temperature, tool, wait_for, white_point
-from measures import Measures
+from measures import Measures, run_parts
 
-kills = int(sys.argv[1]) if len(sys.argv) > 1 else 0
 KWINRC = pathlib.Path(USER.pw_dir, ".config/kwinrc")
 STATE = pathlib.Path(USER.pw_dir, ".local/state/ambertide/night-light")
 NIGHT_LIGHT = ("org.kde.KWin", "/org/kde/KWin/NightLight", "org.kde.KWin.NightLight")
@@ -68,7 +68,7 @@ def ramp(kelvin):
     wait_for(lambda: settings() != untouched and hardware.history[-1][0] > asked, 5)
     hardware.rested()
     times = [moment for moment, _ in hardware.since(asked)]
-    row(f"{kelvin} K: length of the ramp on the screen", times[-1] - times[0] + 2 / len(times), "s", 2.1)
+    row("length of the ramp on the screen", times[-1] - times[0] + 2 / len(times), "s", 2.1)
     measures.levels(kelvin)
 
 
@@ -107,78 +107,92 @@ announced = []
 threading.Thread(target=note_announcements, daemon=True).start()
 time.sleep(3)
 hardware.start(1)
+Measures.LEVELS = "{} K: white off by"
 measures = Measures(hardware, display, ["kwin_wayland", "--version"])
 with open(KWINRC, "a", encoding="utf8") as file:
     file.write("\n[NightColor]\nNightTemperature=4100\r\n\n[Of somebody else]\nKey[de]=Wert\n")
 subprocess.run(["chown", "lab:lab", KWINRC])
 untouched, original = settings(), content(KWINRC)
 
-application = measures.start()
-for kelvin in (2700, 3400, 2000, 4500, 5500, 6000):
-    ramp(kelvin)
-tool("set", "6040")
-asked = time.monotonic()
-arrived = wait_for(lambda: time.monotonic() > asked + 2 and night_light("currentTemperature") ==
-                   re.search(rb"NightTemperature=(\d+)", content(KWINRC)).group(1).decode(), 9)
-row("40 K more: arrived after", time.monotonic() - asked if arrived else None, "s", 6)
-set_temperature(3400)
-hardware.rested()
-back_since(set_temperature(6500), "neutral")
-row("neutral: kwinrc as before, byte for byte", content(KWINRC) == original)
 
-set_temperature(3400)
-time.sleep(4)
-told = len(announced)
-begun = time.monotonic()
-for i in range(30):
-    tool("set", str(3400 + 80 * i))
-tool("set", "2700")
-time.sleep(1.5)
-hardware.rested(1.2)
-row("drag: requests a second", (len(announced) - told - 1) / (announced[-1] - begun), "", 1.1)
-measures.levels(2700)
+def plain():
+    application = measures.start()
+    for kelvin in (2700, 3400, 2000, 4500, 5500, 6000):
+        ramp(kelvin)
+    tool("set", "6040")
+    asked = time.monotonic()
+    arrived = wait_for(lambda: time.monotonic() > asked + 2 and night_light("currentTemperature") ==
+                       re.search(rb"NightTemperature=(\d+)", content(KWINRC)).group(1).decode(), 9)
+    row("40 K more: arrived after", time.monotonic() - asked if arrived else None, "s", 6)
+    set_temperature(3400)
+    hardware.rested()
+    back_since(set_temperature(6500), "neutral")
+    row("neutral: kwinrc as before, byte for byte", content(KWINRC) == original)
 
-back_since(application.quit(), "quit")
-for number in (signal.SIGTERM, signal.SIGKILL):
-    back_since(tinted().end(number), number.name, 100)
+    set_temperature(3400)
+    time.sleep(4)
+    told = len(announced)
+    begun = time.monotonic()
+    for i in range(30):
+        tool("set", str(3400 + 80 * i))
+    tool("set", "2700")
+    time.sleep(1.5)
+    hardware.rested(1.2)
+    row("drag: requests a second", (len(announced) - told - 1) / (announced[-1] - begun), "", 1.1)
+    measures.levels(2700)
+    application.quit()
 
-application = tinted()
-guardian = subprocess.run(["pgrep", "-x", "AmbertideGuardi"], capture_output=True, text=True).stdout.split()
-subprocess.run(["kill", "-KILL", str(application.process.pid), *guardian])
-application.process.wait()
-time.sleep(1)
-row("power cut: settings still borrowed", b"Constant" in content(KWINRC) and content(STATE) != b"")
-seen = []
-watcher = threading.Thread(target=lambda: seen.append(wait_for(lambda: settings() == untouched, 20)))
-watcher.start()
-application = measures.start()
-watcher.join()
-row("power cut: settings back at the next start", seen == [True])
-wait_for(lambda: settings() != untouched, 5)
-application.quit()
-row("power cut: settings back after that one quits", wait_for(is_given_back, 5))
 
-application = tinted()
-output("kwriteconfig6", "--file", "kwinrc", "--group", "NightColor", "--key", "NightTemperature", "--notify", "5000")
-time.sleep(1)
-told = len(announced)
-theirs = content(KWINRC)
-application.quit()
-row("changed by the user: left alone",
-    content(KWINRC) == theirs and len(announced) == told and b"5000" in theirs)
-row("changed by the user: nothing left borrowed", content(STATE) == b"")
-KWINRC.write_bytes(original)
-output("busctl", "--user", "emit", "/kwinrc", "org.kde.kconfig.notify", "ConfigChanged", "a{saay}", "1",
-       "NightColor", "1", "6", *"65 99 116 105 118 101".split())
-time.sleep(3)
+def ends():
+    back_since(tinted().quit(), "quit")
+    for number in (signal.SIGTERM, signal.SIGKILL):
+        back_since(tinted().end(number), number.name, 100)
 
-application = tinted()
-plug(1, True)
-row("second output plugged in: tinted",
-    wait_for(lambda: len(hardware.whites()) == 2 and hardware.shows(3400), 10))
-application.quit()
-measures.plugging()
-measures.kills(kills, lambda moment: milliseconds_until(is_given_back, moment), 100)
-row("screen neutral in the end", hardware.settled(time.monotonic(), hardware.is_neutral) is not None)
-row("nothing left borrowed", is_given_back())
+    application = tinted()
+    guardian = subprocess.run(["pgrep", "-x", "AmbertideGuardi"], capture_output=True, text=True).stdout.split()
+    subprocess.run(["kill", "-KILL", str(application.process.pid), *guardian])
+    application.process.wait()
+    time.sleep(1)
+    row("power cut: settings still borrowed", b"Constant" in content(KWINRC) and content(STATE) != b"")
+    seen = []
+    watcher = threading.Thread(target=lambda: seen.append(wait_for(lambda: settings() == untouched, 20)))
+    watcher.start()
+    application = measures.start()
+    watcher.join()
+    row("power cut: settings back at the next start", seen == [True])
+    wait_for(lambda: settings() != untouched, 5)
+    application.quit()
+    row("power cut: settings back after that one quits", wait_for(is_given_back, 5))
+
+    application = tinted()
+    output("kwriteconfig6", "--file", "kwinrc", "--group", "NightColor", "--key", "NightTemperature", "--notify", "5000")
+    time.sleep(1)
+    told = len(announced)
+    theirs = content(KWINRC)
+    application.quit()
+    row("changed by the user: left alone",
+        content(KWINRC) == theirs and len(announced) == told and b"5000" in theirs)
+    row("changed by the user: nothing left borrowed", content(STATE) == b"")
+    KWINRC.write_bytes(original)
+    output("busctl", "--user", "emit", "/kwinrc", "org.kde.kconfig.notify", "ConfigChanged", "a{saay}", "1",
+           "NightColor", "1", "6", *"65 99 116 105 118 101".split())
+    time.sleep(3)
+
+
+def plugging():
+    application = tinted()
+    plug(1, True)
+    row("second output plugged in: tinted",
+        wait_for(lambda: len(hardware.whites()) == 2 and hardware.shows(3400), 10))
+    application.quit()
+    measures.plugging()
+
+
+def kills(count):
+    measures.kills(count, lambda moment: milliseconds_until(is_given_back, moment), 100)
+    row("screen neutral in the end", hardware.settled(time.monotonic(), hardware.is_neutral) is not None)
+    row("nothing left borrowed", is_given_back())
+
+
+run_parts({"plain": plain, "ends": ends, "plugging": plugging, "kills": kills}, sys.argv[1:])
 session.stop()

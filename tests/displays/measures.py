@@ -7,7 +7,16 @@ import time
 from machine import Application, differs, plug, row, set_temperature, tool, wait_for
 
 
+def run_parts(parts, arguments):
+    """Those that are named by the arguments, `name` or `name:number`, in their order; all where none are named."""
+    for argument in arguments or [name for name in parts if name != "kills"]:
+        name, _, number = argument.partition(":")
+        parts[name](*([int(number)] if number else []))
+
+
 class Measures:
+    LEVELS = "levels off by"  # the name of that row, for a temperature
+
     def __init__(self, hardware, display, version):
         """The command `version` prints which server it is."""
         self.hardware, self.display = hardware, display
@@ -19,7 +28,7 @@ class Measures:
         return Application(WAYLAND_DISPLAY=self.display, **environment)
 
     def levels(self, kelvin):
-        row(f"{kelvin} K: off by", round(self.hardware.worst_error(kelvin), 4), self.hardware.UNIT,
+        row(self.LEVELS.format(kelvin), round(self.hardware.worst_error(kelvin), 4), self.hardware.UNIT,
             self.hardware.TOLERANCE)
 
     def tint(self, kelvin):
@@ -35,25 +44,23 @@ class Measures:
         sleeps = time.monotonic() - begin
         asked = set_temperature(kelvin)
         self.hardware.shows_since(asked, kelvin)
-        times = [moment for moment, _ in self.hardware.since(asked)] or [asked]
-        row("tables of a ramp from neutral that were seen", len(times))
-        # The first is held for 0.2 s before the steps begin; the last comes a step before the end.
-        row("length of its 60 steps", times[-1] - times[0] - 0.2 + sleeps / 60, "s")
-        row("the same, in times of 60 sleeps of a thirtieth of a second",
-            (times[-1] - times[0] - 0.2) / sleeps * 60 / 59, "", 1.05)
+        seen = self.hardware.since(asked)
+        # The first tables are held for 0.2 s before the steps begin; the last come a step before the end.
+        first, last = (next((moment for moment, crtcs in seen if self.hardware.shows(shown, (moment, crtcs))), asked)
+                       for shown in (5500, kelvin))
+        row("tables of a ramp from neutral that were seen", sum(first <= moment <= last for moment, _ in seen))
+        row("length of its 60 steps", last - first - 0.2 + sleeps / 60, "s")
+        row("the same, in times of 60 sleeps of a thirtieth of a second", (last - first - 0.2) / sleeps * 60 / 59, "", 1.05)
 
     def first_tables(self, reach):
-        """The machine starts programs slowly, and the tool is one."""
         for kelvin in (4500, 2700, 5000):
-            begin = time.monotonic()
-            tool("get")
-            tool_time = time.monotonic() - begin
             asked = set_temperature(kelvin)
             wait_for(lambda: self.hardware.since(asked), 10)
-            row(f"set {kelvin} to first new table, less the {1000 * tool_time:.0f} ms of the tool itself",
-                1000 * (self.hardware.since(asked)[0][0] - asked - tool_time), "ms", reach)
+            row("`set` to the first new table", 1000 * (self.hardware.since(asked)[0][0] - asked), "ms", reach)
             self.hardware.shows_since(asked, kelvin)
             self.levels(kelvin)
+        tool("set", "4000")
+        row("tinted by the tool itself", bool(wait_for(lambda: self.hardware.shows(4000), 10)))
 
     def idle(self, application, writes=lambda: 0):
         before, wakeups, changes = writes(), application.wakeups(), len(self.hardware.history)
@@ -83,16 +90,16 @@ class Measures:
             row(f"{what}: {getattr(way, 'name', way)} to restored", restored(ended), "ms", 500)
         row(f"{what}: restored levels off by", differs(self.hardware.rested(2.5)[1], own), "of 65535", 1)
 
-    def plugging(self, reach=None):
+    def plugging(self, reach=None, switch=lambda is_there: plug(1, is_there)):
         application = self.start()
         self.tint(4500)
         set_temperature(3000)
         time.sleep(0.4)
-        plug(1, False)
+        switch(False)
         wait_for(lambda: len(self.hardware.whites()) == 1, 10)
         time.sleep(0.5)
         plugged = time.monotonic()
-        plug(1, True)
+        switch(True)
 
         def first(is_wanted):
             moments = wait_for(lambda: [entry[0] for entry in self.hardware.since(plugged)
@@ -117,6 +124,7 @@ class Measures:
             tinted += not self.hardware.is_neutral()
             delays.append(restored(application.end(signal.SIGKILL)))
         if count:
-            row(f"SIGKILL at {count} random moments: not restored", delays.count(None), "", 0)
+            row("SIGKILL at random moments", count)
             row("of these tinted at that moment", tinted)
+            row("of these not restored", delays.count(None), "", 0)
             row("the slowest", max((delay for delay in delays if delay is not None), default=None), "ms", reach)

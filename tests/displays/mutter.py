@@ -1,5 +1,5 @@
-"""mutter.py [part...]: the job for GNOME, with two outputs. Parts: plain, plugging, profiles, nights, kills; all but
-the last where none are named."""
+"""mutter.py [part...]: the job for GNOME, with two outputs. Parts: plain, ends, plugging, profiles, nights,
+kills:<number>; all but the last where none are named."""
 import pathlib
 import signal
 import struct
@@ -8,9 +8,8 @@ import sys
 import time
 
 from machine import Hardware, Session, as_user, row, set_temperature, wait_for
-from measures import Measures
+from measures import Measures, run_parts
 
-KILLS = 50
 PROFILES = pathlib.Path("/usr/share/color/icc")
 SETTINGS = """import sys; from gi.repository import Gio
 settings = Gio.Settings.new("org.gnome.settings-daemon.plugins.color")
@@ -101,6 +100,9 @@ def plain():
     asked = set_temperature(6500)
     row("neutral again", hardware.settled(asked, hardware.is_neutral) is not None)
     application.quit()
+
+
+def ends():
     measures.ends("plain", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL, signal.SIGKILL, signal.SIGKILL])
 
 
@@ -144,10 +146,10 @@ def nights():
     application.end(signal.SIGKILL)
 
 
-def kills():
-    measures.kills(KILLS, measures.restored_to(hardware.rested(2.5)[1]), 500)
+def kills(count):
+    measures.kills(count, measures.restored_to(hardware.rested(2.5)[1]), 500)
 
 
-for part in sys.argv[1:] or ["plain", "plugging", "profiles", "nights"]:
-    {"plain": plain, "plugging": plugging, "profiles": profiles, "nights": nights, "kills": kills}[part]()
+run_parts({"plain": plain, "ends": ends, "plugging": plugging, "profiles": profiles, "nights": nights, "kills": kills},
+          sys.argv[1:])
 session.stop()

@@ -82,6 +82,8 @@ struct GammaCompositor::Requests
         if (output.control != control)
             return;
         const auto kind = output.compositor.m_kind;
+        if (output.isCalibrated)
+            return zwlr_gamma_control_v1_send_failed(control);
         if (length == wanted || (length == wanted + 1 && kind == Kind::sway)) {
             output.shown = std::move(levels);
             ++output.writes;
@@ -157,10 +159,10 @@ void GammaCompositor::run()
     }
 }
 
-std::size_t GammaCompositor::addOutput(std::uint32_t tableSize, bool isRefused)
+std::size_t GammaCompositor::addOutput(std::uint32_t tableSize, bool isCalibrated)
 {
     const std::scoped_lock lock(m_lock);
-    auto &output = m_outputs.emplace_back(Output{*this, tableSize, isRefused});
+    auto &output = m_outputs.emplace_back(Output{*this, tableSize, isCalibrated});
     output.global = wl_global_create(m_display, &wl_output_interface, 1, &output, Requests::bindOutput);
     wl_display_flush_clients(m_display);
     return m_outputs.size() - 1;

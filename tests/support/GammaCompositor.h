@@ -26,8 +26,9 @@ public:
     struct Output
     {
         GammaCompositor &compositor;
-        std::uint32_t size; ///< levels in each table, as clients are told
-        bool isRefused;     ///< nobody gets the control
+        std::uint32_t size;     ///< levels in each table, as clients are told
+        bool isCalibrated;      ///< tables are withheld for the sake of a colour profile
+        bool isRefused = false; ///< nobody gets the control
         wl_global *global = nullptr;
         wl_resource *control = nullptr;
         std::vector<std::uint16_t> shown{}; ///< red, green, blue; empty: the compositor's own
@@ -42,7 +43,7 @@ public:
     GammaCompositor &operator=(const GammaCompositor &) = delete;
 
     /// Its index.
-    std::size_t addOutput(std::uint32_t tableSize, bool isRefused = false);
+    std::size_t addOutput(std::uint32_t tableSize, bool isCalibrated = false);
     void removeOutput(std::size_t index);
     Output output(std::size_t index);
     /// Ends every connection with a protocol error.

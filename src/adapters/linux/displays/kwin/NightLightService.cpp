@@ -15,10 +15,6 @@ constexpr char path[] = "/org/kde/KWin/NightLight";
 constexpr char interface[] = "org.kde.KWin.NightLight";
 constexpr char propertiesInterface[] = "org.freedesktop.DBus.Properties";
 
-constexpr char propertiesRule[] = "type='signal',sender='org.kde.KWin',path='/org/kde/KWin/NightLight',"
-                                  "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged'";
-constexpr char configRule[] = "type='signal',path='/kwinrc',interface='org.kde.kconfig.notify',member='ConfigChanged'";
-
 bool isTrue(const UserInfo &properties, std::string_view key)
 {
     const auto found = properties.find(key);
@@ -39,8 +35,11 @@ bool NightLightService::connect()
         disconnect();
         return false;
     }
-    m_properties = addMatch(m_bus.get(), propertiesRule, receiveProperties, this);
-    m_configChanges = addMatch(m_bus.get(), configRule, receiveConfigChange, this);
+    m_properties =
+        addMatch(m_bus.get(), signalRule({{"sender", name}, {"path", path}, {"member", "PropertiesChanged"}}),
+                 receiveProperties, this);
+    m_configChanges = addMatch(m_bus.get(), signalRule({{"path", "/kwinrc"}, {"member", "ConfigChanged"}}),
+                               receiveConfigChange, this);
     return true;
 }
 

@@ -6,13 +6,13 @@
 #include "adapters/linux/displays/mutter/MutterRestore.h"
 #include "adapters/linux/displays/mutter/NightLight.h"
 #include "adapters/linux/displays/mutter/TintName.h"
+#include "adapters/linux/displays/shared/timeAsleep.h"
 #include "base/Console.h"
 
 #include <poll.h>
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 #include <utility>
 
 namespace ambertide {
@@ -34,17 +34,6 @@ constexpr auto longestRestore = 400ms;
 constexpr auto betweenRestores = 300ms;
 constexpr int mostRestores = 10;
 
-/// How long the machine has slept since it was started.
-std::chrono::nanoseconds timeAsleep()
-{
-    const auto now = [](clockid_t clock) {
-        timespec time{};
-        clock_gettime(clock, &time);
-        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-    };
-    return now(CLOCK_BOOTTIME) - now(CLOCK_MONOTONIC);
-}
-
 /// False when the connection has ended.
 bool handleMessages(sd_bus *bus)
 {
@@ -52,13 +41,6 @@ bool handleMessages(sd_bus *bus)
     for (int i = 0; i < mostMessages && handled > 0; ++i)
         handled = sd_bus_process(bus, nullptr);
     return handled >= 0;
-}
-
-std::string signalRule(const std::string &sender, const std::string &path, const std::string &interface,
-                       const std::string &member)
-{
-    return "type='signal',sender='" + sender + "',path='" + path + "',interface='" + interface + "',member='" + member +
-           "'";
 }
 
 } // namespace
@@ -185,12 +167,11 @@ bool MutterBackend::connect()
         static_cast<MutterBackend *>(context)->m_crtcs->reload();
         return 0;
     };
-    watch(signalRule(display_config::service, display_config::path, display_config::interface, "MonitorsChanged"),
+    watch(signalRule({{"sender", display_config::service}, {"member", "MonitorsChanged"}}), changed);
+    watch(signalRule(
+              {{"sender", "org.freedesktop.DBus"}, {"member", "NameOwnerChanged"}, {"arg0", display_config::service}}),
           changed);
-    watch("type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg0='" +
-              std::string(display_config::service) + "'",
-          changed);
-    watch(signalRule(night_light::service, night_light::path, "org.freedesktop.DBus.Properties", "PropertiesChanged"),
+    watch(signalRule({{"sender", night_light::service}, {"path", night_light::path}, {"member", "PropertiesChanged"}}),
           [](sd_bus_message *signal, void *context, sd_bus_error *) {
               SdBusReader reader(signal);
               if (reader.text() == night_light::interface)
@@ -271,10 +252,8 @@ void MutterBackend::takeNightLight(const std::optional<UserInfo> &properties)
         m_isNightLightActive = value && *value;
         sayNightLight();
     }
-    if (properties->contains(night_light::temperatureProperty)) {
-        m_crtcs->forgetShown();
-        m_mustWriteAgain = true;
-    }
+    if (properties->contains(night_light::temperatureProperty))
+        noteChange();
 }
 
 void MutterBackend::sayNightLight()
@@ -285,17 +264,20 @@ void MutterBackend::sayNightLight()
         console::print("GNOME's Night Light is on, too: it shows again when Ambertide is at neutral.");
 }
 
-/// Displays have come, gone or been set up anew, by mutter's own tables.
+/// Mutter writes tables of its own, or has: displays have come, gone or been set up anew, or Night Light goes on.
 void MutterBackend::noteChange()
 {
     m_crtcs->forgetShown();
     m_mustWriteAgain = true;
+    const auto soonest = m_looks.empty() ? std::nullopt : std::optional(m_looks.back());
     m_looks.clear();
     if (!m_isTinting)
         return;
     const auto now = Clock::now();
     for (const auto delay : looksAfterChange)
         m_looks.push_back(now + delay);
+    if (soonest && *soonest < m_looks.back())
+        m_looks.push_back(*soonest); // not put off for ever by one change after another
 }
 
 /// After the machine's sleep nothing is known of what the displays show.

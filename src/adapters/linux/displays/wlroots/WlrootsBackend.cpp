@@ -1,9 +1,9 @@
 #include "adapters/linux/displays/wlroots/WlrootsBackend.h"
 
+#include "adapters/linux/displays/shared/timeAsleep.h"
 #include "base/Console.h"
 
 #include <algorithm>
-#include <ctime>
 #include <utility>
 
 namespace ambertide {
@@ -18,17 +18,6 @@ constexpr std::chrono::milliseconds shortestPause = 250ms;
 constexpr std::chrono::milliseconds longestPause = 8s;
 /// What the guardian is told: there is one claim, the connection.
 constexpr GuardianMessage tinting = 1;
-
-std::chrono::nanoseconds timeSlept()
-{
-    const auto read = [](clockid_t clock) {
-        timespec time{};
-        clock_gettime(clock, &time);
-        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-    };
-    const auto awake = read(CLOCK_MONOTONIC);
-    return read(CLOCK_BOOTTIME) - awake;
-}
 
 } // namespace
 
@@ -82,8 +71,7 @@ bool WlrootsBackend::write(std::span<const DisplayIdentifier> displays, const Ga
         return true;
     if (wait == Wait::Never && !m_compositor->hasAskedFor(displays))
         return false;
-    // Half a second is more than the two clocks are apart by being read one after the other.
-    if (const auto slept = timeSlept(); std::exchange(m_slept, slept) + 500ms < slept)
+    if (const auto slept = timeAsleep(); std::exchange(m_slept, slept) + 500ms < slept)
         m_compositor->forgetTables();
     if (m_compositor->keepsTints())
         m_guardian.guard(tinting);

@@ -109,8 +109,9 @@ void WlrootsCompositor::settle(Output &output)
         break;
     case GammaControl::State::refused:
         output.nextAttempt = Clock::now() + betweenAttempts;
-        // One that is withdrawn is mostly that of an output on its way out; the next attempt tells.
-        if (!wasUsable)
+        // One that is withdrawn is mostly that of an output on its way out; the next attempt tells. Hyprland withdraws
+        // it for the sake of a colour profile, too.
+        if (!wasUsable || m_matrixGlobal)
             sayRefusal();
         break;
     case GammaControl::State::awaitingSize:
