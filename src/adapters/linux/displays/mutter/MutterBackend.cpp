@@ -29,8 +29,9 @@ constexpr auto betweenFlushes = 10ms;
 constexpr std::array looksAfterChange{1500ms, 1000ms, 750ms, 500ms, 300ms, 150ms, 50ms};
 /// Handled at one time, so that a flood holds nobody up.
 constexpr int mostMessages = 200;
-/// For a restore in all; where that is not enough it is tried again, or its guardian does it.
-constexpr auto longestRestore = 400ms;
+/// For a restore in all; where that is not enough it is tried again, or its guardian does it. On a machine that is busy
+/// colord takes half of it, and tables without its calibration would be a flash of other colours.
+constexpr auto longestRestore = 900ms;
 constexpr auto betweenRestores = 300ms;
 constexpr int mostRestores = 10;
 
@@ -96,7 +97,10 @@ void MutterBackend::tryToRestore()
     if (!m_systemBus)
         connectToSystemBus();
     const auto deadline = Clock::now() + longestRestore;
-    if (waitUntilReady(m_bus.get(), deadline) && restoreMutterDisplays(m_bus.get(), m_systemBus.get(), deadline)) {
+    const auto unknown =
+        m_isTinting ? IfUnknown::leaveOut : IfUnknown::writeNothing; // mutter's own tables are shown then
+    if (waitUntilReady(m_bus.get(), deadline) &&
+        restoreMutterDisplays(m_bus.get(), m_systemBus.get(), deadline, unknown)) {
         m_guardian.dismiss();
         if (std::exchange(m_isTinting, false))
             tint_name::release(m_bus.get());
@@ -252,8 +256,10 @@ void MutterBackend::takeNightLight(const std::optional<UserInfo> &properties)
         m_isNightLightActive = value && *value;
         sayNightLight();
     }
-    if (properties->contains(night_light::temperatureProperty))
-        noteChange();
+    if (properties->contains(night_light::temperatureProperty)) {
+        m_crtcs->forgetShown();
+        m_mustWriteAgain = true;
+    }
 }
 
 void MutterBackend::sayNightLight()
@@ -264,20 +270,17 @@ void MutterBackend::sayNightLight()
         console::print("GNOME's Night Light is on, too: it shows again when Ambertide is at neutral.");
 }
 
-/// Mutter writes tables of its own, or has: displays have come, gone or been set up anew, or Night Light goes on.
+/// Displays have come, gone or been set up anew, by mutter's own tables.
 void MutterBackend::noteChange()
 {
     m_crtcs->forgetShown();
     m_mustWriteAgain = true;
-    const auto soonest = m_looks.empty() ? std::nullopt : std::optional(m_looks.back());
     m_looks.clear();
     if (!m_isTinting)
         return;
     const auto now = Clock::now();
     for (const auto delay : looksAfterChange)
         m_looks.push_back(now + delay);
-    if (soonest && *soonest < m_looks.back())
-        m_looks.push_back(*soonest); // not put off for ever by one change after another
 }
 
 /// After the machine's sleep nothing is known of what the displays show.

@@ -33,7 +33,7 @@ GammaTables tablesOf(const ColourProfile &profile, const std::array<double, 3> &
 
 enum class Outcome { done, stale, failed };
 
-Outcome restoreOnce(sd_bus *sessionBus, sd_bus *systemBus, SdBusDeadline deadline)
+Outcome restoreOnce(sd_bus *sessionBus, sd_bus *systemBus, SdBusDeadline deadline, IfUnknown unknown)
 {
     using display_config::Gamma;
     std::vector<SdBusMessage> calls;
@@ -55,17 +55,20 @@ Outcome restoreOnce(sd_bus *sessionBus, sd_bus *systemBus, SdBusDeadline deadlin
     const auto now = std::chrono::steady_clock::now();
     const auto latest = deadline - std::max(deadline - now, {}) / share;
     const auto profiles = readColourProfiles(systemBus, connectors, latest);
-    const auto whitePoint = night_light::whitePoint(temperature.wait(latest)[0]);
+    const auto &kelvin = temperature.wait(latest)[0];
+    const bool isAllKnown =
+        kelvin && std::ranges::count(profiles, ColourProfile::Knowledge::unknown, &ColourProfile::knowledge) == 0;
+    if (!isAllKnown && unknown == IfUnknown::writeNothing)
+        return Outcome::failed;
+    const auto whitePoint = night_light::whitePoint(kelvin);
     const auto &present = gammas.wait(deadline);
 
-    auto outcome = Outcome::done;
     for (std::size_t i = 0; i < calls.size(); ++i) {
         const GammaRamp ramp(tablesOf(profiles[i], whitePoint),
                              display_config::tableSize(display_config::readGamma(present[i].get()).value_or(Gamma{})));
         calls[i] = display_config::setCrtcGamma(sessionBus, resources->serial, resources->crtcs[i].identifier, ramp);
-        if (profiles[i].knowledge == ColourProfile::Knowledge::unknown)
-            outcome = Outcome::failed;
     }
+    auto outcome = isAllKnown ? Outcome::done : Outcome::failed;
     CallBatch writes(sessionBus, calls);
     for (const auto &reply : writes.wait(deadline)) {
         if (reply && sd_bus_message_is_method_error(reply.get(), display_config::staleError) > 0)
@@ -78,11 +81,11 @@ Outcome restoreOnce(sd_bus *sessionBus, sd_bus *systemBus, SdBusDeadline deadlin
 
 } // namespace
 
-bool restoreMutterDisplays(sd_bus *sessionBus, sd_bus *systemBus, SdBusDeadline deadline)
+bool restoreMutterDisplays(sd_bus *sessionBus, sd_bus *systemBus, SdBusDeadline deadline, IfUnknown unknown)
 {
-    auto outcome = restoreOnce(sessionBus, systemBus, deadline);
+    auto outcome = restoreOnce(sessionBus, systemBus, deadline, unknown);
     if (outcome == Outcome::stale)
-        outcome = restoreOnce(sessionBus, systemBus, deadline);
+        outcome = restoreOnce(sessionBus, systemBus, deadline, unknown);
     return outcome == Outcome::done;
 }
 

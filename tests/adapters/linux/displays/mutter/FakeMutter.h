@@ -20,7 +20,7 @@ class FakeMutter
 {
 public:
     using Tables = std::array<std::vector<std::uint16_t>, 3>;
-    enum class Habit { regular, silent, refusing, wrongTypes, thousandsOfCrtcs, hugeTables, noTables };
+    enum class Habit { regular, silent, refusing, wrongTypes, thousandsOfCrtcs, hugeTables, noTables, noProperties };
 
     /// CRTCs with tables of these sizes.
     explicit FakeMutter(const std::vector<std::size_t> &sizes) : m_sizes(sizes)
@@ -104,7 +104,7 @@ private:
             return 0;
         ++calls;
         if (member == "Get")
-            return answerProperty(call);
+            return habit == Habit::noProperties ? 1 : answerProperty(call);
         if (habit == Habit::wrongTypes)
             return sd_bus_reply_method_return(call, "sa{sv}", "none", 0);
         if (member == "GetResources")

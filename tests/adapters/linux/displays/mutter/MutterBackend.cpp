@@ -164,6 +164,10 @@ private Q_SLOTS:
         mutter.makeSerialStale();
         services.restoreSystemColours();
         QCOMPARE(mutter.written.load(), written + 2);
+        mutter.habit = Habit::noProperties; // nothing is put there that might not be mutter's own
+        services.restoreSystemColours();
+        services.restoreSystemColours(); // by now the first of them is over
+        QCOMPARE(mutter.written.load(), written + 2);
         QCOMPARE(mutter.malformed.load(), 0);
     }
 

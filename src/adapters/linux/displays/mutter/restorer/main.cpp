@@ -48,5 +48,6 @@ int main(int argc, char **argv)
     const auto claim = static_cast<GuardianMessage>(std::strtoul(argv[1], nullptr, 10));
     if (!awaitEndOfClaim(sessionBus.get(), claim, deadline))
         return EXIT_SUCCESS;
-    return restoreMutterDisplays(sessionBus.get(), systemBus.get(), deadline) ? EXIT_SUCCESS : EXIT_FAILURE;
+    return restoreMutterDisplays(sessionBus.get(), systemBus.get(), deadline, IfUnknown::leaveOut) ? EXIT_SUCCESS
+                                                                                                 : EXIT_FAILURE;
 }
