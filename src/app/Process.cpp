@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <string>
@@ -85,6 +86,8 @@ void prepare()
     openStandardDescriptors();
     confineEndingSignals();
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGCHLD, SIG_DFL); // whoever started this may have ignored it, and then no child's end can be learned
+    std::atexit(doLastWork);
 }
 
 void setLastWork(std::function<void()> work)

@@ -6,13 +6,14 @@
 /// What this program sees to as a process, from its first line to its last.
 namespace ambertide::process {
 
-/// Makes sure that descriptors 0 to 2 are open, ignores SIGPIPE, and confines SIGTERM and SIGINT to a thread that does
-/// nothing but wait for them: their handler then never interrupts code that holds a lock or the allocator. Once, before
-/// any other thread is started.
+/// Makes sure that descriptors 0 to 2 are open, ignores SIGPIPE, sees its children end, and confines SIGTERM and SIGINT
+/// to a thread that does nothing but wait for them: their handler then never interrupts code that holds a lock or the
+/// allocator. Once, before any other thread is started.
 void prepare();
 
-/// Has `work` done, on that thread, before either signal takes effect: it has to end soon. Replaces the work of before,
-/// and waits while that is being done. An empty one is none.
+/// Has `work` done, on that thread, before either signal takes effect: it has to end soon. It is done as well when a
+/// library ends the process, by exit(), on whatever thread. Replaces the work of before, and waits while that is being
+/// done. An empty one is none.
 void setLastWork(std::function<void()> work);
 
 /// The process is ending already: neither signal is handled from now on, nor is there any last work.

@@ -4,6 +4,7 @@
 #include "ports/UserDefaults.h"
 
 #include <QCoreApplication>
+#include <QThread>
 
 #include <cstdlib>
 #include <future>
@@ -19,10 +20,12 @@ using namespace std::chrono_literals;
 void keepSettings(UserDefaults &userDefaults)
 {
     constexpr auto timeForEach = 150ms;
-    const auto turn = std::make_shared<std::promise<void>>(); // may come long after nobody waits for it
-    QMetaObject::invokeMethod(
-        qApp, [turn] { turn->set_value(); }, Qt::QueuedConnection);
-    turn->get_future().wait_for(timeForEach);
+    if (QThread::currentThread() != qApp->thread()) {
+        const auto turn = std::make_shared<std::promise<void>>(); // may come long after nobody waits for it
+        QMetaObject::invokeMethod(
+            qApp, [turn] { turn->set_value(); }, Qt::QueuedConnection);
+        turn->get_future().wait_for(timeForEach);
+    }
     userDefaults.flush(timeForEach);
 }
 
@@ -30,7 +33,10 @@ AmbertideApp::Ending run(const std::filesystem::path &program, int argc, char *a
 {
     LinuxSystem system(program, argc, argv);
     auto &userDefaults = system.ports().userDefaults;
-    process::setLastWork([&userDefaults] { keepSettings(userDefaults); });
+    process::setLastWork([&] {
+        system.endDisplays(200ms);
+        keepSettings(userDefaults);
+    });
     std::optional<AmbertideApp> app(std::in_place, system.ports());
     if (!app->launch())
         std::_Exit(EXIT_SUCCESS); // the displays are the other copy's, and must not be given back

@@ -86,6 +86,12 @@ void DisplayManager::start(SystemWake &wake)
     startMaintenanceTask();
 }
 
+bool DisplayManager::isShowing(double temperature)
+{
+    const std::scoped_lock lock(m_transitionLock);
+    return m_isTransitioning || m_temperature == std::clamp(temperature, minTemperature, maxTemperature);
+}
+
 void DisplayManager::setTemperature(double temperature)
 {
     if (std::isnan(temperature))

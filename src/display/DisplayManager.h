@@ -38,6 +38,9 @@ public:
     /// The committed temperature: that of the last ramp which came to its end, or 6500 after a reset.
     double temperature() const { return m_temperature; }
 
+    /// Whether `temperature` is committed, as far as it can be shown, or a ramp runs, whose target is not looked at.
+    bool isShowing(double temperature);
+
     /// Starts a ramp from what is shown now to `temperature`, held to 2000 to 6500, in place of the running one. Blocks
     /// the caller for 50 ms. While a ramp runs, a request less than 100 K away from the committed temperature is
     /// dropped.

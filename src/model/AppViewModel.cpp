@@ -180,7 +180,7 @@ void AppViewModel::applyScheduleEntries(std::vector<ScheduleEntry> entries, cons
     if (!entry)
         return;
     const double target = roundedToStep(entry->temperature);
-    if (m_temperature == target)
+    if (m_temperature == target || !std::isfinite(target))
         return;
     m_isScheduledChange = true;
     setTemperature(target);
@@ -203,6 +203,9 @@ void AppViewModel::manualScheduleCheck()
         setScheduleEnabled(isEnabled);
     if (isEnabled)
         checkSchedule();
+    // The display manager drops a request during a ramp that comes near to where that began.
+    if (!m_displayManager->isShowing(m_temperature))
+        applyTemperatureImmediately();
 }
 
 void AppViewModel::handleTemperatureUpdate(const Notification &notification)

@@ -31,7 +31,7 @@ namespace ambertide {
 /// In the order in which they are made. They go in the opposite one: the tasks before what they work on.
 struct LinuxSystem::Adapters
 {
-    std::unique_ptr<DisplayServices> displays;
+    std::unique_ptr<BackendDisplayServices> displays;
     SessionApplication application;
     PlistMainBundle mainBundle;
     SystemCalendar calendar;
@@ -131,6 +131,8 @@ void LinuxSystem::serve(Requests requests)
 }
 
 void LinuxSystem::stopServing() { m_services.reset(); }
+
+void LinuxSystem::endDisplays(std::chrono::milliseconds limit) { m_adapters->displays->end(limit); }
 
 bool LinuxSystem::waitUntilIdle(std::chrono::milliseconds limit) { return m_adapters->executor.waitUntilIdle(limit); }
 

@@ -42,6 +42,9 @@ public:
     void serve(Requests requests);
     void stopServing();
 
+    /// See BackendDisplayServices::end(). Any thread.
+    void endDisplays(std::chrono::milliseconds limit);
+
     /// See ThreadTaskExecutor, for the executor of everything but the installer.
     bool waitUntilIdle(std::chrono::milliseconds limit);
 

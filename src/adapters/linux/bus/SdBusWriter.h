@@ -56,6 +56,7 @@ private:
     void write(bool value);
     void write(std::int32_t value) { apply<&sd_bus_message_append_basic>('i', &value); }
     void write(std::uint32_t value) { apply<&sd_bus_message_append_basic>('u', &value); }
+    void write(std::uint64_t value) { apply<&sd_bus_message_append_basic>('t', &value); }
     void write(double value) { apply<&sd_bus_message_append_basic>('d', &value); }
     void write(const char *text) { apply<&sd_bus_message_append_basic>('s', text); }
     void write(const std::string &text) { write(text.c_str()); }

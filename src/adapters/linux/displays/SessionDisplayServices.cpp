@@ -1,7 +1,7 @@
 #include "adapters/linux/displays/SessionDisplayServices.h"
 
 #include "adapters/linux/displays/DisplayBackends.h"
-#include "adapters/linux/displays/shared/BackendDisplayServices.h"
+#include "adapters/linux/displays/OwnScope.h"
 #include "base/Console.h"
 
 #include <cstdlib>
@@ -18,17 +18,19 @@ std::string environmentValue(const char *name)
 
 } // namespace
 
-std::unique_ptr<DisplayServices> makeSessionDisplayServices(const std::filesystem::path &programs)
+std::unique_ptr<BackendDisplayServices> makeSessionDisplayServices(const std::filesystem::path &programs)
 {
     const DisplaySession session{.waylandDisplay = environmentValue("WAYLAND_DISPLAY"),
                                  .x11Display = environmentValue("DISPLAY"),
                                  .guardian = programs / "AmbertideGuardian"};
-    return std::make_unique<BackendDisplayServices>([session, choice = environmentValue("AMBERTIDE_DISPLAY")] {
-        auto chosen = chooseDisplayBackend(session, choice);
-        if (!chosen.refusal.empty())
-            console::print(chosen.refusal);
-        return std::move(chosen.backend);
-    });
+    return std::make_unique<BackendDisplayServices>(
+        [session, choice = environmentValue("AMBERTIDE_DISPLAY")] {
+            auto chosen = chooseDisplayBackend(session, choice);
+            if (!chosen.refusal.empty())
+                console::print(chosen.refusal);
+            return std::move(chosen.backend);
+        },
+        moveToOwnScope);
 }
 
 } // namespace ambertide

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/DisplayServices.h"
+#include "adapters/linux/displays/shared/BackendDisplayServices.h"
 
 #include <filesystem>
 #include <memory>
@@ -11,6 +11,6 @@ namespace ambertide {
 /// have no effect there. Where nothing serves, that is said in one line and there are no displays.
 ///
 /// `programs` is the folder with the application's own programs.
-std::unique_ptr<DisplayServices> makeSessionDisplayServices(const std::filesystem::path &programs);
+std::unique_ptr<BackendDisplayServices> makeSessionDisplayServices(const std::filesystem::path &programs);
 
 } // namespace ambertide

@@ -41,6 +41,7 @@ public:
     int descriptor() const override { return m_service.descriptor(); }
     std::optional<Clock::time_point> due() const override;
     bool process() override;
+    GuardianProcess *guardian() override { return &m_guardian; }
 
 private:
     void request(int temperature);

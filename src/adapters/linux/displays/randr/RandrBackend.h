@@ -31,6 +31,7 @@ public:
     int descriptor() const override;
     std::optional<Clock::time_point> due() const override;
     bool process() override;
+    GuardianProcess *guardian() override { return &m_guardian; }
 
 private:
     bool connect();

@@ -1,5 +1,7 @@
 #include "adapters/linux/displays/shared/BackendDisplayServices.h"
 
+#include "adapters/linux/displays/shared/GuardianProcess.h"
+
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -26,11 +28,11 @@ constexpr std::chrono::milliseconds longestWait = 1h;
 class BackendDisplayServices::Worker
 {
 public:
-    explicit Worker(std::function<std::unique_ptr<DisplayBackend>()> create)
-        : m_create(std::move(create)), m_wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    Worker(Create create, Settle settle)
+        : m_create(std::move(create)), m_settle(std::move(settle)), m_wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
     {
     }
-    ~Worker() { close(m_wake); }
+    ~Worker() { ::close(m_wake); }
     Worker(const Worker &) = delete;
     Worker &operator=(const Worker &) = delete;
 
@@ -49,7 +51,8 @@ public:
     void show(std::span<const DisplayIdentifier> displays, const GammaTables &tables);
     void beginRamp(const std::optional<GammaTables> &target);
     /// Returns when it has been done or has been waited for long enough.
-    void restore();
+    void restore(std::chrono::milliseconds limit);
+    void close(std::chrono::milliseconds limit);
     /// False when the thread has not ended in time.
     bool end();
 
@@ -66,10 +69,12 @@ private:
     bool perform(DisplayBackend::Wait wait);
     bool shouldEnd();
     void process();
+    void settleGuardian();
     void waitForEvent();
     void noteDisplays();
 
-    const std::function<std::unique_ptr<DisplayBackend>()> m_create;
+    const Create m_create;
+    const Settle m_settle;
     const int m_wake; ///< an event counter
 
     std::mutex m_backendLock; ///< taken before m_lock where both are
@@ -85,6 +90,7 @@ private:
     bool m_makesOwnRamps = false;
     bool m_isCreated = false;
     std::optional<std::optional<GammaTables>> m_earlyTarget; ///< of a ramp that began before there was a backend
+    bool m_isClosed = false;                                 ///< nothing is tinted any more
     bool m_shouldEnd = false;
     bool m_hasEnded = false;
 };
@@ -107,6 +113,7 @@ void BackendDisplayServices::Worker::run()
             process();
             perform(DisplayBackend::Wait::Allowed);
         }
+        settleGuardian();
         waitForEvent();
     }
     {
@@ -126,6 +133,8 @@ bool BackendDisplayServices::Worker::shouldEnd()
 
 void BackendDisplayServices::Worker::process()
 {
+    if (auto *const guardian = m_backend->guardian())
+        guardian->renew();
     const bool mustWriteAgain = m_backend->process();
     noteDisplays();
     const std::scoped_lock lock(m_lock);
@@ -135,13 +144,27 @@ void BackendDisplayServices::Worker::process()
     }
 }
 
+void BackendDisplayServices::Worker::settleGuardian()
+{
+    pid_t started = 0;
+    {
+        const std::scoped_lock backendLock(m_backendLock);
+        if (auto *const guardian = m_backend->guardian())
+            started = guardian->takeStarted();
+    }
+    if (started != 0)
+        m_settle(started);
+}
+
 void BackendDisplayServices::Worker::waitForEvent()
 {
-    std::array<pollfd, 2> sources{{{m_wake, POLLIN, 0}, {-1, POLLIN, 0}}};
+    std::array<pollfd, 3> sources{{{m_wake, POLLIN, 0}, {-1, POLLIN, 0}, {-1, 0, 0}}};
     int timeout = -1;
     {
         const std::scoped_lock backendLock(m_backendLock);
         sources[1].fd = m_backend->descriptor();
+        if (const auto *const guardian = m_backend->guardian())
+            sources[2].fd = guardian->channel();
         if (const auto due = m_backend->due()) {
             const auto left = std::chrono::ceil<std::chrono::milliseconds>(*due - DisplayBackend::Clock::now());
             timeout = static_cast<int>(std::clamp<std::int64_t>(left.count(), 0, longestWait.count()));
@@ -189,7 +212,7 @@ void BackendDisplayServices::Worker::show(std::span<const DisplayIdentifier> dis
 {
     {
         const std::scoped_lock lock(m_lock);
-        if (m_makesOwnRamps)
+        if (m_makesOwnRamps || m_isClosed)
             return;
         ask(Tint{{displays.begin(), displays.end()}, tables});
     }
@@ -204,7 +227,7 @@ void BackendDisplayServices::Worker::beginRamp(const std::optional<GammaTables> 
         const std::scoped_lock lock(m_lock);
         if (!m_isCreated)
             m_earlyTarget = target;
-        if (!m_makesOwnRamps)
+        if (!m_makesOwnRamps || m_isClosed)
             return;
         askFor(target);
     }
@@ -222,13 +245,24 @@ void BackendDisplayServices::Worker::ask(std::optional<Tint> wanted)
     ++m_asked;
 }
 
-void BackendDisplayServices::Worker::restore()
+void BackendDisplayServices::Worker::restore(std::chrono::milliseconds limit)
 {
     std::unique_lock lock(m_lock);
     m_earlyTarget.reset();
     ask(std::nullopt);
     wake();
-    m_changed.wait_for(lock, patienceForRestore, [this, asked = m_asked] { return m_done >= asked; });
+    m_changed.wait_for(lock, limit, [this, asked = m_asked] { return m_done >= asked; });
+}
+
+void BackendDisplayServices::Worker::close(std::chrono::milliseconds limit)
+{
+    {
+        const std::scoped_lock lock(m_lock);
+        m_isClosed = true;
+        if (!m_wanted && m_done == m_asked)
+            return;
+    }
+    restore(limit);
 }
 
 bool BackendDisplayServices::Worker::end()
@@ -245,8 +279,9 @@ void BackendDisplayServices::Worker::wake() const
     [[maybe_unused]] const auto length = write(m_wake, &once, sizeof once);
 }
 
-BackendDisplayServices::BackendDisplayServices(std::function<std::unique_ptr<DisplayBackend>()> create)
-    : m_worker(std::make_shared<Worker>(std::move(create))), m_thread([worker = m_worker] { worker->run(); })
+BackendDisplayServices::BackendDisplayServices(Create create, Settle settle)
+    : m_worker(std::make_shared<Worker>(std::move(create), std::move(settle))),
+      m_thread([worker = m_worker] { worker->run(); })
 {
 }
 
@@ -265,10 +300,12 @@ void BackendDisplayServices::setTransferTables(std::span<const DisplayIdentifier
     m_worker->show(displays, tables);
 }
 
-void BackendDisplayServices::restoreSystemColours() { m_worker->restore(); }
+void BackendDisplayServices::restoreSystemColours() { m_worker->restore(patienceForRestore); }
 
 std::optional<TintRefusal> BackendDisplayServices::refusal() { return m_worker->refusal(); }
 
 void BackendDisplayServices::beginRamp(const std::optional<GammaTables> &target) { m_worker->beginRamp(target); }
+
+void BackendDisplayServices::end(std::chrono::milliseconds limit) { m_worker->close(limit); }
 
 } // namespace ambertide

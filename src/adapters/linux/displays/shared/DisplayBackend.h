@@ -8,6 +8,8 @@
 
 namespace ambertide {
 
+class GuardianProcess;
+
 /// How one kind of display server is asked to tint its displays. Used by one thread at a time, which may change from
 /// call to call. Nothing here fails: what a server refuses is left out, said in one line where a person can act on it,
 /// and tried again with a later write.
@@ -45,6 +47,9 @@ public:
     /// Takes in what the server says, and does what is due. True when a tint has to be written again: displays came or
     /// changed, or another program wrote to them.
     virtual bool process() { return false; }
+
+    /// Stands by to give the displays back when this process cannot; null where the server does so by itself.
+    virtual GuardianProcess *guardian() { return nullptr; }
 };
 
 } // namespace ambertide

@@ -51,16 +51,30 @@ void GuardianProcess::dismiss()
         tell(0);
 }
 
+void GuardianProcess::renew()
+{
+    const auto told = m_told;
+    if (told != 0 && !isRunning())
+        guard(told);
+}
+
+/// One that has been stopped would not do its work when that is needed, and makes room for another.
 bool GuardianProcess::isRunning()
 {
     if (m_process == 0)
         return false;
-    int status = 0;
-    if (waitpid(m_process, &status, WNOHANG) == 0)
+    siginfo_t change{};
+    waitid(P_PID, static_cast<id_t>(m_process), &change, WEXITED | WSTOPPED | WNOHANG | WNOWAIT);
+    if (change.si_pid == 0)
         return true;
+    kill(m_process, SIGKILL);
+    waitpid(m_process, nullptr, 0);
     forget();
+    if (change.si_code != CLD_EXITED && change.si_status == SIGKILL)
+        return false;
+    m_earliestStart = Clock::now() + betweenStarts;
     // Once or twice may be the X server's own coming and going.
-    m_failures = WIFEXITED(status) && WEXITSTATUS(status) != 0 ? m_failures + 1 : 0;
+    m_failures = change.si_code == CLD_EXITED && change.si_status != 0 ? m_failures + 1 : 0;
     if (m_failures == 3)
         sayUnguarded("it cannot use the display server");
     return false;
@@ -71,7 +85,6 @@ bool GuardianProcess::start()
     const auto now = Clock::now();
     if (now < m_earliestStart)
         return false;
-    m_earliestStart = now + betweenStarts;
 
     std::array<int, 2> ends{};
     int failure = socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) == 0 ? 0 : errno;
@@ -83,8 +96,10 @@ bool GuardianProcess::start()
         else
             close(ends[0]);
     }
-    if (failure != 0)
+    if (failure != 0) {
+        m_earliestStart = now + betweenStarts;
         sayUnguarded(std::strerror(failure));
+    }
     return failure == 0;
 }
 
@@ -103,7 +118,7 @@ int GuardianProcess::spawn(int channel)
     pid_t process = 0;
     const int failure = startChild(start, process);
     if (failure == 0)
-        m_process = process;
+        m_process = m_started = process;
     return failure;
 }
 

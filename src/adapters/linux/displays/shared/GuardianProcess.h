@@ -7,14 +7,16 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ambertide {
 
-/// The application's end of its guardian: starts the process with the first tint, another one when it has died (at most
-/// one a second), and tells it what it has to watch. One thread at a time.
+/// The application's end of its guardian: starts the process with the first tint, another one when it has been killed
+/// or stopped, and tells it what it has to watch. One thread at a time.
 ///
-/// A guardian that cannot be started is said in one line, and everything runs on without it.
+/// A guardian that cannot be started is said in one line, and everything runs on without it; that is tried again every
+/// second at most.
 class GuardianProcess
 {
 public:
@@ -30,6 +32,13 @@ public:
     /// The displays have the system's own colours: nothing is to be done when the application ends.
     void dismiss();
 
+    /// Breaks when the guardian ends; -1 while there is none.
+    int channel() const { return m_channel; }
+    /// Replaces a guardian that has ended, or been stopped, while it had displays to give back.
+    void renew();
+    /// The process since the last call that said so; 0 when it is the same or there is none.
+    pid_t takeStarted() { return std::exchange(m_started, 0); }
+
 private:
     using Clock = std::chrono::steady_clock;
 
@@ -43,6 +52,7 @@ private:
     const std::filesystem::path m_program;
     const std::vector<std::string> m_arguments;
     pid_t m_process = 0; ///< 0: none
+    pid_t m_started = 0;
     int m_channel = -1;
     GuardianMessage m_told = 0;
     Clock::time_point m_earliestStart{};
