@@ -69,6 +69,18 @@ function(ambertide_folder path)
   endif()
 endfunction()
 
+# choose_source(<path> <unit> OF <units>...): of these units of src/<path> only the one is built.
+function(choose_source path unit)
+  ambertide_targets(library ${path})
+  get_target_property(sources ${library} SOURCES)
+  foreach(other IN LISTS ARGN)
+    if(NOT other STREQUAL unit)
+      list(FILTER sources EXCLUDE REGEX "/${other}.cpp$")
+    endif()
+  endforeach()
+  set_target_properties(${library} PROPERTIES SOURCES "${sources}")
+endfunction()
+
 # ambertide_test(<file in tests/> [SEES paths...] [LINK targets...] [LABEL label]): the Qt Test program of one file. It
 # finds the programs of the bundle, which are built before it.
 function(ambertide_test file)

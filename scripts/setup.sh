@@ -3,7 +3,7 @@
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev qt6-tools-dev qt6-l10n-tools libxcb1-dev
-    libxcb-randr0-dev libsystemd-dev libglib2.0-dev libsodium-dev libwayland-dev)
+    libxcb-randr0-dev libsystemd-dev libglib2.0-dev libsodium-dev libwayland-dev python3)
 run_packages=(dbus-daemon libqt6gui6 xvfb hicolor-icon-theme)
 test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils systemd wlsunset
     colord openssl)
@@ -11,6 +11,7 @@ desktop_packages=(openbox xfce4-panel lxqt-panel tint2 adwaita-icon-theme at-spi
     imagemagick libfaketime xdotool)
 picture_packages=(fonts-inter optipng util-linux)
 check_packages=(clang-format git)
+package_packages=(dpkg-dev lintian appstream desktop-file-utils file git)
 
 # install_packages <package>...: installs those that are missing.
 install_packages() {

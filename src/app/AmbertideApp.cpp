@@ -1,13 +1,13 @@
 #include "app/AmbertideApp.h"
 
 #include "app/Translations.h"
+#include "app/Updates.h"
 #include "integration/CLIInstaller.h"
 #include "integration/LaunchHelper.h"
 #include "ports/PrivilegedRunner.h"
 #include "ui/controls/AccessibleApplication.h"
 #include "ui/controls/ApplicationIcon.h"
 #include "ui/settings/SettingsView.h"
-#include "ui/updates/UpdateWindow.h"
 
 #include <QApplication>
 #include <QLocale>
@@ -17,11 +17,7 @@
 namespace ambertide {
 
 AmbertideApp::AmbertideApp(SystemPorts system)
-    : m_system(std::move(system)),
-      m_updates(
-          UpdateConfiguration::fromBundle(m_system.mainBundle), m_system.userDefaults, m_system.calendar,
-          m_system.executor, m_system.updateInstaller,
-          [this](UpdateSession &session) { return std::make_unique<UpdateWindow>(session, [this] { restart(); }); }),
+    : m_system(std::move(system)), m_createUpdaterController(makeUpdates(m_system, [this] { restart(); })),
       m_viewModel({.displays = m_system.displays,
                    .executor = m_system.executor,
                    .wake = m_system.wake,
@@ -29,7 +25,7 @@ AmbertideApp::AmbertideApp(SystemPorts system)
                    .notifications = m_notifications,
                    .distributedNotifications = m_system.distributedNotifications,
                    .calendar = m_system.calendar}),
-      m_updater([this] { return m_updates.createController(); }, m_system.userDefaults),
+      m_updater(m_createUpdaterController, m_system.userDefaults),
       m_delegate({.mainBundle = m_system.mainBundle,
                   .runningApplications = m_system.runningApplications,
                   .notifications = m_notifications,
@@ -109,16 +105,15 @@ void AmbertideApp::activate()
 void AmbertideApp::showSettings()
 {
     if (!m_settings) {
-        m_settings =
-            new SettingsView(m_viewModel, {.installer = CLIInstaller::shared(),
-                                           .launchHelper = LaunchHelper::shared(),
-                                           .mainBundle = m_system.mainBundle,
-                                           .createUpdaterController = [this] { return m_updates.createController(); },
-                                           .userDefaults = m_system.userDefaults,
-                                           .notifications = m_notifications,
-                                           .calendar = m_system.calendar,
-                                           .loginItem = m_system.loginItem,
-                                           .installerExecutor = m_system.installerExecutor});
+        m_settings = new SettingsView(m_viewModel, {.installer = CLIInstaller::shared(),
+                                                    .launchHelper = LaunchHelper::shared(),
+                                                    .mainBundle = m_system.mainBundle,
+                                                    .createUpdaterController = m_createUpdaterController,
+                                                    .userDefaults = m_system.userDefaults,
+                                                    .notifications = m_notifications,
+                                                    .calendar = m_system.calendar,
+                                                    .loginItem = m_system.loginItem,
+                                                    .installerExecutor = m_system.installerExecutor});
         connect(m_settings, &SettingsView::quitRequested, this, quit);
     }
     m_settings->show();

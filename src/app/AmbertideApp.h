@@ -6,7 +6,6 @@
 #include "model/AppViewModel.h"
 #include "ports/SystemPorts.h"
 #include "ui/AppearanceFollower.h"
-#include "update/UpdateService.h"
 
 #include <QObject>
 #include <QPointer>
@@ -56,7 +55,7 @@ private:
 
     SystemPorts m_system;
     NotificationCenter m_notifications;
-    UpdateService m_updates;
+    UpdaterControllerFactory m_createUpdaterController;
     AppViewModel m_viewModel;
     SparkleUpdater m_updater;
     AppDelegate m_delegate;

@@ -10,7 +10,7 @@
 #include "adapters/linux/desktop/XdgLoginItem.h"
 #include "adapters/linux/displays/SessionDisplayServices.h"
 #include "adapters/linux/elevation/PkexecPrivilegedRunner.h"
-#include "adapters/linux/elevation/PkexecUpdateInstaller.h"
+#include "adapters/linux/elevation/makeUpdateInstaller.h"
 #include "adapters/linux/panel/DesktopPanelPlacement.h"
 #include "adapters/linux/services/DBusApplicationObject.h"
 #include "adapters/linux/services/DBusTemperatureObject.h"
@@ -42,7 +42,7 @@ struct LinuxSystem::Adapters
     DBusRunningApplications runningApplications{sessionBus};
     LogindSystemWake wake{systemBus};
     ThreadTaskExecutor executor;
-    PkexecUpdateInstaller updateInstaller;
+    std::unique_ptr<UpdateInstaller> updateInstaller;
     PkexecPrivilegedRunner privilegedRunner;
     XdgLoginItem loginItem{mainBundle};
     PortalAppearance appearance{sessionBus};
@@ -52,8 +52,7 @@ struct LinuxSystem::Adapters
 
     Adapters(const std::filesystem::path &program, int &argc, char **argv)
         : displays(makeSessionDisplayServices(program.parent_path())), application(argc, argv), mainBundle(program),
-          updateInstaller(program.parent_path() / "AmbertideInstallHelper"),
-          privilegedRunner(program.parent_path())
+          updateInstaller(makeUpdateInstaller(program.parent_path())), privilegedRunner(program.parent_path())
     {
     }
 };
@@ -113,7 +112,7 @@ SystemPorts LinuxSystem::ports()
         .mainBundle = m_adapters->mainBundle,
         .loginItem = m_adapters->loginItem,
         .privilegedRunner = m_adapters->privilegedRunner,
-        .updateInstaller = m_adapters->updateInstaller,
+        .updateInstaller = *m_adapters->updateInstaller,
         .appearance = m_adapters->appearance,
         .haptics = m_adapters->haptics,
         .placement = m_adapters->placement,

@@ -1,6 +1,7 @@
 #include "adapters/linux/elevation/PkexecUpdateInstaller.h"
 
 #include "adapters/linux/elevation/helper/InstallationStatus.h"
+#include "adapters/linux/elevation/makeUpdateInstaller.h"
 
 #include <fcntl.h>
 
@@ -42,6 +43,11 @@ UpdateInstaller::Outcome outcomeOf(const ChildProcessEnd &end)
 }
 
 } // namespace
+
+std::unique_ptr<UpdateInstaller> makeUpdateInstaller(const std::filesystem::path &programs)
+{
+    return std::make_unique<PkexecUpdateInstaller>(programs / "AmbertideInstallHelper");
+}
 
 void PkexecUpdateInstaller::install(const UpdatePackage &package, std::function<void(Result)> done)
 {

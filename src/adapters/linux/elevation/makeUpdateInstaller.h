@@ -1,0 +1,13 @@
+#pragma once
+
+#include "ports/UpdateInstaller.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace ambertide {
+
+/// The installer whose helper is among these programs. In a build without an updater (AMBERTIDE_UPDATER=OFF) it fails.
+std::unique_ptr<UpdateInstaller> makeUpdateInstaller(const std::filesystem::path &programs);
+
+} // namespace ambertide
