@@ -24,7 +24,7 @@ install_packages() {
     echo "Installing ${missing[*]}"
     as_root apt-get update -qq
     as_root env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
+        apt-get install -qq -y --no-install-recommends -o Dpkg::Options::=--force-confold "${missing[@]}" >/dev/null
 }
 
 # as_root <command>...: with sudo where this is not root.
