@@ -1,7 +1,8 @@
 // ambertide_bench [tables] [ramps] [application] [bus] [windows]: prints the figures of docs/figures.md, each beside
 // what it has to reach. All of them take some five minutes, half of which the application spends doing nothing under
-// observation.
+// observation. ambertide_bench compare: the table beside other programs.
 
+#include "Compare.h"
 #include "Measuring.h"
 #include "ProcessCost.h"
 #include "Session.h"
@@ -298,10 +299,10 @@ int main(int argc, char *argv[])
         const std::vector<std::pair<QString, void (*)()>> groups = {
             {QStringLiteral("tables"), measureTables},           {QStringLiteral("ramps"), measureRamps},
             {QStringLiteral("application"), measureApplication}, {QStringLiteral("bus"), measureBusInterfaces},
-            {QStringLiteral("windows"), measureWindows},
+            {QStringLiteral("windows"), measureWindows},         {QStringLiteral("compare"), compare},
         };
         for (const auto &[name, measure] : groups) {
-            if (argc < 2 || QCoreApplication::arguments().contains(name))
+            if ((argc < 2 && measure != compare) || QCoreApplication::arguments().contains(name))
                 measure();
         }
     } catch (const std::exception &failure) {

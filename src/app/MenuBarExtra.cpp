@@ -120,14 +120,14 @@ Task MenuBarExtra::onMainAfter(std::chrono::nanoseconds delay, void (MenuBarExtr
 
 void MenuBarExtra::updateMenu()
 {
-    m_icon->setMenu({
-        {.text = tr("Settings...").toStdString(), .activate = m_ports.openSettings},
-        {.text = tr("Check for Updates...").toStdString(),
-         .isEnabled = m_ports.updater.canCheckForUpdates(),
-         .activate = [this] { m_ports.updater.checkForUpdates(); }},
-        {.text = {}, .activate = {}},
-        {.text = tr("Quit Ambertide").toStdString(), .activate = m_ports.quit},
-    });
+    std::vector<TrayMenuItem> menu = {{.text = tr("Settings...").toStdString(), .activate = m_ports.openSettings}};
+    if (m_ports.updater.isConfigured())
+        menu.push_back({.text = tr("Check for Updates...").toStdString(),
+                        .isEnabled = m_ports.updater.canCheckForUpdates(),
+                        .activate = [this] { m_ports.updater.checkForUpdates(); }});
+    menu.push_back({.text = {}, .activate = {}});
+    menu.push_back({.text = tr("Quit Ambertide").toStdString(), .activate = m_ports.quit});
+    m_icon->setMenu(std::move(menu));
 }
 
 void MenuBarExtra::updateToolTip() { m_icon->setToolTip(MenuBarView::statusText(m_ports.viewModel).toStdString()); }
