@@ -3,7 +3,7 @@
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev qt6-tools-dev qt6-l10n-tools libxcb1-dev
-    libxcb-randr0-dev libsystemd-dev libglib2.0-dev libsodium-dev libwayland-dev python3)
+    libxcb-randr0-dev libsystemd-dev libglib2.0-dev libsodium-dev libwayland-dev liblcms2-dev python3)
 run_packages=(dbus-daemon libqt6gui6 xvfb hicolor-icon-theme)
 test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils systemd wlsunset
     colord openssl)

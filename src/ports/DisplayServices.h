@@ -21,6 +21,8 @@ struct GammaTables
     Table red;
     Table green;
     Table blue;
+
+    bool operator==(const GammaTables &) const = default;
 };
 
 /// Why no display can be tinted.

@@ -21,12 +21,12 @@ RandrGuardian::RandrGuardian(RandrConnection &server, int channel)
 {
 }
 
-void RandrGuardian::run()
+bool RandrGuardian::run()
 {
     for (;;) {
         readEvents();
         if (m_server.state() != RandrConnection::State::usable)
-            return;
+            return false;
         std::array<pollfd, 2> sources{
             {{m_channel.descriptor(), POLLIN, 0}, {xcb_get_file_descriptor(m_server.xcb()), POLLIN, 0}}};
         if (poll(sources.data(), sources.size(), -1) < 0)
@@ -38,9 +38,9 @@ void RandrGuardian::run()
         watch(m_channel.told());
     }
     if (m_claim == XCB_NONE)
-        return;
+        return false;
     awaitEndOfClaim();
-    giveDisplaysBack();
+    return giveDisplaysBack();
 }
 
 void RandrGuardian::watch(GuardianMessage claim)
@@ -82,15 +82,17 @@ void RandrGuardian::awaitEndOfClaim()
     }
 }
 
-void RandrGuardian::giveDisplaysBack()
+bool RandrGuardian::giveDisplaysBack()
 {
     // Nobody can claim and tint between the look and the writes.
     xcb_grab_server(m_server.xcb());
     const auto newest = TintClaim::newest(m_server.xcb(), m_selection);
-    if (newest == XCB_NONE || (newest == m_claim && !m_claimEnded))
-        m_server.setIdentityEverywhere();
+    const bool isFree = newest == XCB_NONE || (newest == m_claim && !m_claimEnded);
+    if (isFree)
+        m_server.restoreEverywhere();
     xcb_ungrab_server(m_server.xcb());
     m_server.synchronise();
+    return isFree;
 }
 
 } // namespace ambertide

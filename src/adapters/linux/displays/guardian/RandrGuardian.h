@@ -15,9 +15,9 @@ public:
     /// `channel` stays the caller's. The server must be usable.
     RandrGuardian(RandrConnection &server, int channel);
 
-    /// Returns when nothing is left to do: the application has ended and the displays have been seen to, or the server
-    /// has gone. Sleeps until one of them says something.
-    void run();
+    /// Returns when the application has ended and the displays have been seen to, or the server has gone. Sleeps until
+    /// one of them says something. True when displays have been given back, without their calibrations.
+    bool run();
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -25,7 +25,7 @@ private:
     void watch(GuardianMessage claim);
     void readEvents();
     void awaitEndOfClaim();
-    void giveDisplaysBack();
+    bool giveDisplaysBack();
 
     RandrConnection &m_server;
     GuardianChannel m_channel;

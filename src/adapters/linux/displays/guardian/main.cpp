@@ -9,6 +9,7 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -23,12 +24,23 @@ struct Duty
     bool (*run)(const char *where, int channel);
 };
 
+/// Becomes the program that asks for the calibrations; this one stays for as long as the displays are tinted, and
+/// therefore small.
+void restoreCalibrations(const char *display)
+{
+    std::error_code error;
+    const auto program =
+        std::filesystem::read_symlink("/proc/self/exe", error).replace_filename("AmbertideRandrRestorer");
+    execl(program.c_str(), program.c_str(), display, nullptr);
+}
+
 bool guardRandr(const char *where, int channel)
 {
     RandrConnection server(where);
     if (server.state() != RandrConnection::State::usable)
         return false;
-    RandrGuardian(server, channel).run();
+    if (RandrGuardian(server, channel).run())
+        restoreCalibrations(where);
     return true;
 }
 

@@ -1,11 +1,11 @@
 #include "adapters/linux/displays/mutter/MutterBackend.h"
 
+#include "adapters/linux/bus/CallBatch.h"
 #include "adapters/linux/bus/SdBusReader.h"
-#include "adapters/linux/displays/mutter/CallBatch.h"
-#include "adapters/linux/displays/mutter/ColourProfiles.h"
 #include "adapters/linux/displays/mutter/MutterRestore.h"
 #include "adapters/linux/displays/mutter/NightLight.h"
 #include "adapters/linux/displays/mutter/TintName.h"
+#include "adapters/linux/displays/profiles/ColourProfiles.h"
 #include "adapters/linux/displays/shared/timeAsleep.h"
 #include "base/Console.h"
 

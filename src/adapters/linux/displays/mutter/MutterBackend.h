@@ -1,9 +1,9 @@
 #pragma once
 
 #include "adapters/linux/displays/mutter/MutterCrtcs.h"
-#include "adapters/linux/displays/mutter/PollSet.h"
 #include "adapters/linux/displays/shared/DisplayBackend.h"
 #include "adapters/linux/displays/shared/GuardianProcess.h"
+#include "adapters/linux/displays/shared/PollSet.h"
 #include "base/UserInfo.h"
 
 #include <filesystem>

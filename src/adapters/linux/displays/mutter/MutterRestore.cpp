@@ -1,9 +1,9 @@
 #include "adapters/linux/displays/mutter/MutterRestore.h"
 
-#include "adapters/linux/displays/mutter/CallBatch.h"
-#include "adapters/linux/displays/mutter/ColourProfiles.h"
+#include "adapters/linux/bus/CallBatch.h"
 #include "adapters/linux/displays/mutter/DisplayConfig.h"
 #include "adapters/linux/displays/mutter/NightLight.h"
+#include "adapters/linux/displays/profiles/ColourProfiles.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "adapters/linux/displays/mutter/NightLight.h"
 
-#include "adapters/linux/displays/mutter/CallBatch.h"
+#include "adapters/linux/bus/CallBatch.h"
 
 #include <dlfcn.h>
 

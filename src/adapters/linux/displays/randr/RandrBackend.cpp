@@ -7,11 +7,21 @@
 
 namespace ambertide {
 
+using namespace std::chrono_literals;
 using State = RandrConnection::State;
+
+namespace {
+
+/// A restore has half a second in all.
+constexpr auto patienceForCalibrations = 200ms;
+
+} // namespace
 
 RandrBackend::RandrBackend(std::string display, std::filesystem::path guardian)
     : m_display(std::move(display)), m_guardian(std::move(guardian), {"randr", m_display})
 {
+    if (m_calibrations.descriptor() >= 0)
+        m_sources.add(m_calibrations.descriptor());
     connect();
 }
 
@@ -29,8 +39,11 @@ bool RandrBackend::write(std::span<const DisplayIdentifier> displays, const Gamm
         const auto *const crtc = m_server->find(display);
         if (!crtc || crtc->tableSize == 0)
             continue;
-        if (ramps.empty())
-            beginTint();
+        beginTint();
+        if (const auto curve = m_calibrations.curves().find(crtc->output); curve != m_calibrations.curves().end()) {
+            m_server->setGamma(crtc->identifier, GammaRamp(calibrated(tables, curve->second), crtc->tableSize));
+            continue;
+        }
         auto ramp = std::ranges::find(ramps, crtc->tableSize, &GammaRamp::size);
         if (ramp == ramps.end())
             ramp = ramps.emplace(ramps.end(), tables, crtc->tableSize);
@@ -45,8 +58,11 @@ void RandrBackend::restore()
 {
     if (!connect())
         return;
-    m_server->setIdentityEverywhere();
+    if (m_mustReadCalibrations)
+        readCalibrations();
+    m_server->restoreEverywhere(m_calibrations.curves());
     m_claim.reset();
+    m_isRestored = true;
     if (m_server->synchronise())
         m_guardian.dismiss();
     readDisplays();
@@ -82,33 +98,55 @@ std::optional<TintRefusal> RandrBackend::tintRefusal() const
                        "None of the displays of the X server " + m_display + " has gamma tables to tint it by."};
 }
 
-int RandrBackend::descriptor() const
-{
-    return m_server->state() == State::usable ? xcb_get_file_descriptor(m_server->xcb()) : -1;
-}
+int RandrBackend::descriptor() const { return m_server->state() == State::usable ? m_sources.descriptor() : -1; }
 
 bool RandrBackend::process()
 {
     m_hasChanges = false;
-    if (m_server->state() != State::usable || !m_server->takeEvents())
+    if (m_server->state() != State::usable)
         return false;
-    readDisplays();
+    bool mustWrite = m_server->takeEvents();
+    if (mustWrite)
+        readDisplays();
+    bool hasCalibrations = !m_calibrations.curves().empty();
+    if (m_calibrations.process() || m_mustReadCalibrations) {
+        mustWrite = readCalibrations() || mustWrite;
+        hasCalibrations = hasCalibrations || !m_calibrations.curves().empty();
+    }
+    if (mustWrite && m_isRestored && hasCalibrations) {
+        m_server->restoreEverywhere(m_calibrations.curves());
+        m_server->flush();
+    }
     m_hasChanges = m_server->hasChanges();
-    return true;
+    return mustWrite;
 }
 
 std::optional<DisplayBackend::Clock::time_point> RandrBackend::due() const
 {
-    return m_hasChanges ? std::optional(Clock::time_point()) : std::nullopt;
+    return m_hasChanges || m_mustReadCalibrations ? std::optional(Clock::time_point()) : std::nullopt;
 }
 
 void RandrBackend::readDisplays()
 {
     m_displays.clear();
+    std::vector<std::string> outputs;
     for (const auto &crtc : m_server->crtcs()) {
         if (crtc.isActive)
             m_displays.push_back(crtc.identifier);
+        if (!crtc.output.empty())
+            outputs.push_back(crtc.output);
     }
+    if (outputs != m_outputs) {
+        m_outputs = std::move(outputs);
+        m_mustReadCalibrations = true;
+    }
+}
+
+/// Waits for colord, not for long. True when curves have changed.
+bool RandrBackend::readCalibrations()
+{
+    m_mustReadCalibrations = false;
+    return m_calibrations.read(m_outputs, Clock::now() + patienceForCalibrations);
 }
 
 bool RandrBackend::connect()
@@ -118,6 +156,7 @@ bool RandrBackend::connect()
         m_server.emplace(m_display);
         m_displays.clear();
         if (m_server->state() == State::usable) {
+            m_sources.add(xcb_get_file_descriptor(m_server->xcb()));
             m_selection = TintClaim::selectionAtom(m_server->xcb());
             readDisplays();
         }
@@ -148,6 +187,7 @@ void RandrBackend::report(State state)
 /// The guardian has to know before the first tint can reach the server, and to find the claim there when it looks.
 void RandrBackend::beginTint()
 {
+    m_isRestored = false;
     if (!m_claim) {
         m_claim.emplace(m_server->xcb(), m_server->root(), m_selection);
         m_server->synchronise();

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "adapters/linux/displays/randr/Calibrations.h"
 #include "adapters/linux/displays/randr/RandrConnection.h"
 #include "adapters/linux/displays/randr/TintClaim.h"
 #include "adapters/linux/displays/shared/DisplayBackend.h"
 #include "adapters/linux/displays/shared/GuardianProcess.h"
+#include "adapters/linux/displays/shared/PollSet.h"
 
 #include <filesystem>
 #include <optional>
@@ -16,7 +18,8 @@ namespace ambertide {
 /// A connection that is lost or could not be made is tried again with each later write or restore; a server that cannot
 /// tint is not asked again. Either is said in one line, as is the return of the server.
 ///
-/// The system's own colours are the identity. While a tint is on, a process of its own stands by to restore them; the
+/// The system's own colours are a display's calibration, where colord has one for it, and the identity elsewhere; a
+/// tint goes through the calibration. While a tint is on, a process of its own stands by to restore them; the
 /// end of this object has it do so if restore() has not been called.
 class RandrBackend final : public DisplayBackend
 {
@@ -36,6 +39,7 @@ public:
 private:
     bool connect();
     void readDisplays();
+    bool readCalibrations();
     std::string obstacle() const;
     void report(RandrConnection::State state);
     void beginTint();
@@ -45,6 +49,11 @@ private:
     std::optional<RandrConnection> m_server;
     std::optional<TintClaim> m_claim; ///< while this connection tints
     xcb_atom_t m_selection = XCB_NONE;
+    Calibrations m_calibrations;
+    std::vector<std::string> m_outputs; ///< whose calibrations are known or asked for
+    PollSet m_sources;                  ///< the server and the calibrations
+    bool m_mustReadCalibrations = false;
+    bool m_isRestored = false; ///< by this object, after whatever else
     std::vector<DisplayIdentifier> m_displays;
     bool m_hasChanges = false; ///< received with an answer that was waited for, so that the descriptor does not tell
     RandrConnection::State m_reported = RandrConnection::State::usable;

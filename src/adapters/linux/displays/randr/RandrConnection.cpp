@@ -26,6 +26,14 @@ std::vector<xcb_window_t> rootsOf(xcb_connection_t *connection)
     return roots;
 }
 
+std::string nameOf(const XcbReply<xcb_randr_get_output_info_reply_t> &info)
+{
+    if (!info)
+        return {};
+    const std::span name(xcb_randr_get_output_info_name(info.get()), info->name_len);
+    return {name.begin(), name.end()};
+}
+
 } // namespace
 
 RandrConnection::RandrConnection(const std::string &display)
@@ -68,11 +76,8 @@ bool RandrConnection::hasXwaylandOutput()
     }
     bool found = false;
     for (const auto cookie : cookies) {
-        const auto info = owned(xcb_randr_get_output_info_reply(m_xcb.get(), cookie, nullptr));
-        if (!info)
-            continue;
-        const std::span name(xcb_randr_get_output_info_name(info.get()), info->name_len);
-        found = found || std::ranges::equal(name.first(std::min(name.size(), prefix.size())), prefix);
+        const auto name = nameOf(owned(xcb_randr_get_output_info_reply(m_xcb.get(), cookie, nullptr)));
+        found = found || name.starts_with(prefix);
     }
     return found;
 }
@@ -177,12 +182,21 @@ void RandrConnection::readCrtcs()
     }
     m_isStale = false;
     m_crtcs.clear();
+    std::vector<xcb_randr_get_output_info_cookie_t> outputs;
     for (const auto &[crtc, infoCookie, sizeCookie] : asked) {
         const auto info = owned(xcb_randr_get_crtc_info_reply(m_xcb.get(), infoCookie, nullptr));
         const auto table = owned(xcb_randr_get_crtc_gamma_size_reply(m_xcb.get(), sizeCookie, nullptr));
         const bool isActive = info && info->mode != XCB_NONE;
         const bool hasTable = table && table->size >= smallestTable && table->size <= largestTable;
-        m_crtcs.push_back({crtc, isActive, hasTable ? table->size : std::uint16_t{0}});
+        m_crtcs.push_back({crtc, isActive, hasTable ? table->size : std::uint16_t{0}, {}});
+        outputs.push_back(
+            info && info->num_outputs > 0
+                ? xcb_randr_get_output_info(m_xcb.get(), *xcb_randr_get_crtc_info_outputs(info.get()), info->timestamp)
+                : xcb_randr_get_output_info_cookie_t{});
+    }
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        if (outputs[i].sequence != 0)
+            m_crtcs[i].output = nameOf(owned(xcb_randr_get_output_info_reply(m_xcb.get(), outputs[i], nullptr)));
     }
 }
 
@@ -191,12 +205,15 @@ void RandrConnection::setGamma(xcb_randr_crtc_t crtc, const GammaRamp &ramp)
     xcb_randr_set_crtc_gamma(m_xcb.get(), crtc, ramp.size(), ramp.red(), ramp.green(), ramp.blue());
 }
 
-void RandrConnection::setIdentityEverywhere()
+void RandrConnection::restoreEverywhere(const CalibrationCurves &curves)
 {
     readCrtcs();
     for (const auto &crtc : m_crtcs) {
-        if (crtc.tableSize > 0)
-            setGamma(crtc.identifier, GammaRamp::identity(crtc.tableSize));
+        if (crtc.tableSize == 0)
+            continue;
+        const auto curve = curves.find(crtc.output);
+        setGamma(crtc.identifier, curve == curves.end() ? GammaRamp::identity(crtc.tableSize)
+                                                        : GammaRamp(curve->second, crtc.tableSize));
     }
 }
 

@@ -6,12 +6,16 @@
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
 
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace ambertide {
+
+/// What outputs show where nothing tints them, by their names. Those that are not named show levels as they are.
+using CalibrationCurves = std::map<std::string, GammaTables>;
 
 /// A connection to an X server, apart from any toolkit's, through which the gamma tables of all CRTCs of all its
 /// screens are found and written. One thread at a time.
@@ -33,6 +37,7 @@ public:
         xcb_randr_crtc_t identifier;
         bool isActive;           ///< has a mode
         std::uint16_t tableSize; ///< entries in each of its tables; 0 when it has none
+        std::string output;      ///< the name of its first output; empty when it has none
     };
 
     explicit RandrConnection(const std::string &display);
@@ -40,7 +45,7 @@ public:
     State state() const;
 
     /// The CRTCs as they are now. From the first call on the server tells of changes and errors, so that this costs
-    /// nothing where there are none, and two round trips, whatever the number of CRTCs, where there are.
+    /// nothing where there are none, and three round trips, whatever the number of CRTCs, where there are.
     std::span<const Crtc> crtcs();
     /// Takes in what the server has told, without waiting. True when displays may have changed.
     bool takeEvents();
@@ -51,8 +56,8 @@ public:
 
     /// Queues a write. `ramp` must have the size of the CRTC's table.
     void setGamma(xcb_randr_crtc_t crtc, const GammaRamp &ramp);
-    /// Reads the CRTCs and queues the identity for each that has a table, active or not.
-    void setIdentityEverywhere();
+    /// Reads the CRTCs and queues its own curve, the identity as a rule, for each that has a table, active or not.
+    void restoreEverywhere(const CalibrationCurves &curves = {});
     /// Whether writes to all CRTCs that were last read can be queued and flushed without waiting for the server.
     bool isReadyToWrite() const;
 

@@ -1,6 +1,7 @@
 #include "adapters/linux/displays/randr/RandrBackend.h"
 #include "adapters/linux/displays/shared/BackendDisplayServices.h"
 #include "support/ChildProcess.h"
+#include "support/PrivateColord.h"
 #include "support/PrivateXServer.h"
 #include "support/RandrClient.h"
 
@@ -75,6 +76,13 @@ class GuardianTest : public QObject
     RandrClient m_client{m_server.display()};
     const xcb_randr_crtc_t m_display = m_client.crtcs().front();
 
+    /// Red at half the level, and blue.
+    std::array<int, 2> shown()
+    {
+        const auto ramp = m_client.ramp(m_display);
+        return {ramp[0][128], ramp[2][128]};
+    }
+
 private Q_SLOTS:
     void displaysAreGivenBackWhateverEndsTheApplication()
     {
@@ -108,6 +116,34 @@ private Q_SLOTS:
         QVERIFY(endsInTime(guardian));
         QCOMPARE(m_client.ramp(m_display), foreign);
         QVERIFY(!m_client.showsIdentityEverywhere());
+    }
+
+    void aCalibrationIsGivenBackAndFollowed()
+    {
+        if (!PrivateColord::isInstalled())
+            QSKIP("colord is not installed");
+        PrivateColord colord;
+        QVERIFY(colord.start());
+        const auto display = colord.addDisplay(QStringLiteral("screen"));
+        colord.setProfile(display, colourProfile(calibrationTag<std::uint16_t>(256, 65535)));
+        constexpr int identity = 32896;
+        constexpr int square = 16513; // of that
+        Copy copy(m_server);
+        copy.show("0.5"); // blue; red and green at nothing
+        QTRY_COMPARE(shown(), (std::array{0, 32768}));
+        copy.show("1");
+        QCOMPARE(shown(), (std::array{square, identity}));
+        colord.setProfile(display, colourProfile({}));
+        QTRY_COMPARE(shown(), (std::array{identity, identity}));
+        colord.setProfile(display, colourProfile(calibrationTag<std::uint16_t>(256, 65535)));
+        QTRY_COMPARE(shown(), (std::array{square, identity}));
+
+        copy.show("0.5");
+        QTRY_COMPARE(shown(), (std::array{0, 32768}));
+        const auto guardian = copy.guardian();
+        copy.signalGroup(SIGKILL);
+        QVERIFY(endsInTime(guardian));
+        QCOMPARE(shown(), (std::array{square, identity}));
     }
 
     void anotherCopyThatHasTakenOverKeepsItsTintAndAGuardian()

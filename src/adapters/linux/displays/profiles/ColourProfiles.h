@@ -17,6 +17,7 @@ struct ColourProfile
 
     Knowledge knowledge = Knowledge::unknown;
     std::optional<GammaTables> calibration{}; ///< to be applied by tables
+    std::string damagedFile{};                ///< the profile's, when that cannot be read
 };
 
 /// Asks for the default profiles of the displays at these connectors: one answer for each of them, when the deadline is

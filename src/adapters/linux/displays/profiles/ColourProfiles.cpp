@@ -1,7 +1,7 @@
-#include "adapters/linux/displays/mutter/ColourProfiles.h"
+#include "adapters/linux/displays/profiles/ColourProfiles.h"
 
-#include "adapters/linux/displays/mutter/CallBatch.h"
-#include "adapters/linux/displays/mutter/VideoCardGamma.h"
+#include "adapters/linux/bus/CallBatch.h"
+#include "adapters/linux/displays/profiles/VideoCardGamma.h"
 
 namespace ambertide {
 
@@ -101,8 +101,11 @@ std::vector<ColourProfile> readColourProfiles(sd_bus *systemBus, const std::vect
     for (std::size_t i = 0; i < profiles.size(); ++i) {
         if (isError(named[i]))
             profiles[i].knowledge = Knowledge::found;
-        if (enterProperty(named[i], "s"))
-            profiles[i] = {Knowledge::found, readVideoCardGamma(readText(named[i], 's'))};
+        if (!enterProperty(named[i], "s"))
+            continue;
+        const auto file = readText(named[i], 's');
+        const auto gamma = readVideoCardGamma(file);
+        profiles[i] = {Knowledge::found, gamma.tables, gamma.isDamaged ? file : std::string()};
     }
     return profiles;
 }

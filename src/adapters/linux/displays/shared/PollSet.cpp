@@ -1,4 +1,4 @@
-#include "adapters/linux/displays/mutter/PollSet.h"
+#include "adapters/linux/displays/shared/PollSet.h"
 
 #include <sys/epoll.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "adapters/linux/displays/mutter/CallBatch.h"
+#include "adapters/linux/bus/CallBatch.h"
 
 #include <algorithm>
 
