@@ -1,5 +1,6 @@
 """kwin.py [part...]: the job for KWin, which tints by its own Night Light; one output, and two for plugging. Parts:
 plain, ends, plugging, kills:<number>; all but the last where none are named."""
+import itertools
 import pathlib
 import re
 import signal
@@ -63,12 +64,17 @@ class Screen(Hardware):
                    default=1)
 
 
-def ramp(kelvin):
+def ramp(kelvin, before):
+    """KWin's own, in steps of 50 K and a part of one: of a small change the parts count."""
     asked = set_temperature(kelvin)
     wait_for(lambda: settings() != untouched and hardware.history[-1][0] > asked, 5)
     hardware.rested()
     times = [moment for moment, _ in hardware.since(asked)]
-    row("length of the ramp on the screen", times[-1] - times[0] + 2 / len(times), "s", 2.1)
+    length = times[-1] - times[0] + 2 / len(times)
+    if before == 6500:
+        row("length of the session's first ramp on the screen", length, "s")
+    else:
+        row(f"length of a ramp of {'1000 K or more' if abs(kelvin - before) >= 1000 else 'less'}", length, "s", 2.1)
     measures.levels(kelvin)
 
 
@@ -117,8 +123,8 @@ untouched, original = settings(), content(KWINRC)
 
 def plain():
     application = measures.start()
-    for kelvin in (2700, 3400, 2000, 4500, 5500, 6000):
-        ramp(kelvin)
+    for before, kelvin in itertools.pairwise((6500, 2700, 3400, 2000, 4500, 5500, 6000)):
+        ramp(kelvin, before)
     tool("set", "6040")
     asked = time.monotonic()
     arrived = wait_for(lambda: time.monotonic() > asked + 2 and night_light("currentTemperature") ==

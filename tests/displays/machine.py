@@ -192,9 +192,7 @@ class Application:
         return moment
 
     def quit(self):
-        moment = time.monotonic()
-        as_user("busctl", "--user", "call", "me.tovanu.Ambertide", "/me/tovanu/Ambertide",
-                "org.freedesktop.Application", "ActivateAction", "sava{sv}", "quit", "0", "0")
+        moment = ask("quit")
         self.process.wait()
         return moment
 
@@ -209,25 +207,32 @@ def tool(*arguments):
                    text=True).communicate()[0]
 
 
-POST = """import sys
+ASK = """import sys
 from gi.repository import Gio, GLib
-bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+bus, path = Gio.bus_get_sync(Gio.BusType.SESSION), "/me/tovanu/Ambertide"
 for line in sys.stdin:
-    content = GLib.Variant("(sa{sv})", ("Ambertide.UpdateTemperature", {"temperature": GLib.Variant("i", int(line))}))
-    bus.emit_signal(None, "/me/tovanu/Ambertide",
-                    "me.tovanu.Ambertide.DistributedNotificationCenter", "Posted", content)
+    if line == "quit\\n":
+        bus.call("me.tovanu.Ambertide", path, "org.freedesktop.Application", "ActivateAction",
+                 GLib.Variant("(sava{sv})", ("quit", [], {})), None, Gio.DBusCallFlags.NONE, -1, None, None)
+    else:
+        bus.emit_signal(None, path, "me.tovanu.Ambertide.DistributedNotificationCenter", "Posted", GLib.Variant(
+            "(sa{sv})", ("Ambertide.UpdateTemperature", {"temperature": GLib.Variant("i", int(line))})))
     bus.flush_sync()
     print(flush=True)
 """
-poster = None  # that process
+asker = None  # that process
+
+
+def ask(what):
+    """The moment when it was asked for, by a process that runs already: programs start slowly in the machine."""
+    global asker
+    asker = asker or as_user("python3", "-c", ASK, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+    moment = time.monotonic()
+    print(what, file=asker.stdin, flush=True)
+    asker.stdout.readline()
+    return moment
 
 
 def set_temperature(kelvin):
-    """As the tool asks for it, but from a process that runs already: programs start slowly in the machine. The moment
-    when it was asked for."""
-    global poster
-    poster = poster or as_user("python3", "-c", POST, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-    moment = time.monotonic()
-    print(kelvin, file=poster.stdin, flush=True)
-    poster.stdout.readline()
-    return moment
+    """As the tool asks for it."""
+    return ask(kelvin)

@@ -163,7 +163,7 @@ private Q_SLOTS:
         mutter.changeMonitors();
         mutter.makeSerialStale();
         services.restoreSystemColours();
-        QCOMPARE(mutter.written.load(), written + 2);
+        QTRY_COMPARE(mutter.written.load(), written + 2);
         mutter.habit = Habit::noProperties; // nothing is put there that might not be mutter's own
         services.restoreSystemColours();
         services.restoreSystemColours(); // by now the first of them is over
@@ -259,6 +259,8 @@ private Q_SLOTS:
         QVERIFY(hasEnded(guardian));
         QVERIFY(isTinted(mutter, 0.25));
         young.show("1");
+        QTRY_VERIFY(isTinted(mutter, 1));
+        young.show("1"); // the first of them is over by now
         mutter.setBlue(0, 77);
         const auto youngGuardian = childOf(static_cast<pid_t>(young.processId()), "AmbertideGuardian");
         young.kill();
