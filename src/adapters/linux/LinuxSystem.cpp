@@ -1,6 +1,8 @@
 #include "adapters/linux/LinuxSystem.h"
 
+#include "adapters/linux/ActivationToken.h"
 #include "adapters/linux/SessionApplication.h"
+#include "adapters/linux/ToolkitBus.h"
 #include "adapters/linux/bus/DBusNotificationCenter.h"
 #include "adapters/linux/bus/DBusRunningApplications.h"
 #include "adapters/linux/bus/DBusSession.h"
@@ -68,9 +70,8 @@ struct LinuxSystem::Services
 
     Services(Adapters &adapters, Requests requests)
         : activate([activate = std::move(requests.activate)](const std::string &activationToken) {
-              // The toolkit takes the token from there when a window asks to be active.
               if (!activationToken.empty())
-                  qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+                  activation_token::offer(activationToken);
               activate();
           }),
           perform([&adapters](ColorTemperature preset) {
@@ -92,8 +93,9 @@ std::filesystem::path LinuxSystem::runningProgram()
 }
 
 LinuxSystem::LinuxSystem(const std::filesystem::path &program, int &argc, char **argv)
-    : m_adapters(std::make_unique<Adapters>(program, argc, argv))
 {
+    keepToolkitOffMuteBus();
+    m_adapters = std::make_unique<Adapters>(program, argc, argv);
 }
 
 LinuxSystem::~LinuxSystem() = default;

@@ -70,7 +70,7 @@ bool GuardianProcess::isRunning()
     kill(m_process, SIGKILL);
     waitpid(m_process, nullptr, 0);
     forget();
-    if (change.si_code != CLD_EXITED && change.si_status == SIGKILL)
+    if (change.si_code == CLD_STOPPED || (change.si_code == CLD_KILLED && change.si_status == SIGKILL))
         return false;
     m_earliestStart = Clock::now() + betweenStarts;
     // Once or twice may be the X server's own coming and going.
