@@ -15,6 +15,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
+/// How many notifications are told of between two turns of the loop: whoever posts without end must not fill the log.
+constexpr int mostPostsTold = 20;
+
 std::string describe(const Notification &notification)
 {
     return "{name = " + notification.name +
@@ -76,23 +79,38 @@ void AppDelegate::handleNewInstanceLaunch() { m_ports.bringSettingsForward(); }
 
 void AppDelegate::handleCLITemperatureChange(const Notification &notification)
 {
-    console::print("Received CLI temperature change notification: " + describe(notification));
+    const bool isTold = ++m_posts <= mostPostsTold;
+    if (isTold)
+        console::print("Received CLI temperature change notification: " + describe(notification));
     const auto temperature = notifications::integerTemperature(notification);
     if (!temperature) {
-        console::print("No valid temperature found in notification: " +
-                       describe(notification.userInfo.value_or(UserInfo())));
+        if (isTold)
+            console::print("No valid temperature found in notification: " +
+                           describe(notification.userInfo.value_or(UserInfo())));
         return;
     }
-    console::print("Setting temperature to " + std::to_string(*temperature) + "K");
+    if (isTold)
+        console::print("Setting temperature to " + std::to_string(*temperature) + "K");
+    // One on its way takes the newest along.
+    if (std::exchange(*m_requested, *temperature))
+        return;
     // Not range-checked: the model does that for what it applies, and again when it reads the store.
     Task::startOnMain(m_ports.executor,
                       [&userDefaults = m_ports.userDefaults, &center = m_ports.notifications,
-                       kelvin = *temperature](TaskContext) -> Async {
+                       requested = m_requested](TaskContext) -> Async {
+                          const auto kelvin = **requested;
+                          requested->reset();
                           userDefaults.setInteger(defaults::temperature, kelvin);
                           center.post({.name = notifications::updateTemperature,
                                        .userInfo = UserInfo{{notifications::temperatureKey, kelvin}}});
                           co_return;
                       });
+}
+
+void AppDelegate::summarisePosts()
+{
+    if (const int posts = std::exchange(m_posts, 0); posts > mostPostsTold)
+        console::print("Received " + std::to_string(posts - mostPostsTold) + " more such notifications");
 }
 
 void AppDelegate::handleWakeNotification() { postCheckScheduleNow(); }
@@ -110,6 +128,7 @@ void AppDelegate::startBackgroundSchedulerCheck()
             co_await context.onMain();
             context.throwIfCancelled(); // and with it the delegate may be gone
             postCheckScheduleNow();
+            summarisePosts();
             co_await context.sleep(5s);
         }
     });

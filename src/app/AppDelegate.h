@@ -9,6 +9,8 @@
 #include "ports/UserDefaults.h"
 
 #include <functional>
+#include <memory>
+#include <optional>
 
 namespace ambertide {
 
@@ -52,10 +54,14 @@ private:
     void handleWakeNotification();
     void postCheckScheduleNow();
     void startBackgroundSchedulerCheck();
+    void summarisePosts();
 
     Ports m_ports;
     bool m_hasLaunchedBefore = false; ///< this is the only copy; nothing reads it
     Task m_backgroundTask;            ///< the loop that has the schedule checked
+    int m_posts = 0;                  ///< since that loop's last turn
+    std::shared_ptr<std::optional<long long>> m_requested =
+        std::make_shared<std::optional<long long>>(); ///< to be stored
     Observation m_instanceObservation;
     Observation m_wakeObservation;
     Observation m_cliObservation;

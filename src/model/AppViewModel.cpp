@@ -212,11 +212,12 @@ void AppViewModel::handleTemperatureUpdate(const Notification &notification)
 {
     const auto requested = notifications::anyTemperature(notification);
     const double target = requested ? *requested : m_ports.userDefaults.doubleValue(defaults::temperature);
-    if (!acceptsRequest(target))
+    // One on its way takes the newest along.
+    if (!acceptsRequest(target) || std::exchange(m_requested, target))
         return;
-    Task::startOnMain(m_ports.executor, [weak = std::weak_ptr(m_self), target](TaskContext) -> Async {
+    Task::startOnMain(m_ports.executor, [weak = std::weak_ptr(m_self)](TaskContext) -> Async {
         if (const auto self = weak.lock())
-            self->requestTemperature(target);
+            self->requestTemperature(*std::exchange(self->m_requested, std::nullopt));
         co_return;
     });
 }

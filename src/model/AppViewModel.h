@@ -101,8 +101,9 @@ private:
     std::shared_ptr<DisplayManager> m_displayManager;
     bool m_isScheduledChange = false; ///< whether the schedule changed the temperature last; nothing reads it
     bool m_isImmediateApplyPending = false;
-    bool m_isRefused = false;     ///< when that was last looked at
-    Task m_temperatureChangeTask; ///< the newest debounced apply, pending or past
+    bool m_isRefused = false;          ///< when that was last looked at
+    std::optional<double> m_requested; ///< by another process; about to be taken
+    Task m_temperatureChangeTask;      ///< the newest debounced apply, pending or past
     double m_temperature = neutralTemperature;
     Task m_scheduleTimer;
     std::shared_ptr<AppViewModel> m_self; ///< owns nothing; tasks hold it weakly and look on the main thread

@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "protocol/Notifications.h"
+#include "support/CapturedConsole.h"
 #include "support/ModelBench.h"
 
 #include <QTest>
@@ -101,6 +102,12 @@ private Q_SLOTS:
         bench.executor.runReady();
         QCOMPARE(bench.userDefaults.doubleValue("Ambertide.Temperature"), 9000.0);
         QVERIFY(passedOn.size() == 1 && passedOn[0] == (UserInfo{{"temperature", std::int64_t{9000}}}));
+
+        const CapturedConsole console;
+        for (int i = 0; i < 10'000; ++i)
+            bench.distributed.post({notifications::updateTemperature, std::nullopt}, Delivery::standard);
+        bench.executor.advance(5s);
+        QVERIFY(console.lines.size() < 50 && console.lines.back().starts_with("Received 99"));
     }
 };
 

@@ -3,7 +3,6 @@
 #include "protocol/Notifications.h"
 
 #include <limits>
-#include <memory>
 
 using namespace ambertide;
 
@@ -73,19 +72,15 @@ private Q_SLOTS:
         QVERIFY(first.isRunning());
     }
 
-    void ofCopiesStartedTogetherOneStays()
+    void aMuteBusKeepsNoTintBack()
     {
         PrivateSession session;
-        std::vector<std::unique_ptr<ApplicationProcess>> copies;
-        for (int i = 0; i < 4; ++i)
-            copies.push_back(std::make_unique<ApplicationProcess>());
-        const auto runningCount = [&copies] {
-            QCoreApplication::processEvents();
-            return std::ranges::count_if(copies, [](auto &copy) { return copy->isRunning(); });
-        };
-        QTRY_COMPARE_WITH_TIMEOUT(runningCount(), 1, patience);
-        QTRY_COMPARE_WITH_TIMEOUT(runTool("get"), QByteArray("6500\n"), patience);
-        QCOMPARE(runningCount(), 1);
+        session.writeSettings("[General]\nAmbertide.Temperature=3000\n");
+        session.bus.freeze();
+        ApplicationProcess application;
+        QTRY_VERIFY_WITH_TIMEOUT(session.isTinted(), patience);
+        session.bus.thaw();
+        QTRY_COMPARE_WITH_TIMEOUT(runTool("get"), QByteArray("3000\n"), patience);
     }
 
     void aFloodOfHostilePostsNeitherStopsNorFeedsIt()
@@ -126,8 +121,12 @@ private Q_SLOTS:
         PrivateSession session;
         ApplicationProcess application;
         QVERIFY(application.waitUntilRegistered());
+        QCOMPARE(runTool("set 4000"), QByteArray());
+        QVERIFY(application.waitForLine("Setting temperature to 4000K"));
+        QCOMPARE(runTool("get"), QByteArray("4000\n"));
         session.server.stop();
         QVERIFY(application.waitForEnd() != -1000);
+        QVERIFY(session.settings().contains("Ambertide.Temperature=4000")); // though it was about to be written
     }
 };
 

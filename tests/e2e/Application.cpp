@@ -111,6 +111,8 @@ private Q_SLOTS:
                 runTool("set " + QByteArray::number(2000 + 1500 * (round % 4)));
             if (signalNumbers.isEmpty())
                 QCOMPARE(quit(), QString());
+            if (signalNumbers.contains(SIGTERM))
+                kill(guardian, SIGKILL); // it does so by itself, too
             for (const int signal : signalNumbers)
                 application.sendSignal(signal);
             QCOMPARE(application.waitForEnd(), status);

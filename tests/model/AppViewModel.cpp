@@ -89,10 +89,11 @@ private Q_SLOTS:
                               {"too high", kelvin(std::int64_t{9000}), 5000, false},
                               {"not a number", kelvin(std::nan("")), 5000, false},
                               {"just beyond an integer", kelvin(9223372036854775808.0), 5000, false},
-                              {"text: the stored one once more", kelvin(std::string("3400")), 5000, true},
-                              {"no user info", std::nullopt, 5000, true}}) {
+                              {"text: the stored one once more", kelvin(std::string("3400")), 4200, true},
+                              {"no user info", std::nullopt, 4200, true}}) {
             Bench bench(5000);
             bench.model->setScheduleEnabled(true);
+            bench.userDefaults.setDouble(defaults::temperature, 4200); // by another program
             bench.request(userInfo);
             QCOMPARE(bench.model->temperature(), 5000.0); // not before the handler has returned
             bench.executor.advance(5s);
@@ -113,6 +114,31 @@ private Q_SLOTS:
         bench.executor.advance(5s);
         QVERIFY(bench.isShown(2000 + 100 * (9'999 % 40)));
         QVERIFY(bench.executor.sleeperCount() <= 2);
+    }
+
+    void aRequestThatWasDroppedDuringARampIsMadeAgain()
+    {
+        Bench bench(3400);
+        for (const double temperature : {2500.0, 3400.0}) {
+            bench.model->requestTemperature(temperature);
+            bench.executor.advance(30ms);
+        }
+        bench.nudge(); // while the ramp runs: not yet
+        bench.executor.advance(5s);
+        QVERIFY(bench.isShown(2500));
+        bench.nudge();
+        bench.executor.advance(5s);
+        QVERIFY(bench.isShown(3400));
+    }
+
+    void anEntryWithoutANumberStartsNothing()
+    {
+        Bench bench(6500);
+        bench.storeSchedule({entry(0, 1.797e308)});
+        bench.model->setScheduleEnabled(true);
+        bench.nudge();
+        bench.executor.advance(70s);
+        QVERIFY(bench.displays.takeWrites().empty());
     }
 
     void theScheduleIsFollowedByBothTriggers()

@@ -67,14 +67,17 @@ std::optional<QString> SettingsFile::setAside() const
 
 bool SettingsFile::replace(const Values &values) const
 {
-    // QSettings would wait for a lock of its own without limit, so it gets a file that nobody else writes, which then
-    // takes the place of the other.
+    // QSettings would wait for a lock of its own without limit, so it gets a file in a folder that nobody else writes
+    // to, which then takes the place of the other.
     const QFileInfo old(m_path);
     QDir().mkpath(old.path());
     const auto path = old.exists() ? old.canonicalFilePath() : m_path;
-    const auto freshPath = path + QStringLiteral(".new");
-    QFile::remove(freshPath);
-    QFile::remove(freshPath + QStringLiteral(".lock"));
+    const auto folder = path + QStringLiteral(".new");
+    const auto freshPath = folder + QStringLiteral("/defaults.ini");
+    QFile::remove(folder); // should it be a link, then not what it leads to
+    QDir(folder).removeRecursively();
+    if (!QDir().mkdir(folder))
+        return false;
     {
         QSettings fresh(freshPath, QSettings::IniFormat);
         for (const auto &[key, value] : values)
@@ -85,6 +88,7 @@ bool SettingsFile::replace(const Values &values) const
     }
     std::error_code error;
     fs::rename(freshPath.toStdString(), path.toStdString(), error);
+    QDir(folder).removeRecursively();
     return !error;
 }
 

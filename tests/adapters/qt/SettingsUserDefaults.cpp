@@ -48,6 +48,8 @@ private Q_SLOTS:
     void everyKindOfValueComesBackFromTheFile()
     {
         const std::string bytes("[{\"a\":\"\xC3\xBC \\n\"},\n\0\xff]", 18);
+        for (const char *inTheWay : {".lock/x", ".new/defaults.ini.lock/x", ".new.lock/x"})
+            QVERIFY(QDir().mkpath(path + QLatin1String(inTheWay)));
         SettingsUserDefaults written(path);
         QVERIFY(!written.hasObject("d"));
         written.setDouble("d", 3449.5);
@@ -136,16 +138,18 @@ private Q_SLOTS:
         QFile file(blocker);
         QVERIFY(file.open(QIODevice::WriteOnly));
         SettingsUserDefaults defaults(path);
-        for (int i = 0; i < 10; ++i) {
-            defaults.setDouble("d", i);
-            defaults.flush(10s);
-            QCOMPARE(defaults.doubleValue("d"), double(i));
+        for (const std::size_t times : {1U, 2U}) { // each trouble is said once
+            for (int i = 0; i < 10; ++i) {
+                defaults.setDouble("d", i);
+                defaults.flush(10s);
+                QCOMPARE(defaults.doubleValue("d"), double(i));
+            }
+            QCOMPARE(console->lines.size(), times);
+            QVERIFY(file.remove());
+            QCOMPARE(defaults.doubleValue("d"), 9.0);
+            QTRY_COMPARE(SettingsUserDefaults(path).doubleValue("d"), 9.0);
+            QVERIFY(QFile::remove(path) && QDir().rmdir(blocker) && file.open(QIODevice::WriteOnly));
         }
-        QCOMPARE(console->lines.size(), std::size_t(1));
-
-        QVERIFY(file.remove());
-        QCOMPARE(defaults.doubleValue("d"), 9.0);
-        QTRY_COMPARE(SettingsUserDefaults(path).doubleValue("d"), 9.0);
     }
 };
 

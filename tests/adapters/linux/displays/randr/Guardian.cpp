@@ -160,9 +160,13 @@ private Q_SLOTS:
         QVERIFY(endsInTime(oldGuardian));
         QTRY_COMPARE(m_client.ramp(m_display)[2][0], 16384);
 
-        // A guardian that dies is replaced.
+        // A guardian that dies is replaced at once, one that is stopped with the next write.
         kill(youngGuardian, SIGKILL);
-        QTRY_VERIFY((young.show("0.5"), young.guardian() != 0 && young.guardian() != youngGuardian));
+        QTRY_VERIFY(young.guardian() != 0 && young.guardian() != youngGuardian);
+        const auto secondGuardian = young.guardian();
+        kill(secondGuardian, SIGSTOP);
+        young.show("0.5");
+        QTRY_VERIFY(young.guardian() != 0 && young.guardian() != secondGuardian);
         const auto newGuardian = young.guardian();
         young.signalGroup(SIGKILL);
         QVERIFY(endsInTime(newGuardian));
