@@ -20,7 +20,7 @@ class UpdateInstaller
 {
 public:
     enum class Outcome {
-        Installed,
+        Installed = 0,
         Dismissed,     ///< the person closed the prompt for a password
         NotAuthorised, ///< not allowed, or nothing here can ask for a password
         BadSignature,

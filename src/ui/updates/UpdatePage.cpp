@@ -90,6 +90,12 @@ Button *UpdatePage::addDefaultButton(const QString &text)
     return m_default;
 }
 
-void UpdatePage::takeFocus() { m_default != nullptr ? m_default->setFocus() : setFocus(); }
+void UpdatePage::takeFocus()
+{
+    if (m_default != nullptr)
+        m_default->setFocus();
+    else
+        setFocus();
+}
 
 } // namespace ambertide

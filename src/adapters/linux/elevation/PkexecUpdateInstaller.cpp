@@ -18,28 +18,7 @@ UpdateInstaller::Outcome outcomeOf(const ChildProcessEnd &end)
         return Outcome::NotAuthorised;
     if (end.isExit(pkexecDismissed))
         return Outcome::Dismissed;
-    if (end.kind != ChildProcessEnd::Kind::Exited)
-        return Outcome::Failed;
-    switch (static_cast<InstallationStatus>(end.code)) {
-    case InstallationStatus::Installed:
-        return Outcome::Installed;
-    case InstallationStatus::BadSignature:
-        return Outcome::BadSignature;
-    case InstallationStatus::WrongPackage:
-        return Outcome::WrongPackage;
-    case InstallationStatus::NotNewer:
-        return Outcome::NotNewer;
-    case InstallationStatus::NotAPackage:
-        return Outcome::NotAPackage;
-    case InstallationStatus::NoRoom:
-        return Outcome::NoRoom;
-    case InstallationStatus::Busy:
-        return Outcome::Busy;
-    case InstallationStatus::Failed:
-    case InstallationStatus::WrongUsage:
-        break;
-    }
-    return Outcome::Failed;
+    return end.kind == ChildProcessEnd::Kind::Exited ? installationOutcome(end.code) : Outcome::Failed;
 }
 
 } // namespace

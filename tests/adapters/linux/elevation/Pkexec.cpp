@@ -83,7 +83,7 @@ private Q_SLOTS:
         row("not pkexec's words", "echo 'sh: 1: Error executing command as another user: Not authorized' >&2; exit 127",
             "the command ended with status 127", Outcome::NotAuthorised);
         row("a folder", "exit 4", "/usr/local/bin/ambertide is a folder", Outcome::Failed);
-        row("no room", "printf 'disk\\033\\n\\tfull\\r\\n' >&2; exit 14", "the command ended with status 14",
+        row("no room", "printf 'disk\\033\\n\\tfull\\r\\n' >&2; exit 17", "the command ended with status 17",
             Outcome::NoRoom, "disk full");
         row("a child left behind", "sleep 20 & exit 9", "the command ended with status 9", Outcome::Failed);
         row("broken off", "kill -9 $$", "the command was broken off (signal 9)", Outcome::Failed);

@@ -15,6 +15,8 @@ namespace ambertide {
 
 namespace {
 
+using Outcome = UpdateInstaller::Outcome;
+
 constexpr std::size_t longestLine = 300;
 
 /// dpkg looks for its own helpers on the path, and its maintainer scripts ask nobody.
@@ -90,25 +92,28 @@ std::optional<PresentPackage> presentPackage(const InstallationRules &rules)
 /// Without the revision of the packaging, which the feed does not name.
 std::string_view upstream(std::string_view version) { return version.substr(0, version.rfind('-')); }
 
-InstallationEnd checkIdentity(const InstallationRules &rules, const std::string &package, std::string_view announced)
+/// Why this package is not the one to be installed here; nothing when it is.
+std::optional<InstallationEnd> refusal(const InstallationRules &rules, const std::string &package,
+                                       std::string_view announced)
 {
-    constexpr auto wrong = InstallationStatus::WrongPackage;
+    constexpr auto wrong = Outcome::WrongPackage;
     if (field(package, "Package") != rules.packageName)
-        return {wrong, "the file is no package of " + rules.packageName};
+        return InstallationEnd{wrong, "the file is no package of " + rules.packageName};
     const auto architecture = field(package, "Architecture");
     if (architecture != "all" && architecture != answer({"/usr/bin/dpkg"}, {"--print-architecture"}))
-        return {wrong, "the package is for another architecture"};
+        return InstallationEnd{wrong, "the package is for another architecture"};
     const auto version = field(package, "Version");
     if (!version || !isVersion(*version))
-        return {wrong, "the package has no version"};
+        return InstallationEnd{wrong, "the package has no version"};
     if (announced != *version && announced != upstream(*version))
-        return {wrong, "the package is of version " + *version + ", which is not the one that was announced"};
+        return InstallationEnd{wrong,
+                               "the package is of version " + *version + ", which is not the one that was announced"};
     const auto present = presentPackage(rules);
     if (!present)
-        return {InstallationStatus::NotAPackage, rules.packageName + " was not installed as a package here"};
+        return InstallationEnd{Outcome::NotAPackage, rules.packageName + " was not installed as a package here"};
     if (!run({"/usr/bin/dpkg", "--compare-versions", *version, "gt", present->version}).isExit(0))
-        return {InstallationStatus::NotNewer, "version " + *version + " is not newer than " + present->version};
-    return {InstallationStatus::Installed, {}};
+        return InstallationEnd{Outcome::NotNewer, "version " + *version + " is not newer than " + present->version};
+    return std::nullopt;
 }
 
 /// A package that was left in the middle is brought as far as it will go first, for dpkg may refuse others until then;
@@ -121,14 +126,14 @@ ChildProcessEnd install(const InstallationRules &rules, const std::string &packa
     return runWith(rules.install, {package});
 }
 
-InstallationStatus statusOf(const ChildProcessEnd &end)
+Outcome outcomeOf(const ChildProcessEnd &end)
 {
     const auto tells = [&end](const char *words) { return end.output.find(words) != std::string::npos; };
     if (end.isExit(0))
-        return InstallationStatus::Installed;
+        return Outcome::Installed;
     if (tells("No space left on device") || tells("You don't have enough free space"))
-        return InstallationStatus::NoRoom;
-    return tells("Could not get lock") ? InstallationStatus::Busy : InstallationStatus::Failed;
+        return Outcome::NoRoom;
+    return tells("Could not get lock") ? Outcome::Busy : Outcome::Failed;
 }
 
 bool isReadable(int descriptor)
@@ -144,25 +149,24 @@ InstallationEnd installPackage(const InstallationRules &rules, int source, std::
 {
     PackageFolder folder(rules.folder);
     if (folder.isBusy())
-        return {InstallationStatus::Busy, "another update is being installed"};
+        return {Outcome::Busy, "another update is being installed"};
     InstallationEnd end;
     const auto bytes = readPackage(source, rules.mostBytes, rules.inputTime, rules.termination, end.problem);
     if (!bytes)
         return end;
     if (!rules.verifier.accepts(*bytes, signature))
-        return {InstallationStatus::BadSignature, "the package is not signed with the key of this application"};
+        return {Outcome::BadSignature, "the package is not signed with the key of this application"};
     if (const int error = folder.store(*bytes); error != 0)
-        return {error == ENOSPC || error == EDQUOT ? InstallationStatus::NoRoom : InstallationStatus::Failed,
+        return {error == ENOSPC || error == EDQUOT ? Outcome::NoRoom : Outcome::Failed,
                 std::string("the package could not be stored: ") + std::strerror(error)};
     // Only what is signed is handed to programs that take it apart.
-    end = checkIdentity(rules, folder.file(), version);
-    if (end.status != InstallationStatus::Installed)
-        return end;
+    if (auto refused = refusal(rules, folder.file(), version))
+        return *refused;
     if (isReadable(rules.termination))
-        return {InstallationStatus::Failed, "asked to end before the installation had begun"};
+        return {Outcome::Failed, "asked to end before the installation had begun"};
     const auto installed = install(rules, folder.file());
-    end.status = statusOf(installed);
-    if (end.status != InstallationStatus::Installed)
+    end.outcome = outcomeOf(installed);
+    if (end.outcome != Outcome::Installed)
         end.problem = "the package would not install: " + endOf(installed.output);
     return end;
 }

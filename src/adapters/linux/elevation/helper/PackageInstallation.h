@@ -1,6 +1,6 @@
 #pragma once
 
-#include "adapters/linux/elevation/helper/InstallationStatus.h"
+#include "ports/UpdateInstaller.h"
 #include "update/signature/SignatureVerifier.h"
 
 #include <chrono>
@@ -37,7 +37,7 @@ struct InstallationRules
 
 struct InstallationEnd
 {
-    InstallationStatus status = InstallationStatus::Failed;
+    UpdateInstaller::Outcome outcome = UpdateInstaller::Outcome::Failed;
     std::string problem; ///< in one line; empty when the new version is installed
 };
 

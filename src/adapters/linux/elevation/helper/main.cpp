@@ -2,6 +2,7 @@
 // package comes as bytes on standard input, its signature and its version as the arguments, and the keys are part of
 // this program.
 
+#include "adapters/linux/elevation/helper/InstallationStatus.h"
 #include "adapters/linux/elevation/helper/PackageInstallation.h"
 
 #include <signal.h>
@@ -18,7 +19,7 @@
 namespace {
 
 using ambertide::InstallationEnd;
-using ambertide::InstallationStatus;
+using Outcome = ambertide::UpdateInstaller::Outcome;
 
 /// Goes on in a unit of the system's, with the same standard streams, where systemd runs: of what belongs to a session
 /// nothing outlives a logout, and a package must not be left half-installed. Returns where there is no such unit to be
@@ -60,9 +61,9 @@ InstallationEnd install(const char *signature, const char *version)
 {
     const auto verifier = ambertide::SignatureVerifier::withPublicKeys(AMBERTIDE_FEED_PUBLIC_KEY);
     if (!verifier)
-        return {InstallationStatus::Failed, "this build carries no key to verify updates with"};
+        return {Outcome::Failed, "this build carries no key to verify updates with"};
     if (geteuid() != 0 || chdir("/") != 0)
-        return {InstallationStatus::Failed, "only the administrator can install updates"};
+        return {Outcome::Failed, "only the administrator can install updates"};
     ambertide::InstallationRules rules{*verifier, "ambertide", "/var/lib/ambertide-update"};
     rules.termination = openTermination();
     return ambertide::installPackage(rules, STDIN_FILENO, signature, version);
@@ -74,7 +75,7 @@ int main(int argumentCount, char *arguments[])
 {
     if (argumentCount != 3) {
         std::fputs("usage: AmbertideInstallHelper SIGNATURE VERSION < PACKAGE\n", stderr);
-        return static_cast<int>(InstallationStatus::WrongUsage);
+        return 2;
     }
     leaveTheSession(arguments);
     leaveTheCaller();
@@ -86,5 +87,5 @@ int main(int argumentCount, char *arguments[])
     }
     if (!end.problem.empty())
         std::fprintf(stderr, "%s\n", end.problem.c_str());
-    return static_cast<int>(end.status);
+    return ambertide::installationStatus(end.outcome);
 }

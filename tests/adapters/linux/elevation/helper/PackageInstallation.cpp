@@ -2,18 +2,19 @@
 
 #include "support/SigningKey.h"
 
-#include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 
 using namespace ambertide;
-using Status = InstallationStatus;
+using Outcome = UpdateInstaller::Outcome;
+using std::string;
 
 /// In a dpkg world of its own, in which version 1.10 of the application is installed.
 class PackageInstallation : public QObject
@@ -23,126 +24,110 @@ class PackageInstallation : public QObject
 private Q_SLOTS:
     void init()
     {
-        QFile::remove(m_folder.filePath(QStringLiteral("root/version")));
         for (const auto *folder :
              {"root/var/lib/dpkg/info", "root/var/lib/dpkg/updates", "work/package/x", "new/DEBIAN"})
-            QVERIFY(QDir(m_folder.path()).mkpath(QString::fromLatin1(folder)));
-        file("work/package/update.deb", "left by one that was killed");
+            std::filesystem::create_directories(path(folder));
+        std::filesystem::remove(path("root/version"));
+        write("work/package/update.deb", "left by one that was killed");
         leave("install ok installed");
-        const auto root = "--root=" + m_folder.filePath(QStringLiteral("root")).toStdString();
-        m_rules = {*SignatureVerifier::withPublicKeys(m_key.publicKey()), "ambertide", {}};
-        m_rules.folder = m_folder.filePath(QStringLiteral("work/package")).toStdString();
-        m_rules.dpkg = {"/usr/bin/dpkg", root, "--force-not-root", "--log=/dev/null"};
-        m_rules.query = {"/usr/bin/dpkg-query", root};
+        m_rules.dpkg = {"/usr/bin/dpkg", "--root=" + path("root"), "--force-not-root", "--log=/dev/null"};
+        m_rules.query = {"/usr/bin/dpkg-query", "--root=" + path("root")};
         m_rules.install = m_rules.dpkg;
         m_rules.install.emplace_back("--install");
     }
 
     void onlyTheNewerPackageThatWasAnnouncedIsInstalled()
     {
-        const auto end = [this](const char *name, const char *version, const char *architecture = "all") {
-            return installSigned(build(name, version, architecture)).status;
+        const auto end = [this](const char *announced, const char *name, const char *version,
+                                const char *kind = "all") {
+            m_announced = announced;
+            return installSigned(build(name, version, kind)).outcome;
         };
-        QCOMPARE(end("ambertide", "1.10"), Status::WrongPackage);
-        m_announced = "1.10";
-        QCOMPARE(end("ambertide", "1.10"), Status::NotNewer);
-        m_announced = "1.9";
-        QCOMPARE(end("ambertide", "1.9"), Status::NotNewer);
-        m_announced = "2.0";
-        QCOMPARE(end("amberwave", "2.0"), Status::WrongPackage);
-        QCOMPARE(end("ambertide", "2.0", "s390x"), Status::WrongPackage);
+        QCOMPARE(end("2.0", "ambertide", "1.11"), Outcome::WrongPackage);
+        QCOMPARE(end("2.0", "amberwave", "2.0"), Outcome::WrongPackage);
+        QCOMPARE(end("2.0", "ambertide", "2.0", "s390x"), Outcome::WrongPackage);
+        QCOMPARE(end("1.10", "ambertide", "1.10"), Outcome::NotNewer);
+        QCOMPARE(end("1.9", "ambertide", "1.9"), Outcome::NotNewer);
         QVERIFY(!isInstalled());
-        QCOMPARE(end("ambertide", "2.0-1"), Status::Installed);
+        QCOMPARE(end("2.0", "ambertide", "2.0-1"), Outcome::Installed);
         QVERIFY(isInstalled());
     }
 
     void whateverStateANewerPackageCanMendIsMended()
     {
-        const QByteArray package = build("ambertide", "2.0", "all");
-        for (const char *state : {"half-installed", "reinstreq half-installed", "unpacked", "half-configured",
-                                  "triggers-awaited", "triggers-pending"}) {
+        const QByteArray package = build("ambertide", "2.0");
+        for (const char *state : {"ok half-installed", "reinstreq half-installed", "ok unpacked", "ok half-configured",
+                                  "ok triggers-awaited", "ok triggers-pending"}) {
             init();
-            leave(QByteArray("install ") + (strchr(state, ' ') ? "" : "ok ") + state);
-            const auto end = installSigned(package);
-            QVERIFY2(end.status == Status::Installed && isInstalled(), (state + end.problem).c_str());
+            leave(string("install ") + state);
+            QVERIFY2(installSigned(package).outcome == Outcome::Installed && isInstalled(), state);
         }
         leave("deinstall ok config-files");
-        QCOMPARE(installSigned(package).status, Status::NotAPackage);
+        QCOMPARE(installSigned(package).outcome, Outcome::NotAPackage);
     }
 
     void bytesThatTheKeyDidNotSignAreRefused()
     {
-        QByteArray package = build("ambertide", "2.0", "all");
-        const std::string signature = m_key.sign(package);
-        QCOMPARE(install(package, SigningKey().sign(package)).status, Status::BadSignature);
-        QCOMPARE(install(package, {}).status, Status::BadSignature);
+        QByteArray package = build("ambertide", "2.0");
+        const string signature = m_key.sign(package);
+        QCOMPARE(install(package, SigningKey().sign(package)).outcome, Outcome::BadSignature);
+        QCOMPARE(install(package, {}).outcome, Outcome::BadSignature);
         package[package.size() / 2] = static_cast<char>(package.at(package.size() / 2) ^ 1);
-        QCOMPARE(install(package, signature).status, Status::BadSignature);
-        QCOMPARE(installSigned("text").status, Status::WrongPackage);
+        QCOMPARE(install(package, signature).outcome, Outcome::BadSignature);
         QVERIFY(!isInstalled());
+        QCOMPARE(installSigned("text").outcome, Outcome::WrongPackage);
     }
 
     void whyAnInstallationFailedIsTold()
     {
-        const QByteArray package = build("ambertide", "2.0", "all");
+        const QByteArray package = build("ambertide", "2.0");
         const auto end = [&](const char *script) {
             m_rules.install = {"/bin/sh", "-c", script};
             return installSigned(package);
         };
         const auto failed = end("yes | head -c 200000; echo the end; exit 3");
-        QVERIFY(failed.status == Status::Failed && failed.problem.ends_with("the end ") && failed.problem.size() < 400);
-        QCOMPARE(end("echo 'cannot copy: No space left on device'; exit 1").status, Status::NoRoom);
-        QCOMPARE(end("echo 'E: Could not get lock'; exit 100").status, Status::Busy);
-        m_rules.mostBytes = static_cast<std::uint64_t>(package.size()) - 1;
-        QVERIFY(installSigned(package).problem.find("larger") != std::string::npos);
-    }
-
-    void aCallerWhoSendsNothingIsNotWaitedForLong()
-    {
-        std::array<int, 2> ends{};
-        QCOMPARE(::pipe(ends.data()), 0);
-        m_rules.inputTime = std::chrono::seconds(0);
-        QCOMPARE(installPackage(m_rules, ends[0], {}, {}).problem, std::string("the package did not come in time"));
-        m_rules.inputTime = std::chrono::hours(1);
-        ::close(ends[1]);
-        m_rules.termination = ends[0]; // readable, now that it is at its end
-        std::array<int, 2> silent{};
-        QCOMPARE(::pipe(silent.data()), 0);
-        QVERIFY(installPackage(m_rules, silent[0], {}, {}).problem.starts_with("asked to end"));
-        for (const int each : {ends[0], silent[0], silent[1]})
-            ::close(each);
-    }
-
-    void oneInstallationIsMadeAtATime()
-    {
-        const int lock = ::open(m_rules.folder.c_str(), O_RDONLY | O_DIRECTORY);
-        QCOMPARE(::flock(lock, LOCK_EX), 0);
-        QCOMPARE(installPackage(m_rules, -1, {}, {}).status, Status::Busy);
-        QVERIFY(QFile::exists(m_folder.filePath(QStringLiteral("work/package/update.deb")))); // it is the other's
+        QVERIFY(failed.outcome == Outcome::Failed && failed.problem.ends_with("the end ") &&
+                failed.problem.size() < 400);
+        QCOMPARE(end("echo 'cannot copy: No space left on device'; exit 1").outcome, Outcome::NoRoom);
+        QCOMPARE(end("echo 'E: Could not get lock'; exit 100").outcome, Outcome::Busy);
+        InstallationRules rules = m_rules;
+        rules.mostBytes = 4;
+        QVERIFY(install("bytes", {}, rules).problem.find("larger") != string::npos);
+        rules.inputTime = std::chrono::seconds(0);
+        const auto problem = [&](const char *source) {
+            const int input = ::open(source, O_RDWR);
+            const auto silent = installPackage(rules, input, {}, {}).problem;
+            ::close(input);
+            return silent;
+        };
+        QCOMPARE(problem("/dev/ptmx"), "the package did not come in time");
+        rules.inputTime = std::chrono::hours(1);
+        rules.termination = ::open("/dev/null", O_RDONLY);
+        QCOMPARE(problem("/dev/ptmx"), "asked to end before the package had come");
+        ::close(rules.termination);
+        const int lock = ::open(path("work").c_str(), O_RDONLY);
+        rules.folder = path("work");
+        QVERIFY(::flock(lock, LOCK_EX) == 0 && problem("/dev/null") == "another update is being installed");
         ::close(lock);
     }
 
 private:
-    QString file(const char *name, const QByteArray &bytes)
+    string path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)).toStdString(); }
+    void write(const char *name, const string &bytes) const { std::ofstream(path(name)) << bytes; }
+    void leave(const string &state)
     {
-        QFile file(m_folder.filePath(QString::fromLatin1(name)));
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            qFatal("%s: %s", name, qPrintable(file.errorString()));
-        return file.fileName();
+        const auto add = [&state](const char *part, const char *field) { return state.ends_with(part) ? field : ""; };
+        write("root/var/lib/dpkg/info/ambertide.list", "/.\n");
+        write("root/var/lib/dpkg/status",
+              "Package: ambertide\nStatus: " + state + add("awaited", "\nTriggers-Awaited: other") +
+                  add("pending", "\nTriggers-Pending: x") + add("half-configured", "\nConfig-Version: 1.9") +
+                  "\nArchitecture: all\nMaintainer: x\nDescription: x\nVersion: 1.10\n");
     }
-    void leave(const QByteArray &state)
+    QByteArray build(const string &name, const string &version, const string &architecture = "all")
     {
-        file("root/var/lib/dpkg/status", "Package: ambertide\nStatus: " + state +
-                                             "\nArchitecture: all\nMaintainer: x\nDescription: x\nVersion: 1.10\n" +
-                                             (state.contains("awaited") ? "Triggers-Awaited: other\n" : "") +
-                                             (state.contains("pending") ? "Triggers-Pending: x\n" : "") +
-                                             (state.contains("half-c") ? "Config-Version: 1.9\n" : ""));
-    }
-    QByteArray build(const QByteArray &name, const QByteArray &version, const QByteArray &architecture)
-    {
-        file("new/version", "2");
-        file("new/DEBIAN/control", "Package: " + name + "\nVersion: " + version + "\nArchitecture: " + architecture +
-                                       "\nMaintainer: x\nDescription: x\n");
+        write("new/version", "2");
+        write("new/DEBIAN/control", "Package: " + name + "\nVersion: " + version + "\nArchitecture: " + architecture +
+                                        "\nMaintainer: x\nDescription: x\n");
         const QString built = m_folder.filePath(QStringLiteral("built.deb"));
         QProcess::execute(QStringLiteral("/usr/bin/dpkg-deb"),
                           {QStringLiteral("--build"), m_folder.filePath(QStringLiteral("new")), built});
@@ -150,22 +135,26 @@ private:
         return package.open(QIODevice::ReadOnly) ? package.readAll() : QByteArray();
     }
     InstallationEnd installSigned(const QByteArray &bytes) { return install(bytes, m_key.sign(bytes)); }
-    InstallationEnd install(const QByteArray &bytes, const std::string &signature)
+    InstallationEnd install(const QByteArray &bytes, const string &signature)
     {
-        QFile sent(file("sent", bytes));
-        if (!sent.open(QIODevice::ReadOnly))
-            qFatal("%s", qPrintable(sent.errorString()));
-        const auto end = installPackage(m_rules, sent.handle(), signature, m_announced);
-        if (QFile::exists(QString::fromStdString(m_rules.folder)))
+        return install(bytes, signature, m_rules);
+    }
+    InstallationEnd install(const QByteArray &bytes, const string &signature, const InstallationRules &rules)
+    {
+        write("sent", bytes.toStdString());
+        const int sent = ::open(path("sent").c_str(), O_RDONLY);
+        const auto end = installPackage(rules, sent, signature, m_announced);
+        ::close(sent);
+        if (std::filesystem::exists(rules.folder))
             qFatal("the package is left behind");
         return end;
     }
-    bool isInstalled() const { return QFile::exists(m_folder.filePath(QStringLiteral("root/version"))); }
+    bool isInstalled() const { return std::filesystem::exists(path("root/version")); }
 
     QTemporaryDir m_folder;
     SigningKey m_key;
-    std::string m_announced = "2.0";
-    InstallationRules m_rules{*SignatureVerifier::withPublicKeys(m_key.publicKey()), {}, {}};
+    string m_announced = "2.0";
+    InstallationRules m_rules{*SignatureVerifier::withPublicKeys(m_key.publicKey()), "ambertide", path("work/package")};
 };
 
 QTEST_GUILESS_MAIN(PackageInstallation)
