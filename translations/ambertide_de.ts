@@ -194,10 +194,6 @@
         <translation>pkexec, das Administratorrechte anfordert, ist nicht installiert</translation>
     </message>
     <message>
-        <source>pkexec, which asks for administrator rights, could not be started: %1</source>
-        <translation>pkexec, das Administratorrechte anfordert, konnte nicht gestartet werden: %1</translation>
-    </message>
-    <message>
         <source>the command was broken off (signal %1)</source>
         <translation>Der Befehl wurde abgebrochen (Signal %1)</translation>
     </message>
@@ -208,6 +204,22 @@
     <message>
         <source>the command ended with status %1</source>
         <translation>Der Befehl endete mit dem Status %1</translation>
+    </message>
+    <message>
+        <source>pkexec, which asks for administrator rights, could not be started</source>
+        <translation>pkexec, das Administratorrechte anfordert, konnte nicht gestartet werden</translation>
+    </message>
+    <message>
+        <source>/usr/local/bin/ambertide is a folder</source>
+        <translation>/usr/local/bin/ambertide ist ein Ordner</translation>
+    </message>
+    <message>
+        <source>the tool is not in its place beside Ambertide</source>
+        <translation>Das Werkzeug liegt nicht an seinem Platz neben Ambertide</translation>
+    </message>
+    <message>
+        <source>/usr/local/bin could not be changed</source>
+        <translation>/usr/local/bin konnte nicht geändert werden</translation>
     </message>
 </context>
 <context>
@@ -373,10 +385,6 @@
         <translation>Diese Version von Ambertide kann nicht nach Updates suchen, denn ihr fehlt die Adresse oder der Schlüssel der Update-Quelle. Bitte auf demselben Weg aktualisieren, auf dem Ambertide installiert wurde.</translation>
     </message>
     <message>
-        <source>The update would have come over a connection that is not secure, so it was not loaded. Download the new version from the Ambertide web page instead.</source>
-        <translation>Das Update wäre über eine unsichere Verbindung gekommen und wurde deshalb nicht geladen. Bitte die neue Version stattdessen von der Webseite von Ambertide herunterladen.</translation>
-    </message>
-    <message>
         <source>The update server could not be reached. Check your network connection and try again.</source>
         <translation>Der Update-Server ist nicht erreichbar. Bitte die Netzwerkverbindung prüfen und erneut versuchen.</translation>
     </message>
@@ -389,14 +397,6 @@
         <translation>Der Update-Server konnte die Anfrage nicht beantworten. Bitte später erneut versuchen.</translation>
     </message>
     <message>
-        <source>The update server sent more than an update can be, so it was not loaded. Try again later.</source>
-        <translation>Der Update-Server hat mehr Daten gesendet, als ein Update umfassen kann. Das Update wurde deshalb nicht geladen. Bitte später erneut versuchen.</translation>
-    </message>
-    <message>
-        <source>The update server sent something other than update information. If your network asks you to log in first, do so and try again.</source>
-        <translation>Der Update-Server hat etwas anderes als Angaben zu Updates gesendet. Falls das Netzwerk zuerst eine Anmeldung verlangt, bitte anmelden und erneut versuchen.</translation>
-    </message>
-    <message>
         <source>The update is not signed by the makers of Ambertide, so it was thrown away. Try again later, or download the new version from the Ambertide web page.</source>
         <translation>Das Update ist nicht von den Entwicklern von Ambertide signiert und wurde deshalb verworfen. Bitte später erneut versuchen oder die neue Version von der Webseite von Ambertide herunterladen.</translation>
     </message>
@@ -405,12 +405,44 @@
         <translation>Das Update konnte nicht gespeichert werden. Bitte Platz auf dem Datenträger schaffen und erneut versuchen.</translation>
     </message>
     <message>
-        <source>Installing the update takes the rights of an administrator, and they were not given. Ask an administrator of this computer.</source>
-        <translation>Die Installation des Updates erfordert Administratorrechte, die nicht erteilt wurden. Bitte an die Administration dieses Computers wenden.</translation>
-    </message>
-    <message>
         <source>The update could not be installed, so the present version stays. Try again later, or download the new version from the Ambertide web page.</source>
         <translation>Das Update konnte nicht installiert werden, die bisherige Version bleibt erhalten. Bitte später erneut versuchen oder die neue Version von der Webseite von Ambertide herunterladen.</translation>
+    </message>
+    <message>
+        <source>The connection to the update server is not secure, so nothing was loaded. Download the new version from the Ambertide web page instead.</source>
+        <translation>Die Verbindung zum Update-Server ist unsicher, deshalb wurde nichts geladen. Bitte die neue Version stattdessen von der Webseite von Ambertide herunterladen.</translation>
+    </message>
+    <message>
+        <source>The update server sent far more than was expected, so nothing was loaded. Try again later.</source>
+        <translation>Der Update-Server hat viel mehr Daten gesendet als erwartet, deshalb wurde nichts geladen. Bitte später erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>The update server sent something other than update information signed by the makers of Ambertide. If your network asks you to log in first, do so and try again.</source>
+        <translation>Der Update-Server hat etwas anderes gesendet als Angaben zu Updates, die von den Entwicklern von Ambertide signiert sind. Falls das Netzwerk zuerst eine Anmeldung verlangt, bitte anmelden und erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>The update server sent update information that is out of date, so newer versions may be missing from it. Check the date of this computer and try again later.</source>
+        <translation>Die Angaben des Update-Servers sind veraltet, neuere Versionen können darin fehlen. Bitte das Datum dieses Computers prüfen und es später erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>Only an administrator of this computer can install the update, and no administrator&apos;s password was given.</source>
+        <translation>Nur die Administration dieses Computers kann das Update installieren, und es wurde kein Administratorpasswort eingegeben.</translation>
+    </message>
+    <message>
+        <source>The update is another one than was announced, so it was not installed. Try again later, or download the new version from the Ambertide web page.</source>
+        <translation>Das Update ist nicht das angekündigte und wurde deshalb nicht installiert. Bitte später erneut versuchen oder die neue Version von der Webseite von Ambertide herunterladen.</translation>
+    </message>
+    <message>
+        <source>A version that is as new has been installed meanwhile. Restart Ambertide to use it.</source>
+        <translation>Inzwischen wurde eine ebenso neue Version installiert. Bitte Ambertide neu starten, um sie zu verwenden.</translation>
+    </message>
+    <message>
+        <source>Ambertide was not installed as a package on this computer. Update it the way it was installed.</source>
+        <translation>Ambertide wurde auf diesem Computer nicht als Paket installiert. Bitte auf demselben Weg aktualisieren, auf dem es installiert wurde.</translation>
+    </message>
+    <message>
+        <source>Other software is being installed on this computer. Try again when that has ended.</source>
+        <translation>Auf diesem Computer wird gerade andere Software installiert. Bitte danach erneut versuchen.</translation>
     </message>
 </context>
 <context>
@@ -477,10 +509,6 @@
         <translation>Bereit zur Installation</translation>
     </message>
     <message>
-        <source>Ambertide %1 has been downloaded and verified. Installing it takes the password of an administrator.</source>
-        <translation>Ambertide %1 wurde heruntergeladen und geprüft. Die Installation erfordert ein Administratorpasswort.</translation>
-    </message>
-    <message>
         <source>Not Now</source>
         <translation>Jetzt nicht</translation>
     </message>
@@ -515,6 +543,14 @@
     <message>
         <source>Try Again</source>
         <translation>Erneut versuchen</translation>
+    </message>
+    <message>
+        <source>Ambertide %1 has been downloaded and verified. Installing it takes an administrator&apos;s password.</source>
+        <translation>Ambertide %1 wurde heruntergeladen und geprüft. Zum Installieren ist ein Administratorpasswort nötig.</translation>
+    </message>
+    <message>
+        <source>Could not check for updates</source>
+        <translation>Die Suche nach Updates ist nicht gelungen</translation>
     </message>
 </context>
 </TS>

@@ -220,7 +220,7 @@ UpdatePage *UpdateWindow::installedPage()
 UpdatePage *UpdateWindow::failedPage()
 {
     const bool isFound = !m_session.item().version.isEmpty();
-    auto *page = new UpdatePage(isFound ? tr("The update did not succeed") : tr("There was no check for updates"),
+    auto *page = new UpdatePage(isFound ? tr("The update did not succeed") : tr("Could not check for updates"),
                                 describeForPeople(m_session.failure()), this);
     if (m_session.failure().kind != UpdateFailure::Kind::NotConfigured)
         connect(page->addButton(tr("Try Again")), &Button::clicked, &m_session, &UpdateSession::start);
