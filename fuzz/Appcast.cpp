@@ -2,13 +2,19 @@
 
 #include "Require.h"
 #include "update/ForeignText.h"
+#include "update/SignedFeed.h"
 #include "update/UpdateChoice.h"
+#include "update/signature/SignatureVerifier.h"
 
-/// Whatever is read has a version, only a newer one is chosen, and versions have an order.
+/// Whatever is read has a version, only a newer one is chosen, and versions have an order. Nothing is signed.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
     require(ambertide::displayableText(QString::fromUtf8(bytes)).size() <= ambertide::longestForeignText);
+
+    static const auto verifier =
+        ambertide::SignatureVerifier::withPublicKeys("PUAXw+hDiVqStwqnTRt+vJyYLM8uxJaMwM1V8Sr0Zgw=").value();
+    require(!ambertide::SignedFeed::read(bytes, verifier));
 
     QString problem;
     const auto appcast = ambertide::Appcast::read(bytes, problem);

@@ -10,8 +10,8 @@ namespace ambertide {
 
 class SignatureVerifier;
 
-/// What the last line of a feed vouches for: that the bytes before its signature are those of a holder of a key, and
-/// from when to when. The line is an XML comment, so that the feed stays an appcast for whoever does not know of it:
+/// What the last line of a feed says: when the bytes before its signature were signed, and until when they are valid.
+/// The line is an XML comment, so the feed stays an appcast for readers that do not know it:
 ///
 ///     <!-- feed signed="2027-01-31T12:00:00Z" until="2027-05-01T12:00:00Z" ed25519="base64" -->
 struct SignedFeed
@@ -19,7 +19,7 @@ struct SignedFeed
     Date signedAt;
     Date validUntil;
 
-    /// Nothing unless the bytes end with such a line, of which both times and the signature hold. Any thread.
+    /// Nothing unless the bytes end with such a line, with two times and the signature of a key. Any thread.
     static std::optional<SignedFeed> read(const QByteArray &bytes, const SignatureVerifier &verifier);
 };
 

@@ -16,15 +16,9 @@ UpdateConfiguration UpdateConfiguration::fromBundle(const MainBundle &bundle)
     return configuration;
 }
 
-std::optional<QString> UpdateConfiguration::problem() const
+bool UpdateConfiguration::isComplete() const
 {
-    if (!feed.isValid() || feed.isEmpty())
-        return QStringLiteral("there is no feed location");
-    if (!verifier)
-        return QStringLiteral("there is no public key to check updates with");
-    if (running.version.isEmpty())
-        return QStringLiteral("the running version is unknown");
-    return std::nullopt;
+    return feed.isValid() && !feed.isEmpty() && verifier && !running.version.isEmpty();
 }
 
 } // namespace ambertide

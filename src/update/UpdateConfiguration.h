@@ -22,8 +22,8 @@ struct UpdateConfiguration
     /// From "SUFeedURL", "SUPublicEDKey" and the version values of the bundle's information.
     static UpdateConfiguration fromBundle(const MainBundle &bundle);
 
-    /// What a check cannot do without, in one line; nothing when all is there.
-    std::optional<QString> problem() const;
+    /// Whether there is all that a check cannot do without.
+    bool isComplete() const;
 };
 
 } // namespace ambertide

@@ -32,7 +32,7 @@ public:
 private:
     class Controller;
 
-    bool canCheck() const { return !m_configuration.problem(); }
+    bool canCheck() const { return m_configuration.isComplete(); }
     double secondsUntilCheck(double interval) const;
     Async checkWhenDue(TaskContext context, double interval);
     void follow();

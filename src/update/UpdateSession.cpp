@@ -60,8 +60,8 @@ void UpdateSession::start()
     m_feed.setData({});
     m_feed.open(QIODevice::WriteOnly);
     setState(State::Checking);
-    if (const auto problem = m_configuration.problem())
-        return fail({UpdateFailure::Kind::NotConfigured, *problem});
+    if (!m_configuration.isComplete())
+        return fail({UpdateFailure::Kind::NotConfigured, {}});
     m_feedDownloader.start(m_configuration.feed, m_feed, {.mostBytes = Appcast::mostBytes});
 }
 
@@ -100,7 +100,7 @@ std::optional<UpdateFailure::Kind> UpdateSession::problemWithFeed()
     return std::nullopt;
 }
 
-/// Whether whoever can withhold feeds has done so for longer than the newest one was good for. Once for each feed.
+/// Whether no valid feed has come since the newest one's term ended. True once for each feed.
 bool UpdateSession::isOverdue()
 {
     const double term = m_defaults.doubleValue(feedTermKey);

@@ -24,8 +24,7 @@ class UpdateSession final : public QObject
 public:
     enum class Origin {
         Manual,   ///< a person asked: every state is worth showing
-        Automatic ///< only an update that was found is worth showing, and that there was no valid feed for too long,
-                  ///< once
+        Automatic ///< worth showing are an update that was found and, once, that valid feeds have stopped coming
     };
     enum class State {
         Checking,

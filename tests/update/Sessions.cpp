@@ -31,7 +31,6 @@ private Q_SLOTS:
         fixture.serveFeed({}, "2001-01-01T23:59:59Z"); // of before
         QVERIFY(check(Origin::Manual) == Kind::FeedOutdated);
         fixture.serveFeed({}, "2001-01-03T00:00:00Z", "2001-01-31T23:59:59Z");
-        QVERIFY(check(Origin::Automatic) == Kind::FeedOutdated); // a person is told
         QVERIFY(check(Origin::Manual) == Kind::FeedOutdated);
         fixture.serveFeed({}, "2001-01-03 00:00:00Z");
         QVERIFY(check(Origin::Manual) == Kind::FeedUnreadable);
@@ -83,6 +82,10 @@ private Q_SLOTS:
         fixture.serveFeed({});
         endsInSilence();
         endsAs(Origin::Manual, State::UpToDate);
+        fixture.serveFeed({}, "2001-01-01T00:00:01Z", "2000-12-31T23:59:59Z");
+        endsAs(Origin::Automatic, State::Failed); // that there is no valid feed any more, a person is told once
+        endsInSilence();
+        fixture.defaults.setDouble("Ambertide.NewestFeed", 0);
         fixture.announce({}, {});
         endsAs(Origin::Automatic, State::Found);
         endsInSilence();

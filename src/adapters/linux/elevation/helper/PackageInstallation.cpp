@@ -34,7 +34,7 @@ ChildProcessEnd runWith(std::vector<std::string> command, const std::vector<std:
     return run(std::move(command));
 }
 
-/// What a person looks for first: the end, in one line.
+/// The end of it in one line, where the reason stands.
 std::string endOf(const std::string &output)
 {
     std::string end = output.substr(output.size() - std::min(output.size(), longestLine));
@@ -116,8 +116,8 @@ std::optional<InstallationEnd> refusal(const InstallationRules &rules, const std
     return std::nullopt;
 }
 
-/// A package that was left in the middle is brought as far as it will go first, for dpkg may refuse others until then;
-/// that it cannot be finished is what the newer one is for.
+/// A package that was left half-installed is configured first, because dpkg may refuse others until then. If that
+/// fails, the newer one replaces it all the same.
 ChildProcessEnd install(const InstallationRules &rules, const std::string &package)
 {
     const auto present = presentPackage(rules);

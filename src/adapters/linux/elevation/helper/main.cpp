@@ -21,16 +21,15 @@ namespace {
 using ambertide::InstallationEnd;
 using Outcome = ambertide::UpdateInstaller::Outcome;
 
-/// Goes on in a unit of the system's, with the same standard streams, where systemd runs: of what belongs to a session
-/// nothing outlives a logout, and a package must not be left half-installed. Returns where there is no such unit to be
-/// had.
+/// Where systemd runs, this program goes on in a unit of the system, with the same standard streams: a logout ends what
+/// belongs to the session, and would leave a package half-installed. Returns where there is no such unit.
 void leaveTheSession(char *arguments[])
 {
     if (getenv("PKEXEC_UID") == nullptr || access("/run/systemd/system", F_OK) != 0)
         return;
     std::error_code error;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    // Asked to end, apt is left to finish: only this program is told.
+    // When the unit is stopped, only this program is told, so that apt can finish.
     execl("/usr/bin/systemd-run", "systemd-run", "--quiet", "--collect", "--wait", "--pipe", "--service-type=exec",
           "--property=KillMode=mixed", "--property=TimeoutStopSec=15min", "--description=Ambertide's update", "--",
           program.c_str(), arguments[1], arguments[2], nullptr);
