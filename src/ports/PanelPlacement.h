@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMargins>
 #include <QPoint>
 
 #include <optional>
@@ -24,11 +25,13 @@ public:
     virtual Manner manner() const = 0;
     /// Whether parts of a window can be see-through at present.
     virtual bool hasTransparency() const = 0;
+    /// Of popups' corners on this desktop, in logical pixels.
+    virtual int cornerRadius() const = 0;
     /// For Manner::Popup: whether a mouse button is down at present, wherever the pointer is.
     virtual bool isButtonHeld() const = 0;
     /// For Manner::Layer: anchors a window that has its size and is not shown yet, beside the icon at `place`, in
-    /// logical pixels, or where the desktop usually has it.
-    virtual void anchor(QWindow &window, std::optional<QPoint> place) = 0;
+    /// logical pixels, or where the desktop usually has it. What stands beside it is the window without its `shadow`.
+    virtual void anchor(QWindow &window, const QMargins &shadow, std::optional<QPoint> place) = 0;
 };
 
 } // namespace ambertide

@@ -21,7 +21,8 @@ struct FakeDesktop final : HapticPerformer, PanelPlacement
     Manner manner() const override { return Manner::Popup; }
     bool hasTransparency() const override { return true; }
     bool isButtonHeld() const override { return isHeld; }
-    void anchor(QWindow &, std::optional<QPoint>) override {}
+    int cornerRadius() const override { return 12; }
+    void anchor(QWindow &, const QMargins &, std::optional<QPoint>) override {}
 };
 
 struct IdleUpdaterController final : UpdaterController

@@ -37,16 +37,18 @@ private Q_SLOTS:
         for (const auto &palette : {housePalette(false, false), housePalette(true, false), housePalette(false, true),
                                     housePalette(true, true), blueDesktop, greyDesktop}) {
             const auto theme = Theme::of(palette);
-            const auto check = [](const QColor &ink, const QColor &surface) {
-                QVERIFY2(contrastRatio(ink, surface) >= 4.5, qPrintable(ink.name() + surface.name()));
+            const auto check = [](double contrast, const QList<QColor> &inks, const QList<QColor> &surfaces) {
+                for (const auto &ink : inks) {
+                    for (const auto &surface : surfaces)
+                        QVERIFY2(contrastRatio(ink, surface) >= contrast, qPrintable(ink.name() + surface.name()));
+                }
             };
-            for (const auto &surface : {theme.window, theme.panel, theme.card}) {
-                for (const auto &ink :
-                     {theme.secondaryText, theme.accent, theme.green, theme.orange, theme.red, theme.blue})
-                    check(ink, surface);
-                check(theme.accentOnHover, blended(theme.hover, surface));
-            }
-            check(theme.onAccent, theme.accent);
+            check(4.5, {theme.secondaryText, theme.accentText, theme.redText, theme.orangeText, theme.blueText},
+                  theme.surfaces());
+            check(4.5, {theme.onAccent}, {theme.accent});
+            check(3, {theme.accent, theme.green, theme.red, theme.trackOutline},
+                  theme.surfaces() + QList{theme.hoveredTwice()});
+            check(3, {Qt::white}, {theme.green}); // the mark in it
         }
     }
 

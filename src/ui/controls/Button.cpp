@@ -1,5 +1,8 @@
 #include "ui/controls/Button.h"
 
+#include <QHelpEvent>
+#include <QToolTip>
+
 namespace ambertide {
 
 Button::Button(const QString &text, Kind kind) : Button(text, Look{.kind = kind}) {}
@@ -10,10 +13,20 @@ Button::Button(const QString &text, const Look &look) : m_look(look)
     setSizePolicy(look.kind == Kind::Row ? QSizePolicy::Expanding : QSizePolicy::Fixed, QSizePolicy::Fixed);
     if (look.kind == Kind::Icon) {
         setAccessibleName(text);
-        setToolTip(text);
+        m_tip = text;
     } else {
         setText(text);
     }
+}
+
+bool Button::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip || m_tip.isEmpty())
+        return QPushButton::event(event);
+    constexpr int raise = 12; // the toolkit lets room for the pointer, 16 at least
+    const QPoint pointer = static_cast<QHelpEvent *>(event)->globalPos();
+    QToolTip::showText({pointer.x(), mapToGlobal(QPoint(0, height() - raise)).y()}, m_tip, this);
+    return true;
 }
 
 void Button::setSymbol(QLatin1String symbol, TextLabel::Ink ink)

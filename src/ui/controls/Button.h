@@ -28,7 +28,6 @@ public:
         Kind kind = Kind::Bordered;
         QLatin1String symbol = {};
         int symbolSize = 16;
-        int largestSymbol = 64;
         int paddingX = 6;
         int paddingY = 6;
         int highlightInset = 0; ///< what is left of the surface around the highlight
@@ -44,10 +43,12 @@ public:
     const Look &look() const { return m_look; }
 
 protected:
+    bool event(QEvent *event) override;
     void setSymbol(QLatin1String symbol, TextLabel::Ink ink);
 
 private:
     Look m_look;
+    QString m_tip; ///< not the widget's own, which assistive technology would read after the name
 };
 
 } // namespace ambertide

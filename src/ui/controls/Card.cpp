@@ -11,7 +11,6 @@ namespace ambertide {
 namespace {
 
 constexpr double cornerRadius = 10;
-constexpr int paddingX = 14;
 constexpr int paddingY = 1;
 
 } // namespace
@@ -31,7 +30,7 @@ void Card::paintEvent(QPaintEvent *)
 {
     const auto theme = Theme::of(palette());
     QPainter painter(this);
-    fillRounded(painter, rect(), cornerRadius, theme.card);
+    fillRounded(painter, onPixels(painter, rect()), cornerRadius, theme.card);
     strokeRounded(painter, rect(), cornerRadius, theme.hairline);
     painter.setRenderHint(QPainter::Antialiasing, false);
     bool isFirst = true;
@@ -40,7 +39,7 @@ void Card::paintEvent(QPaintEvent *)
         if (row == nullptr || row->isHidden())
             continue;
         if (!isFirst)
-            painter.fillRect(paddingX, row->y() - 1, width() - 2 * paddingX, 1, theme.hairline);
+            painter.fillRect(QRectF(0, row->y() - 1, width(), hairlineWidth(painter)), theme.hairline);
         isFirst = false;
     }
 }

@@ -18,11 +18,10 @@ namespace {
 constexpr int buttonPaddingX = 12;
 constexpr int buttonPaddingY = 5;
 constexpr int rowSymbolGap = 6;
-constexpr int switchWidth = 32;
-constexpr int switchHeight = 18;
-constexpr int switchThumbInset = 2;
+constexpr QSize usualSwitch(32, 18); // it grows with the text, as do symbols
+constexpr double switchThumbInset = 2;
 constexpr int switchGap = 8;
-constexpr int tabSymbol = 20;
+constexpr int usualTabSymbol = 20;
 constexpr int tabSymbolGap = 3;
 constexpr int tabPaddingX = 14;
 constexpr int tabPaddingY = 6;
@@ -38,6 +37,10 @@ constexpr double disabledOpacity = 0.45;
 constexpr double hoveredRowOpacity = 0.9;
 constexpr double restingScrollOpacity = 0.35;
 constexpr double touchedScrollOpacity = 0.6;
+
+QSize switchBody() { return usualSwitch * textScale(); }
+
+int tabSymbol() { return qRound(usualTabSymbol * textScale()); }
 
 bool isHovered(const QStyleOption &option)
 {
@@ -62,10 +65,7 @@ bool isFramed(const Button::Look &look)
     return look.kind == Button::Kind::Bordered || look.kind == Button::Kind::Prominent;
 }
 
-int symbolSize(const Button::Look &look)
-{
-    return look.symbol.isEmpty() ? 0 : std::min(look.largestSymbol, qRound(look.symbolSize * textScale()));
-}
+int symbolSize(const Button::Look &look) { return look.symbol.isEmpty() ? 0 : qRound(look.symbolSize * textScale()); }
 
 void drawFramedButton(QPainter &painter, const QStyleOptionButton &option, const Theme &theme, bool isProminent)
 {
@@ -97,7 +97,7 @@ void drawPlainButton(QPainter &painter, const QStyleOptionButton &option, const 
     QRect line = option.rect.adjusted(look.paddingX, 0, -look.paddingX, 0);
     if (const int size = symbolSize(look); size > 0) {
         const QRect square(line.left(), (option.rect.height() - size) / 2, size, size);
-        drawSymbol(painter, QStyle::visualRect(option.direction, option.rect, square), look.symbol, ink, theme.card);
+        drawSymbol(painter, QStyle::visualRect(option.direction, option.rect, square), look.symbol, ink);
         line.setLeft(line.left() + size + rowSymbolGap);
     }
     painter.setPen(ink);
@@ -148,9 +148,10 @@ void drawButton(QPainter &painter, const QStyleOptionButton &option, const Butto
 QSize switchSize(const QStyleOptionButton &option, SwitchRow::Kind kind)
 {
     const auto margins = padding(kind);
-    return {option.fontMetrics.horizontalAdvance(option.text) + switchGap + switchWidth + margins.left() +
+    const QSize body = switchBody();
+    return {option.fontMetrics.horizontalAdvance(option.text) + switchGap + body.width() + margins.left() +
                 margins.right(),
-            qMax(option.fontMetrics.height(), switchHeight) + margins.top() + margins.bottom()};
+            qMax(option.fontMetrics.height(), body.height()) + margins.top() + margins.bottom()};
 }
 
 void drawSwitch(QPainter &painter, const QStyleOptionButton &option, const SwitchRow &row)
@@ -165,23 +166,23 @@ void drawSwitch(QPainter &painter, const QStyleOptionButton &option, const Switc
         fillRounded(painter, option.rect, controlRadius, theme.hover);
 
     const QRect line = option.rect.marginsRemoved(padding(row.kind()));
-    const QRect place(line.right() + 1 - switchWidth, line.center().y() + 1 - switchHeight / 2, switchWidth,
-                      switchHeight);
-    const QRectF body = QStyle::visualRect(option.direction, line, place);
+    const QRectF body = QStyle::alignedRect(option.direction, Qt::AlignRight | Qt::AlignVCenter, switchBody(), line);
+    const double radius = body.height() / 2;
     const double position = row.thumbPosition();
-    fillRounded(painter, body, switchHeight / 2.0, theme.track);
+    fillRounded(painter, body, radius, theme.track);
+    strokeRounded(painter, body, radius, theme.trackOutline);
     painter.setOpacity(opacity * position);
-    fillRounded(painter, body, switchHeight / 2.0, isHighlighted ? theme.accentOnHover : theme.accent);
+    fillRounded(painter, body, radius, theme.accent);
     painter.setOpacity(opacity);
     if (theme.isHighContrast)
-        strokeRounded(painter, body, switchHeight / 2.0, theme.text);
-    const double size = switchHeight - 2.0 * switchThumbInset;
-    const double travelled = (switchWidth - switchHeight) * (isMirrored(option) ? 1 - position : position);
+        strokeRounded(painter, body, radius, theme.text);
+    const double size = body.height() - 2 * switchThumbInset;
+    const double travelled = (body.width() - body.height()) * (isMirrored(option) ? 1 - position : position);
     drawThumb(painter, {body.left() + switchThumbInset + travelled, body.top() + switchThumbInset, size, size},
               theme.isHighContrast);
 
     painter.setPen(theme.text);
-    drawLine(painter, option, line.adjusted(0, 0, -switchWidth - switchGap, 0), option.text);
+    drawLine(painter, option, line.adjusted(0, 0, -switchBody().width() - switchGap, 0), option.text);
     if (isFocusShown(option))
         drawFocusRing(painter, row.kind() == SwitchRow::Kind::Form ? option.rect.adjusted(4, 3, -4, -3) : option.rect,
                       controlRadius, theme.accent);
@@ -189,8 +190,8 @@ void drawSwitch(QPainter &painter, const QStyleOptionButton &option, const Switc
 
 QSize tabSize(const QStyleOptionTab &option)
 {
-    return {qMax(option.fontMetrics.horizontalAdvance(option.text), tabSymbol) + 2 * tabPaddingX + tabGap,
-            tabSymbol + tabSymbolGap + option.fontMetrics.height() + 2 * tabPaddingY};
+    return {qMax(option.fontMetrics.horizontalAdvance(option.text), tabSymbol()) + 2 * tabPaddingX + tabGap,
+            tabSymbol() + tabSymbolGap + option.fontMetrics.height() + 2 * tabPaddingY};
 }
 
 void drawTab(QPainter &painter, const QStyleOptionTab &option, QLatin1String symbol)
@@ -200,11 +201,12 @@ void drawTab(QPainter &painter, const QStyleOptionTab &option, QLatin1String sym
     const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
     if (isCurrent || isHovered(option))
         fillRounded(painter, shape, tabRadius, theme.hover);
-    const QColor ink = isCurrent ? theme.accentOnHover : isHovered(option) ? theme.text : theme.secondaryText;
-    const QRect square(shape.center().x() + 1 - tabSymbol / 2, shape.top() + tabPaddingY, tabSymbol, tabSymbol);
+    const QColor ink = isCurrent ? theme.accentText : isHovered(option) ? theme.text : theme.secondaryText;
+    const int symbolSize = tabSymbol();
+    const QRect square(shape.center().x() + 1 - symbolSize / 2, shape.top() + tabPaddingY, symbolSize, symbolSize);
     drawSymbol(painter, square, symbol, ink);
     painter.setPen(ink);
-    painter.drawText(shape.adjusted(0, tabPaddingY + tabSymbol + tabSymbolGap, 0, -tabPaddingY), Qt::AlignCenter,
+    painter.drawText(shape.adjusted(0, tabPaddingY + symbolSize + tabSymbolGap, 0, -tabPaddingY), Qt::AlignCenter,
                      option.text);
     if (isCurrent && theme.isHighContrast)
         strokeRounded(painter, shape, tabRadius, theme.text);

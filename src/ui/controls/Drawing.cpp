@@ -14,7 +14,7 @@ namespace ambertide {
 
 namespace {
 
-QPixmap render(QLatin1String symbol, int pixels, const QColor &color, const QColor &under)
+QPixmap render(QLatin1String symbol, int pixels, const QColor &color)
 {
     static const bool isRegistered = (registerSymbols(), true);
     Q_UNUSED(isRegistered)
@@ -22,7 +22,6 @@ QPixmap render(QLatin1String symbol, int pixels, const QColor &color, const QCol
     file.open(QIODevice::ReadOnly);
     QByteArray drawing = file.readAll();
     drawing.replace("currentColor", color.name().toLatin1());
-    drawing.replace("surfaceColor", under.name().toLatin1());
     QPixmap pixmap(pixels, pixels);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
@@ -32,16 +31,25 @@ QPixmap render(QLatin1String symbol, int pixels, const QColor &color, const QCol
 
 } // namespace
 
-void drawSymbol(QPainter &painter, const QRectF &square, QLatin1String symbol, const QColor &color, const QColor &under)
+double hairlineWidth(const QPainter &painter) { return 1 / painter.device()->devicePixelRatioF(); }
+
+QRectF onPixels(const QPainter &painter, const QRectF &shape)
 {
-    const int pixels = qCeil(square.width() * painter.device()->devicePixelRatioF());
-    const QString key = QStringLiteral("%1 %2 %3 %4").arg(symbol).arg(pixels).arg(color.rgb()).arg(under.rgb());
+    const QTransform toDevice = painter.deviceTransform();
+    return toDevice.inverted().mapRect(QRectF(toDevice.mapRect(shape).toRect()));
+}
+
+void drawSymbol(QPainter &painter, const QRectF &square, QLatin1String symbol, const QColor &color)
+{
+    const QRectF target = onPixels(painter, square);
+    const int pixels = qRound(target.width() * painter.device()->devicePixelRatioF());
+    const QString key = QStringLiteral("%1 %2 %3").arg(symbol).arg(pixels).arg(color.rgb());
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
-        pixmap = render(symbol, pixels, color, under);
+        pixmap = render(symbol, pixels, color);
         QPixmapCache::insert(key, pixmap);
     }
-    painter.drawPixmap(square, pixmap, pixmap.rect());
+    painter.drawPixmap(target, pixmap, pixmap.rect());
 }
 
 bool showsFocusRing(const QWidget &control)
@@ -67,10 +75,31 @@ void fillRounded(QPainter &painter, const QRectF &shape, double radius, const QC
 
 void strokeRounded(QPainter &painter, const QRectF &shape, double radius, const QColor &stroke)
 {
+    const double width = hairlineWidth(painter);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(stroke, 1));
+    painter.setPen(QPen(stroke, width));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(shape.adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    const double half = width / 2;
+    painter.drawRoundedRect(onPixels(painter, shape).adjusted(half, half, -half, -half), radius - half, radius - half);
+}
+
+void drawShadow(QPainter &painter, const QRectF &surface, double radius, bool isDark)
+{
+    // Many faint layers, each a little larger: their edges add up to a slope.
+    constexpr int layers = 20;
+    constexpr double drop = 6;
+    const double opacity = isDark ? 0.45 : 0.17;
+    QColor ink = Qt::black;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    for (int layer = 0; layer < layers; ++layer) {
+        const double share = static_cast<double>(layer) / layers; // 0 at the outermost
+        const double reach = layers * (1 - share);
+        ink.setAlphaF(static_cast<float>(opacity * 2 * share / layers));
+        painter.setBrush(ink);
+        painter.drawRoundedRect(surface.adjusted(-reach, drop - reach, reach, drop + reach), radius + reach,
+                                radius + reach);
+    }
 }
 
 void drawThumb(QPainter &painter, const QRectF &disc, bool isOutlined)

@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QLatin1String>
+#include <QMargins>
 #include <QRectF>
 
 class QPainter;
@@ -29,9 +30,8 @@ inline constexpr QLatin1String chevronUp{"chevron.up"};
 inline constexpr QLatin1String chevronDown{"chevron.down"};
 } // namespace symbols
 
-/// Draws a symbol into a square, in one colour. `under` is the surface, which shows in the holes of filled symbols.
-void drawSymbol(QPainter &painter, const QRectF &square, QLatin1String symbol, const QColor &color,
-                const QColor &under = Qt::white);
+/// Draws a symbol into a square, in one colour.
+void drawSymbol(QPainter &painter, const QRectF &square, QLatin1String symbol, const QColor &color);
 
 /// Whether a control has the focus and the keyboard is what its window is used with.
 bool showsFocusRing(const QWidget &control);
@@ -39,8 +39,16 @@ bool showsFocusRing(const QWidget &control);
 void drawFocusRing(QPainter &painter, const QRectF &outline, double radius, const QColor &color);
 
 void fillRounded(QPainter &painter, const QRectF &shape, double radius, const QColor &fill);
-/// One pixel wide, just inside `shape`.
+/// A line is one pixel of the device wide, at every scale: this in logical pixels.
+double hairlineWidth(const QPainter &painter);
+/// The device's pixels that a shape covers, so that its edges are sharp.
+QRectF onPixels(const QPainter &painter, const QRectF &shape);
+/// A hairline just inside `shape`.
 void strokeRounded(QPainter &painter, const QRectF &shape, double radius, const QColor &stroke);
+
+/// A soft shadow around a surface, which reaches this far: more below than above.
+inline constexpr QMargins shadowMargins(20, 14, 20, 26);
+void drawShadow(QPainter &painter, const QRectF &surface, double radius, bool isDark);
 
 /// A white disc with a soft shadow.
 void drawThumb(QPainter &painter, const QRectF &disc, bool isOutlined);

@@ -1,9 +1,10 @@
 #include "ui/controls/HouseStyle.h"
 
 #include "ui/controls/ControlDrawing.h"
+#include "ui/controls/Drawing.h"
 #include "ui/controls/TimeField.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
 #include <QFrame>
 #include <QPainter>
@@ -14,6 +15,7 @@ namespace ambertide {
 namespace {
 
 constexpr int scrollBarExtent = 10; // logical pixels
+constexpr int toolTipPadding = 5;
 
 /// The option is of that class wherever Qt or a control of ours asks for such an element.
 template <typename Option>
@@ -63,8 +65,18 @@ void HouseStyle::polish(QWidget *widget)
 {
     QProxyStyle::polish(widget);
     setTextSize(*widget);
-    if (widget->isWindow())
+    if (widget->inherits("QTipLabel")) {
+        widget->setPalette(QApplication::palette());
+        widget->setFont(textFont(TextStyle::Subheadline));
+    } else if (widget->isWindow()) {
         widget->installEventFilter(this);
+    }
+}
+
+void HouseStyle::polish(QPalette &palette)
+{
+    QProxyStyle::polish(palette);
+    setAccent(palette);
 }
 
 bool HouseStyle::eventFilter(QObject *watched, QEvent *event)
@@ -97,6 +109,8 @@ int HouseStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWid
 int HouseStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
 {
     switch (metric) {
+    case PM_ToolTipLabelFrameWidth:
+        return toolTipPadding;
     case PM_SliderLength:
         return sliderThumb;
     case PM_SliderControlThickness:
@@ -139,6 +153,16 @@ QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     }
 }
 
+void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                               const QWidget *widget) const
+{
+    if (element != PE_PanelTipLabel)
+        return QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const auto theme = Theme::of(option->palette);
+    painter->fillRect(option->rect, theme.card);
+    strokeRounded(*painter, option->rect, 0, theme.buttonOutline);
+}
+
 void HouseStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                              const QWidget *widget) const
 {
@@ -157,7 +181,9 @@ void HouseStyle::drawControl(ControlElement element, const QStyleOption *option,
         const auto &bar = as<QStyleOptionProgressBar>(option);
         drawProgressBar(*painter, bar, isBusy(bar) ? sweep(*option) : std::nullopt);
     } else if (element == CE_ShapedFrame && frame != nullptr && frame->frameShape() == QFrame::HLine) {
-        painter->fillRect(option->rect, Theme::of(option->palette).hairline);
+        QRectF line = option->rect;
+        line.setHeight(hairlineWidth(*painter));
+        painter->fillRect(line, Theme::of(option->palette).hairline);
     } else {
         QProxyStyle::drawControl(element, option, painter, widget);
     }

@@ -22,6 +22,8 @@ public:
 
     using QProxyStyle::polish;
     void polish(QWidget *widget) override;
+    /// The desktop's colours, but the accent is the house's, and tool tips are as cards.
+    void polish(QPalette &palette) override;
 
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *returned) const override;
@@ -30,6 +32,8 @@ public:
                            const QWidget *widget) const override;
     QRect subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
                          const QWidget *widget) const override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override;
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                      const QWidget *widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,

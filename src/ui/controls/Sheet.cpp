@@ -101,6 +101,7 @@ void Sheet::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.fillRect(rect(), backdrop);
     const QRectF shape = m_surface.geometry();
+    drawShadow(painter, shape, cornerRadius, theme.isDark);
     fillRounded(painter, shape, cornerRadius, theme.panel);
     strokeRounded(painter, shape, cornerRadius, theme.hairline);
 }

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <initializer_list>
 
 namespace ambertide {
 
 namespace {
 
-constexpr double readableContrast = 4.5;
+constexpr double contrastOfText = 4.5;
+constexpr double contrastOfSymbols = 3;
 constexpr double contrastOfBlackAndWhite = 20.5;
 
 // Relative luminance of WCAG 2.1, 0 to 1.
@@ -35,14 +35,14 @@ QColor withAlpha(QColor color, double alpha)
     return color;
 }
 
-QColor readable(const QColor &wanted, std::initializer_list<QColor> surfaces, bool isDark)
+QColor withContrast(double contrast, const QColor &wanted, const QList<QColor> &surfaces, bool isDark)
 {
     const QColor end = isDark ? Qt::white : Qt::black;
     constexpr int steps = 50;
     for (int step = 0; step < steps; ++step) {
         const QColor candidate = mixed(wanted, end, static_cast<double>(step) / steps);
-        if (std::ranges::all_of(
-                surfaces, [&](const QColor &surface) { return contrastRatio(candidate, surface) >= readableContrast; }))
+        if (std::ranges::all_of(surfaces,
+                                [&](const QColor &surface) { return contrastRatio(candidate, surface) >= contrast; }))
             return candidate;
     }
     return end;
@@ -81,23 +81,46 @@ Theme Theme::of(const QPalette &palette)
     theme.buttonOutline = withAlpha(theme.text, theme.isHighContrast ? 1 : isDark ? 0.12 : 0.18);
     theme.track = mixed(theme.window, theme.text, isDark ? 0.25 : 0.14);
 
-    const QColor hoveredWindow = blended(theme.hover, theme.window);
-    const QColor hoveredPanel = blended(theme.hover, theme.panel);
-    const QColor hoveredCard = blended(theme.hover, theme.card);
-    const auto readableHere = [&](const QColor &inLight, const QColor &inDark) {
-        return readable(isDark ? inDark : inLight, {theme.window, theme.panel, theme.card, hoveredCard}, isDark);
+    const auto surfaces = theme.surfaces();
+    const auto symbol = [&](const QColor &inLight, const QColor &inDark) {
+        return withContrast(contrastOfSymbols, isDark ? inDark : inLight, surfaces + QList{theme.hoveredTwice()},
+                            isDark);
     };
-    theme.secondaryText = theme.isHighContrast ? theme.text
-                                               : readableHere(mixed(theme.text, theme.window, 0.34),
-                                                              mixed(theme.text, theme.window, 0.37));
-    theme.accent = readableHere(QColor(0xb3, 0x5c, 0x00), QColor(0xff, 0x9f, 0x45));
-    theme.accentOnHover = readable(theme.accent, {hoveredWindow, hoveredPanel}, isDark);
+    const auto ink = [&](const QColor &inLight, const QColor &inDark) {
+        return withContrast(contrastOfText, isDark ? inDark : inLight, surfaces, isDark);
+    };
+    const QColor amber(0xb3, 0x5c, 0x00);
+    const QColor amberInDark(0xff, 0x9f, 0x45);
+    const QColor red(0xd0, 0x34, 0x2c);
+    const QColor green(0x2c, 0x9a, 0x46);
+    theme.accent = symbol(amber, amberInDark);
+    theme.green = symbol(green, green);
+    theme.red = symbol(red, QColor(0xff, 0x45, 0x3a));
+    theme.trackOutline = theme.isHighContrast ? theme.text : symbol(theme.track, theme.track);
+    theme.accentText = ink(amber, amberInDark);
+    theme.redText = ink(red, QColor(0xff, 0x6b, 0x60));
+    theme.orangeText = ink(QColor(0xb8, 0x5c, 0x00), QColor(0xff, 0xa0, 0x4a));
+    theme.blueText = ink(QColor(0x2f, 0x6f, 0xde), QColor(0x7a, 0xae, 0xff));
+    theme.secondaryText = theme.isHighContrast
+                              ? theme.text
+                              : ink(mixed(theme.text, theme.window, 0.34), mixed(theme.text, theme.window, 0.37));
     theme.onAccent = isDark ? QColor(0x23, 0x12, 0x00) : QColor(Qt::white);
-    theme.green = readableHere(QColor(0x2c, 0x9a, 0x46), QColor(0x3f, 0xc0, 0x62));
-    theme.orange = readableHere(QColor(0xb8, 0x5c, 0x00), QColor(0xff, 0xa0, 0x4a));
-    theme.red = readableHere(QColor(0xd0, 0x34, 0x2c), QColor(0xff, 0x6b, 0x60));
-    theme.blue = readableHere(QColor(0x2f, 0x6f, 0xde), QColor(0x7a, 0xae, 0xff));
     return theme;
+}
+
+QList<QColor> Theme::surfaces() const
+{
+    return {window, panel, card, button, blended(hover, window), blended(hover, panel), blended(hover, card)};
+}
+
+void setAccent(QPalette &palette)
+{
+    const auto theme = Theme::of(palette);
+    palette.setColor(QPalette::Highlight, theme.accent);
+    palette.setColor(QPalette::HighlightedText, theme.onAccent);
+    palette.setColor(QPalette::Link, theme.accentText);
+    palette.setColor(QPalette::ToolTipBase, theme.card);
+    palette.setColor(QPalette::ToolTipText, theme.text);
 }
 
 QPalette housePalette(bool isDark, bool isHighContrast)
@@ -109,16 +132,14 @@ QPalette housePalette(bool isDark, bool isHighContrast)
         text = isDark ? Qt::white : Qt::black;
     }
     QPalette palette(window);
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::All, role, text);
     palette.setColor(QPalette::All, QPalette::Window, window);
+    setAccent(palette);
     const auto theme = Theme::of(palette);
-    for (const auto role : {QPalette::Base, QPalette::ToolTipBase, QPalette::AlternateBase})
+    for (const auto role : {QPalette::Base, QPalette::AlternateBase})
         palette.setColor(QPalette::All, role, theme.card);
     palette.setColor(QPalette::All, QPalette::Button, theme.button);
-    palette.setColor(QPalette::All, QPalette::Highlight, theme.accent);
-    palette.setColor(QPalette::All, QPalette::HighlightedText, theme.onAccent);
-    palette.setColor(QPalette::All, QPalette::Link, theme.accent);
     palette.setColor(QPalette::All, QPalette::PlaceholderText, theme.secondaryText);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, mixed(text, window, 0.55));

@@ -87,7 +87,7 @@ void TimeField::read(const QString &text)
     QPalette inks;
     inks.setColor(QPalette::Base, Qt::transparent);
     if (!m_time)
-        inks.setColor(QPalette::Text, Theme::of(palette()).red);
+        inks.setColor(QPalette::Text, Theme::of(palette()).redText);
     lineEdit()->setPalette(inks);
     const QString complaint = m_time ? QString() : tr("This is no time of day");
     setToolTip(complaint);

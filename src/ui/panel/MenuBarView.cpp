@@ -57,16 +57,15 @@ int hundreds(double temperature) { return static_cast<int>(temperature / 100); }
 
 MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     : m_viewModel(viewModel), m_haptics(haptics), m_scheduleEnabled(viewModel.scheduleEnabled()),
-      m_temperature(viewModel.temperature()), m_temperatureLabel(new TextLabel({}, TextStyle::Subheadline)),
+      m_temperature(viewModel.temperature()), m_title(new TextLabel(QStringLiteral("Ambertide"), TextStyle::Title3)),
+      m_temperatureLabel(new TextLabel({}, TextStyle::Subheadline)),
       m_slider(new TemperatureSlider(AppViewModel::minTemperature, AppViewModel::maxTemperature,
                                      AppViewModel::temperatureStep)),
-      m_refusal(new TextLabel({}, TextStyle::Caption, &Theme::orange)),
+      m_refusal(new TextLabel({}, TextStyle::Caption, &Theme::orangeText)),
       m_schedule(new SwitchRow(tr("Enable Schedule"), SwitchRow::Kind::Menu)),
-      m_nothingScheduled(new Button(tr("Nothing is scheduled yet..."), {.kind = Button::Kind::Row,
-                                                                        .paddingX = rowPaddingX,
-                                                                        .paddingY = rowPaddingY,
-                                                                        .ink = &Theme::accent,
-                                                                        .hoverInk = &Theme::accentOnHover}))
+      m_nothingScheduled(new Button(
+          tr("Nothing is scheduled yet..."),
+          {.kind = Button::Kind::Row, .paddingX = rowPaddingX, .paddingY = rowPaddingY, .ink = &Theme::accentText}))
 {
     m_temperatureLabel->setAlignment(Qt::AlignCenter);
     m_slider->setAccessibleName(tr("Color temperature"));
@@ -121,7 +120,7 @@ QLayout *MenuBarView::header()
     row->setContentsMargins(headerPadding, headerPadding, headerPadding, 0);
     row->setSpacing(0);
     row->addSpacing(titlePadding);
-    row->addWidget(new TextLabel(QStringLiteral("Ambertide"), TextStyle::Title3));
+    row->addWidget(m_title);
     row->addStretch();
     row->addWidget(gear);
     return row;
@@ -214,7 +213,11 @@ void MenuBarView::showNotices()
 }
 
 // A focus proxy would catch every round of Tab.
-void MenuBarView::showEvent(QShowEvent *) { m_slider->setFocus(Qt::PopupFocusReason); }
+void MenuBarView::showEvent(QShowEvent *)
+{
+    m_title->setVisible(window()->windowFlags().testFlag(Qt::FramelessWindowHint)); // else it is in the frame
+    m_slider->setFocus(Qt::PopupFocusReason);
+}
 
 bool MenuBarView::event(QEvent *event)
 {

@@ -51,6 +51,7 @@ private:
     bool m_isDragging = false;
     bool m_scheduleEnabled; ///< as shown
     double m_temperature;   ///< as shown, in kelvin
+    TextLabel *m_title = nullptr;
     TextLabel *m_temperatureLabel = nullptr;
     TemperatureSlider *m_slider = nullptr;
     TextLabel *m_refusal = nullptr;

@@ -17,8 +17,6 @@ namespace ambertide {
 
 namespace {
 
-constexpr double cornerRadius = 12;
-
 Qt::WindowFlags flagsFor(PanelPlacement::Manner manner)
 {
     switch (manner) {
@@ -36,12 +34,13 @@ Qt::WindowFlags flagsFor(PanelPlacement::Manner manner)
 
 PanelWindow::PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlacement::Manner manner)
     : QWidget(nullptr, flagsFor(manner)), m_placement(placement), m_manner(manner),
-      m_isSeeThrough(!isFramed() && placement.hasTransparency())
+      m_cornerRadius(placement.cornerRadius()), m_isSeeThrough(!isFramed() && placement.hasTransparency())
 {
     setWindowTitle(QStringLiteral("Ambertide"));
     setAttribute(Qt::WA_TranslucentBackground, m_isSeeThrough);
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setContentsMargins({});
+    setContentsMargins(m_isSeeThrough ? shadowMargins : QMargins());
     layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addWidget(content);
 }
@@ -60,7 +59,7 @@ void PanelWindow::moveBesideIcon(std::optional<QPoint> place)
     adjustSize();
     if (m_manner == PanelPlacement::Manner::Layer) {
         create();
-        m_placement.anchor(*windowHandle(), place);
+        m_placement.anchor(*windowHandle(), contentsMargins(), place);
         return;
     }
     if (m_manner == PanelPlacement::Manner::Window)
@@ -70,7 +69,8 @@ void PanelWindow::moveBesideIcon(std::optional<QPoint> place)
     if (screen == nullptr)
         screen = QGuiApplication::primaryScreen();
     if (screen != nullptr)
-        move(panelPosition(size(), pointer, screen->geometry(), screen->availableGeometry()));
+        move(panelPosition(contentsRect().size(), pointer, screen->geometry(), screen->availableGeometry()) -
+             contentsRect().topLeft());
 }
 
 bool PanelWindow::event(QEvent *event)
@@ -89,6 +89,12 @@ void PanelWindow::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
 }
 
+void PanelWindow::mousePressEvent(QMouseEvent *event)
+{
+    if (!contentsRect().contains(event->position().toPoint()))
+        close(); // what is pressed there is beside the panel
+}
+
 void PanelWindow::hideEvent(QHideEvent *event)
 {
     QWidget::hideEvent(event);
@@ -99,6 +105,10 @@ void PanelWindow::hideEvent(QHideEvent *event)
 void PanelWindow::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
+    // One that stands at the foot of the screen grows upwards.
+    if (isVisible() && m_manner == PanelPlacement::Manner::Popup &&
+        geometry().center().y() > screen()->geometry().center().y())
+        move(x(), y() + event->oldSize().height() - height());
     if (isFramed() || m_isSeeThrough)
         return;
     QBitmap shape(size());
@@ -106,7 +116,7 @@ void PanelWindow::resizeEvent(QResizeEvent *event)
     QPainter painter(&shape);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::color1);
-    painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+    painter.drawRoundedRect(rect(), m_cornerRadius, m_cornerRadius);
     painter.end();
     setMask(shape);
 }
@@ -117,11 +127,14 @@ void PanelWindow::paintEvent(QPaintEvent *)
     QPainter painter(this);
     if (isFramed())
         return painter.fillRect(rect(), theme.panel);
-    if (!m_isSeeThrough)
-        painter.fillRect(rect(), theme.panel);
-    else
-        fillRounded(painter, rect(), cornerRadius, theme.panel);
-    strokeRounded(painter, rect(), cornerRadius, theme.buttonOutline);
+    const QRectF surface = contentsRect();
+    if (m_isSeeThrough) {
+        drawShadow(painter, surface, m_cornerRadius, theme.isDark);
+        fillRounded(painter, surface, m_cornerRadius, theme.panel);
+    } else {
+        painter.fillRect(surface, theme.panel);
+    }
+    strokeRounded(painter, surface, m_cornerRadius, theme.buttonOutline);
 }
 
 } // namespace ambertide

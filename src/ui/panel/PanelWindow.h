@@ -8,7 +8,8 @@
 
 namespace ambertide {
 
-/// The window around the panel's content, as the desktop lets it stand. Escape closes it, and so does a press elsewhere
+/// The window around the panel's content, as the desktop lets it stand. Where a window can be see-through, the panel is
+/// its contentsRect(), and its contentsMargins() hold a shadow. Escape closes it, and so does a press elsewhere
 /// unless it is an ordinary window. Its owner deletes it when it has closed.
 class PanelWindow final : public QWidget
 {
@@ -27,6 +28,7 @@ Q_SIGNALS:
 protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
@@ -37,6 +39,7 @@ private:
 
     PanelPlacement &m_placement;
     PanelPlacement::Manner m_manner;
+    int m_cornerRadius;
     bool m_isSeeThrough = false;
 };
 

@@ -42,10 +42,8 @@ QUrl webPage(const MainBundle &bundle)
 AboutView::AboutView(const MainBundle &bundle) : m_checkForUpdates(new Button(tr("Check for Updates...")))
 {
     const QUrl page = webPage(bundle);
-    auto *link = new Button(tr("Web page"), {.kind = Button::Kind::Icon,
-                                             .symbol = symbols::link,
-                                             .ink = &Theme::accent,
-                                             .hoverInk = &Theme::accentOnHover});
+    auto *link =
+        new Button(tr("Web page"), {.kind = Button::Kind::Icon, .symbol = symbols::link, .ink = &Theme::accent});
     link->setEnabled(page.isValid());
     connect(link, &Button::clicked, this, [page] { QDesktopServices::openUrl(page); });
     connect(m_checkForUpdates, &Button::clicked, this, &AboutView::checkForUpdatesPressed);
@@ -81,6 +79,10 @@ AboutView::AboutView(const MainBundle &bundle) : m_checkForUpdates(new Button(tr
     setTabOrder(link, m_checkForUpdates);
 }
 
-void AboutView::setCanCheckForUpdates(bool canCheck) { m_checkForUpdates->setEnabled(canCheck); }
+void AboutView::setCanCheckForUpdates(bool canCheck)
+{
+    m_checkForUpdates->setEnabled(canCheck);
+    m_checkForUpdates->setVisible(canCheck); // it could never do anything
+}
 
 } // namespace ambertide

@@ -72,6 +72,7 @@ GeneralSettingsView::GeneralSettingsView(SettingsViewModel &viewModel, const Set
 void GeneralSettingsView::refresh()
 {
     m_about->setCanCheckForUpdates(m_sparkleUpdater.canCheckForUpdates());
+    m_automaticallyCheckForUpdates->setVisible(m_sparkleUpdater.canCheckForUpdates());
     m_launchAtLogin->setChecked(m_viewModel.launchAtLogin());
     m_automaticallyCheckForUpdates->setChecked(m_sparkleUpdater.automaticallyChecksForUpdates());
 }

@@ -66,8 +66,8 @@ ScheduleEntryEditor::ScheduleEntryEditor(const ScheduleEntry &entry, const Tempe
     temperature->setSpacing(smallGap);
     temperature->addLayout(row(new TextLabel(tr("Temperature:")), m_temperatureText));
     temperature->addWidget(m_temperature);
-    temperature->addLayout(row(new TextLabel(tr("Warm"), TextStyle::Caption, &Theme::orange),
-                               new TextLabel(tr("Neutral"), TextStyle::Caption, &Theme::blue)));
+    temperature->addLayout(row(new TextLabel(tr("Warm"), TextStyle::Caption, &Theme::orangeText),
+                               new TextLabel(tr("Neutral"), TextStyle::Caption, &Theme::blueText)));
     auto *cancel = new Button(tr("Cancel"));
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(buttonGap);

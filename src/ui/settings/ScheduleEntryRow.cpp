@@ -40,11 +40,11 @@ TextLabel *label(TextStyle style, TextLabel::Ink ink = &Theme::secondaryText)
 ScheduleEntryRow::ScheduleEntryRow()
     : Button({}, {.kind = Kind::Row,
                   .symbolSize = symbolSize,
-                  .largestSymbol = statusWidth,
                   .paddingX = paddingX + (statusWidth - symbolSize) / 2,
                   .highlightInset = 4}),
-      m_time(label(TextStyle::Headline, &Theme::text)), m_temperature(label(TextStyle::Subheadline)),
-      m_disabled(label(TextStyle::Caption)), m_edit(iconButton(tr("Edit"), symbols::pencil, &Theme::accentOnHover)),
+      m_statusRoom(new QSpacerItem(0, 0)), m_time(label(TextStyle::Headline, &Theme::text)),
+      m_temperature(label(TextStyle::Subheadline)), m_disabled(label(TextStyle::Caption)),
+      m_edit(iconButton(tr("Edit"), symbols::pencil, &Theme::accent)),
       m_delete(iconButton(tr("Delete"), symbols::trash, &Theme::red))
 {
     // A temperature that somebody else has stored may have any number of digits.
@@ -59,7 +59,7 @@ ScheduleEntryRow::ScheduleEntryRow()
     auto *line = new QHBoxLayout(this);
     line->setContentsMargins(0, paddingY, 0, paddingY); // margins are not mirrored, spacings are
     line->setSpacing(0);
-    line->addSpacing(paddingX + statusWidth + gap);
+    line->addItem(m_statusRoom);
     line->addLayout(texts, 1);
     line->addWidget(m_disabled);
     line->addWidget(m_edit);
@@ -89,11 +89,19 @@ void ScheduleEntryRow::setEntry(const ScheduleEntry &entry, const QString &time,
     if (isActive)
         name.append(tr("active"));
     setAccessibleName(name.join(QLatin1String(", ")));
-    setSymbol(isActive ? symbols::checkmarkCircleFill : symbols::clock,
-              isActive ? &Theme::green : &Theme::accentOnHover);
+    setSymbol(isActive ? symbols::checkmarkCircleFill : symbols::clock, isActive ? &Theme::green : &Theme::accent);
 }
 
 QWidget *ScheduleEntryRow::lastInTabOrder() const { return m_delete; }
+
+void ScheduleEntryRow::changeEvent(QEvent *event)
+{
+    Button::changeEvent(event);
+    if (event->type() != QEvent::FontChange)
+        return;
+    m_statusRoom->changeSize(paddingX + qRound(statusWidth * textScale()) + gap, 0);
+    layout()->invalidate();
+}
 
 QSize ScheduleEntryRow::sizeHint() const { return layout()->sizeHint(); }
 

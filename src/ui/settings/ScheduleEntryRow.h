@@ -3,6 +3,8 @@
 #include "model/ScheduleEntry.h"
 #include "ui/controls/Button.h"
 
+class QSpacerItem;
+
 namespace ambertide {
 
 /// One entry of the schedule. Pressing the row edits the entry, by mouse, Return or Space; Delete and Backspace delete
@@ -27,11 +29,13 @@ Q_SIGNALS:
     void deleteRequested();
 
 protected:
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
     ScheduleEntry m_entry;
     bool m_isActive = false;
+    QSpacerItem *m_statusRoom; ///< grows with the symbol
     TextLabel *m_time = nullptr;
     TextLabel *m_temperature = nullptr;
     TextLabel *m_disabled = nullptr;

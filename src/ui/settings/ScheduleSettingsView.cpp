@@ -56,8 +56,7 @@ ScheduleSettingsView::ScheduleSettingsView(SettingsViewModel &viewModel, const C
                                                   .paddingX = rowPaddingX,
                                                   .paddingY = rowPaddingY,
                                                   .highlightInset = highlightInset,
-                                                  .ink = &Theme::accent,
-                                                  .hoverInk = &Theme::accentOnHover}))
+                                                  .ink = &Theme::accentText}))
 {
     m_emptyText->setWordWrap(true);
     m_emptyText->setContentsMargins(rowPaddingX, rowPaddingY, rowPaddingX, rowPaddingY);

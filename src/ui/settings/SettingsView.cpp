@@ -3,6 +3,7 @@
 #include "ui/controls/Drawing.h"
 #include "ui/controls/Page.h"
 #include "ui/controls/Sheet.h"
+#include "ui/controls/TextStyle.h"
 #include "ui/settings/ScheduleSettingsView.h"
 
 #include <QCloseEvent>
@@ -20,7 +21,7 @@ namespace ambertide {
 namespace {
 
 constexpr int windowWidth = 600; // logical pixels, as are all below
-constexpr int smallestHeight = 300;
+constexpr int smallestHeight = 324; // which a sheet needs, so that the window stays as it is when one opens
 constexpr int gapAboveTabs = 12;
 constexpr int gapBelowTabs = 10;
 
@@ -117,7 +118,8 @@ void SettingsView::fit()
 {
     const QRect available = screen()->availableGeometry();
     const QSize room = available.size() - (frameGeometry().size() - size());
-    QSize wanted(std::max(windowWidth, layout()->minimumSize().width()), smallestHeight);
+    QSize wanted(std::max(windowWidth, layout()->minimumSize().width()),
+                 qRound(smallestHeight * std::max(1.0, textScale())));
     for (const auto *sheet : findChildren<Sheet *>(Qt::FindDirectChildrenOnly)) {
         if (!sheet->isHidden())
             wanted = wanted.expandedTo(sheet->neededSize());

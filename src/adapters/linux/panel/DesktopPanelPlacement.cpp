@@ -45,11 +45,19 @@ bool DesktopPanelPlacement::isButtonHeld() const
            (pointer->mask & (XCB_KEY_BUT_MASK_BUTTON_1 | XCB_KEY_BUT_MASK_BUTTON_2 | XCB_KEY_BUT_MASK_BUTTON_3)) != 0;
 }
 
-void DesktopPanelPlacement::anchor(QWindow &window, std::optional<QPoint> place)
+int DesktopPanelPlacement::cornerRadius() const
+{
+    const bool isPlasma = qgetenv("XDG_CURRENT_DESKTOP").split(':').contains("KDE");
+    return isPlasma ? 6 : 12;
+}
+
+void DesktopPanelPlacement::anchor(QWindow &window, const QMargins &shadow, std::optional<QPoint> place)
 {
     auto *screen = place ? QGuiApplication::screenAt(*place) : nullptr;
-    const auto position = screen != nullptr ? layerPosition(window.size(), place, screen->geometry())
-                                            : layerPosition(window.size(), std::nullopt, {});
+    const QSize panel = window.size().shrunkBy(shadow);
+    auto position =
+        screen != nullptr ? layerPosition(panel, place, screen->geometry()) : layerPosition(panel, std::nullopt, {});
+    position.margins -= shadow;
     layer_shell::anchor(window, position, screen);
 }
 

@@ -11,7 +11,8 @@ public:
     Manner manner() const override;
     bool hasTransparency() const override;
     bool isButtonHeld() const override;
-    void anchor(QWindow &window, std::optional<QPoint> place) override;
+    int cornerRadius() const override;
+    void anchor(QWindow &window, const QMargins &shadow, std::optional<QPoint> place) override;
 };
 
 } // namespace ambertide
