@@ -162,6 +162,18 @@
         <source>Daylight</source>
         <translation>Tageslicht</translation>
     </message>
+    <message>
+        <source>Nothing is scheduled yet...</source>
+        <translation>Noch ist nichts geplant …</translation>
+    </message>
+    <message>
+        <source>This desktop lets no program tint the displays.</source>
+        <translation>Dieser Desktop lässt kein Programm die Bildschirme einfärben.</translation>
+    </message>
+    <message>
+        <source>None of the displays here can be tinted.</source>
+        <translation>Keiner der Bildschirme hier lässt sich einfärben.</translation>
+    </message>
 </context>
 <context>
     <name>ambertide::PrivilegedRunner</name>
@@ -369,6 +381,10 @@
     <message>
         <source>Earlier</source>
         <translation>Früher</translation>
+    </message>
+    <message>
+        <source>This is no time of day</source>
+        <translation>Das ist keine Uhrzeit</translation>
     </message>
 </context>
 <context>

@@ -17,7 +17,7 @@ constexpr std::string_view usage = "Usage: ambertide set <temperature>\n"
                                    "       ambertide get\n";
 
 constexpr std::string_view details = "\n"
-                                     "Shows or changes the colour temperature of the running Ambertide.\n"
+                                     "Shows or changes the color temperature of the running Ambertide.\n"
                                      "\n"
                                      "Commands:\n"
                                      "  set <temperature>  tint every display and switch the schedule off;\n"

@@ -144,7 +144,7 @@ bool MutterBackend::process()
         noteChange();
     if (m_crtcs->isContested() && !std::exchange(m_isContestSaid, true))
         console::print(
-            "Another program keeps changing the colours of the displays; Ambertide's come back every 2 seconds.");
+            "Another program keeps changing the colors of the displays; Ambertide's come back every 2 seconds.");
     if (!m_looks.empty() && m_looks.back() <= Clock::now()) {
         m_looks.pop_back();
         m_mustWriteAgain = true;

@@ -23,7 +23,7 @@ ColourMatrices::ColourMatrices(wl_registry *registry, std::uint32_t global, std:
 void ColourMatrices::noteBlocked(void *self, hyprland_ctm_control_manager_v1 *)
 {
     if (!std::exchange(static_cast<ColourMatrices *>(self)->m_isBlocked, true))
-        console::print("Another program sets the displays' colour matrices, so that they cannot be tinted.");
+        console::print("Another program sets the displays' color matrices, so that they cannot be tinted.");
 }
 
 void ColourMatrices::show(wl_output *output, const GammaTables &tables, std::optional<Factors> &shown)

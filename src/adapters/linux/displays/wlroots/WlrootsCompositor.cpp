@@ -124,8 +124,8 @@ void WlrootsCompositor::sayRefusal()
 {
     if (std::exchange(m_isRefusalSaid, true))
         return;
-    console::print(m_matrixGlobal ? "The compositor withholds a display's gamma tables (for the sake of its colour "
-                                    "profile, or of another program): a colour matrix stands in."
+    console::print(m_matrixGlobal ? "The compositor withholds a display's gamma tables (for the sake of its color "
+                                    "profile, or of another program): a color matrix stands in."
                                   : "A display cannot be tinted now: another program has its gamma tables, or it has "
                                     "none. It is tried again every 30 s.");
 }
