@@ -46,9 +46,8 @@ private Q_SLOTS:
             check(4.5, {theme.secondaryText, theme.accentText, theme.redText, theme.orangeText, theme.blueText},
                   theme.surfaces());
             check(4.5, {theme.onAccent}, {theme.accent});
-            check(3, {theme.accent, theme.green, theme.red, theme.trackOutline},
-                  theme.surfaces() + QList{theme.hoveredTwice()});
-            check(3, {Qt::white}, {theme.green}); // the mark in it
+            check(3, {theme.accent, theme.red, theme.trackOutline}, theme.surfaces() + QList{theme.hoveredTwice()});
+            check(3, {theme.green}, {theme.card, blended(theme.hover, theme.card), Qt::white});
         }
     }
 

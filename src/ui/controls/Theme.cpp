@@ -94,7 +94,8 @@ Theme Theme::of(const QPalette &palette)
     const QColor red(0xd0, 0x34, 0x2c);
     const QColor green(0x2c, 0x9a, 0x46);
     theme.accent = symbol(amber, amberInDark);
-    theme.green = symbol(green, green);
+    // In the rows of cards alone. There is white in it.
+    theme.green = withContrast(contrastOfSymbols, green, {theme.card, blended(theme.hover, theme.card)}, isDark);
     theme.red = symbol(red, QColor(0xff, 0x45, 0x3a));
     theme.trackOutline = theme.isHighContrast ? theme.text : symbol(theme.track, theme.track);
     theme.accentText = ink(amber, amberInDark);

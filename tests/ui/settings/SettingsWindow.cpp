@@ -122,7 +122,7 @@ private Q_SLOTS:
         QCOMPARE(bench.window->width(), 600);
         QVERIFY(bench.window->height() >= 300);
         QFont larger = font;
-        larger.setPointSize(32);
+        larger.setPointSize(26);
         bench.close();
         QApplication::setFont(larger);
         bench.open();
