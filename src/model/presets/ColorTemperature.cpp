@@ -1,5 +1,7 @@
 #include "model/presets/ColorTemperature.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -10,9 +12,13 @@ namespace {
 
 using enum ColorTemperature;
 constexpr std::pair<ColorTemperature, const char *> landmarks[] = {
-    {k1000, "Warmest"},  {k1900, "Candle"},      {k2700, "Tungsten"},
-    {k3400, "Halogen"},  {k4200, "Flourescent"}, // spelt so wherever stored shortcuts show it
-    {k5500, "Sunlight"}, {k6500, "Daylight"},
+    {k1000, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Warmest")},
+    {k1900, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Candle")},
+    {k2700, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Tungsten")},
+    {k3400, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Halogen")},
+    {k4200, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Flourescent")}, // so wherever stored shortcuts show it
+    {k5500, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Sunlight")},
+    {k6500, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Daylight")},
 };
 
 } // namespace
@@ -35,7 +41,10 @@ const std::string &displayRepresentation(ColorTemperature preset)
         for (const auto each : allColorTemperatures())
             texts[static_cast<std::size_t>(each)] = std::to_string(rawValue(each)) + 'K';
         for (const auto &[landmark, name] : landmarks)
-            texts[static_cast<std::size_t>(landmark)].append(" (").append(name).append(")");
+            texts[static_cast<std::size_t>(landmark)]
+                .append(" (")
+                .append(QCoreApplication::translate("ambertide::ColorTemperature", name).toStdString())
+                .append(")");
         return texts;
     }();
     return representations[static_cast<std::size_t>(preset)];

@@ -41,7 +41,8 @@ constexpr std::optional<ColorTemperature> colorTemperature(std::int64_t kelvin)
 
 std::span<const ColorTemperature> allColorTemperatures();
 
-/// How people see it: "3300K", or "3400K (Halogen)" for a landmark.
+/// How people see it: "3300K", or "3400K (Halogen)" for a landmark, in the language that the application has when this
+/// is first asked for.
 const std::string &displayRepresentation(ColorTemperature preset);
 
 /// How programs name it: "k3400". Never changes, so it may be stored.

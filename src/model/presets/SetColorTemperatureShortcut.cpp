@@ -5,7 +5,28 @@
 #include "protocol/DefaultsKeys.h"
 #include "protocol/Notifications.h"
 
+#include <QCoreApplication>
+
 namespace ambertide {
+
+namespace {
+
+/// With the preset for %1 and the application's name for %2.
+std::string phrase(const char *text, ColorTemperature preset, std::string_view applicationName = {})
+{
+    const auto name = QString::fromUtf8(applicationName.data(), static_cast<qsizetype>(applicationName.size()));
+    return QCoreApplication::translate("ambertide::SetColorTemperatureShortcut", text)
+        .replace(QStringLiteral("%1"), QString::fromStdString(displayRepresentation(preset)))
+        .replace(QStringLiteral("%2"), name)
+        .toStdString();
+}
+
+} // namespace
+
+std::string SetColorTemperatureShortcut::title()
+{
+    return QCoreApplication::translate("ambertide::SetColorTemperatureShortcut", "Set Color Temperature").toStdString();
+}
 
 void SetColorTemperatureShortcut::perform(UserDefaults &userDefaults,
                                           DistributedNotificationCenter &notifications) const
@@ -17,15 +38,16 @@ void SetColorTemperatureShortcut::perform(UserDefaults &userDefaults,
 
 std::string SetColorTemperatureShortcut::parameterSummary() const
 {
-    return "Set display temperature to " + displayRepresentation(temperature);
+    return phrase(QT_TRANSLATE_NOOP("ambertide::SetColorTemperatureShortcut", "Set display temperature to %1"),
+                  temperature);
 }
 
 std::array<std::string, 2> SetColorTemperatureShortcut::phrases(std::string_view applicationName) const
 {
-    const std::string application(applicationName);
-    const auto &value = displayRepresentation(temperature);
-    return {"Set display temperature to " + value + " in " + application,
-            "Change " + application + " temperature to " + value};
+    return {phrase(QT_TRANSLATE_NOOP("ambertide::SetColorTemperatureShortcut", "Set display temperature to %1 in %2"),
+                   temperature, applicationName),
+            phrase(QT_TRANSLATE_NOOP("ambertide::SetColorTemperatureShortcut", "Change %2 temperature to %1"),
+                   temperature, applicationName)};
 }
 
 } // namespace ambertide

@@ -15,7 +15,8 @@ class UserDefaults;
 /// that as any other program does, and does not learn whether it was done.
 struct SetColorTemperatureShortcut
 {
-    static constexpr std::string_view title = "Set Color Temperature";
+    /// "Set Color Temperature", in the application's language, as all texts here.
+    static std::string title();
     static constexpr std::string_view parameterTitle = "Temperature";
 
     ColorTemperature temperature = ColorTemperature::k6500;

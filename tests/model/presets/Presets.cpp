@@ -1,8 +1,26 @@
 #include "model/presets/ActionSearch.h"
 
 #include <QTest>
+#include <QTranslator>
 
 using namespace ambertide;
+
+namespace {
+
+/// Has two texts.
+struct German final : QTranslator
+{
+    bool isEmpty() const override { return false; }
+    QString translate(const char *, const char *text, const char *, int) const override
+    {
+        const bool isHalogen = std::string_view(text) == "halogen";
+        return isHalogen        ? QStringLiteral("halogenglühlampe")
+               : text[0] == 'a' ? QStringLiteral("ambertide auf")
+                                : QString();
+    }
+};
+
+} // namespace
 
 class PresetsTest : public QObject
 {
@@ -11,9 +29,11 @@ class PresetsTest : public QObject
 private Q_SLOTS:
     void queriesFindWhatAPersonMeans()
     {
+        German german;
+        QCoreApplication::installTranslator(&german);
         const std::pair<QByteArray, QByteArrayList> cases[] = {
             {"3400",
-             {"3400", " 3400\tKELVIN ", "34", "halogen", "Halogen Lamp", "hal", "3400 (halogen)",
+             {"3400", " 3400\tKELVIN ", "34", "halogen", "Halogen Lamp", "hal", "3400 (halogen)", "auf HALOGENGLÜH",
               "set display temperature to 3400K in Amb"}},
             {"1900", {"candle light", "warm candle", "change Ambertide temperature to candle"}},
             {"4200", {"fluorescent", "Flourescent", "florescent", "fluor"}},

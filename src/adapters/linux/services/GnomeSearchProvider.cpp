@@ -53,7 +53,7 @@ struct GnomeSearchProvider::Methods
                 if (const auto preset = colorTemperature(result))
                     reply.add(UserInfo{{"id", identifier(*preset)},
                                        {"name", displayRepresentation(*preset)},
-                                       {"description", std::string(SetColorTemperatureShortcut::title)},
+                                       {"description", SetColorTemperatureShortcut::title()},
                                        {"gicon", bus_names::application}});
             }
         });
