@@ -3,12 +3,17 @@
 #include "base/Console.h"
 
 #include <QLoggingCategory>
+#include <QOpenGLContext>
 
 #include <string>
+#include <vector>
 
 namespace ambertide {
 
 namespace {
+
+/// Windows are drawn without GL, but platform themes make a context of it, of 20 MB and more.
+constexpr const char *glChoices[] = {"QT_XCB_GL_INTEGRATION", "QT_WAYLAND_CLIENT_BUFFER_INTEGRATION"};
 
 bool isWaylandSession() { return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"); }
 
@@ -42,10 +47,38 @@ void explainPlatform()
 
 } // namespace
 
-SessionApplication::SessionApplication(int &argc, char **argv) : SessionApplication(choosePlatform(), argc, argv) {}
-
-SessionApplication::SessionApplication(bool isPlatformOurChoice, int &argc, char **argv) : QApplication(argc, argv)
+/// Those that the user has not set, until this object goes: programs that are started later are to have GL.
+class SessionApplication::WithoutGL
 {
+public:
+    WithoutGL()
+    {
+        for (const char *choice : glChoices) {
+            if (qEnvironmentVariableIsSet(choice))
+                continue;
+            qputenv(choice, "none");
+            m_made.push_back(choice);
+        }
+    }
+    ~WithoutGL()
+    {
+        for (const char *choice : m_made)
+            qunsetenv(choice);
+    }
+
+private:
+    std::vector<const char *> m_made;
+};
+
+SessionApplication::SessionApplication(int &argc, char **argv)
+    : SessionApplication(choosePlatform(), WithoutGL(), argc, argv)
+{
+}
+
+SessionApplication::SessionApplication(bool isPlatformOurChoice, const WithoutGL &, int &argc, char **argv)
+    : QApplication(argc, argv)
+{
+    QOpenGLContext::supportsThreadedOpenGL(); // on Wayland GL is looked for at the first use
     if (isPlatformOurChoice)
         explainPlatform();
     setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));

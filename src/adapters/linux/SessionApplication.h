@@ -5,7 +5,7 @@
 namespace ambertide {
 
 /// The toolkit's application, on the first that answers of Wayland, X11 and no windows at all, unless
-/// `QT_QPA_PLATFORM` names another. Says in one line when a Wayland session is not reached as such.
+/// `QT_QPA_PLATFORM` names another, and without GL. Says in one line when a Wayland session is not reached as such.
 class SessionApplication : public QApplication
 {
 public:
@@ -13,7 +13,9 @@ public:
     SessionApplication(int &argc, char **argv);
 
 private:
-    SessionApplication(bool isPlatformOurChoice, int &argc, char **argv);
+    class WithoutGL;
+
+    SessionApplication(bool isPlatformOurChoice, const WithoutGL &, int &argc, char **argv);
 };
 
 } // namespace ambertide
