@@ -5,6 +5,9 @@
 
 #include <QApplication>
 #include <QStyle>
+#include <QTimer>
+
+#include <chrono>
 
 namespace ambertide {
 
@@ -15,7 +18,11 @@ AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(ap
     m_hasDesktopPalette =
         QApplication::palette().color(QPalette::Window) != m_style->standardPalette().color(QPalette::Window);
     m_isDesktopDark = Theme::of(QApplication::palette()).isDark;
-    m_observation = m_appearance.observe([this] { follow(); });
+    m_observation = m_appearance.observe([this] {
+        follow();
+        // A desktop that changes its colours says so here and to the toolkit, in either order.
+        QTimer::singleShot(std::chrono::seconds(1), &m_context, [this] { follow(); });
+    });
     follow();
 }
 
@@ -38,13 +45,16 @@ void AppearanceFollower::follow()
     if (m_style.isNull())
         return; // the next one will follow
     m_style->setMotionReduced(m_appearance.prefersReducedMotion());
+    const bool isHighContrast = m_appearance.prefersHighContrast();
     const auto scheme = m_appearance.colorScheme();
-    const bool isDark =
-        scheme == Appearance::ColorScheme::Dark || (scheme == Appearance::ColorScheme::NoPreference && m_isDesktopDark);
-    if (!m_hasDesktopPalette || m_appearance.prefersHighContrast())
-        QApplication::setPalette(housePalette(isDark, m_appearance.prefersHighContrast()));
-    else
+    const bool isAnyWelcome = scheme == Appearance::ColorScheme::NoPreference;
+    const bool isDark = isAnyWelcome ? m_isDesktopDark : scheme == Appearance::ColorScheme::Dark;
+    if (m_hasDesktopPalette && !isHighContrast) {
         QApplication::setPalette(QPalette());
+        if (isAnyWelcome || Theme::of(QApplication::palette()).isDark == isDark)
+            return;
+    }
+    QApplication::setPalette(housePalette(isDark, isHighContrast));
 }
 
 } // namespace ambertide

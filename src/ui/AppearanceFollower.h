@@ -9,10 +9,10 @@ namespace ambertide {
 
 class HouseStyle;
 
-/// Makes every window look as the user wants: the house style, and where the toolkit has taken no colours from the
-/// desktop, light or dark and high contrast as the system says. Follows changes, and puts the house style back where a
-/// plugin of the desktop has replaced it. Main thread, one instance, after the application object; `appearance` must
-/// outlive it.
+/// Makes every window look as the user wants: the house style, and light or dark and high contrast as the system says,
+/// in the desktop's colours where the toolkit has taken some from it that agree. Follows changes, and puts the house
+/// style back where a plugin of the desktop has replaced it. Main thread, one instance, after the application object;
+/// `appearance` must outlive it.
 class AppearanceFollower
 {
 public:
