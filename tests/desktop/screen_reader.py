@@ -27,6 +27,12 @@ def application(name="Ambertide"):
     return wait_until(find, f"{name} is not on the accessibility bus")
 
 
+def role_of(element):
+    """By the older of the names that a push button has been given."""
+    role = element.get_role_name()
+    return "push button" if role == "button" else role
+
+
 def elements(role=None, name=None, within=None):
     """What is shown, in reading order, with these properties."""
     found = []
@@ -35,7 +41,7 @@ def elements(role=None, name=None, within=None):
         try:
             if element is None or not has_state(element, State.SHOWING):
                 return
-            if role in (None, element.get_role_name()) and name in (None, element.get_name()):
+            if role in (None, role_of(element)) and name in (None, element.get_name()):
                 found.append(element)
             for index in range(element.get_child_count()):
                 visit(element.get_child_at_index(index))
@@ -48,8 +54,8 @@ def elements(role=None, name=None, within=None):
 
 def outline(role, name, roles):
     """Roles and names, in reading order, of what is shown in that element and has one of the roles."""
-    return [(each.get_role_name(), each.get_name()) for each in elements(within=element(role, name))
-            if each.get_role_name() in roles]
+    return [(role_of(each), each.get_name()) for each in elements(within=element(role, name))
+            if role_of(each) in roles]
 
 
 def element(role, name):
@@ -71,7 +77,7 @@ def is_checked(role, name):
 def focused():
     """Role and name of what has the keyboard; what holds it has the state, too."""
     with_focus = [found for found in elements() if has_state(found, State.FOCUSED)]
-    return (with_focus[-1].get_role_name(), with_focus[-1].get_name()) if with_focus else None
+    return (role_of(with_focus[-1]), with_focus[-1].get_name()) if with_focus else None
 
 
 def set_value(role, name, number):
