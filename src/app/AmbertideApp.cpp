@@ -72,7 +72,8 @@ bool AmbertideApp::launch()
                                                        showSettings();
                                                        m_settings->showSchedule();
                                                    },
-                                               .quit = quit});
+                                               .quit = quit,
+                                               .isStartedByPerson = m_system.isStartedByPerson});
     return true;
 }
 
@@ -99,7 +100,7 @@ void AmbertideApp::activate()
     if (m_settings && m_settings->isVisible() && m_menuBarExtra->isIconShown())
         bringSettingsForward();
     else
-        m_menuBarExtra->openAsWindow();
+        m_menuBarExtra->show();
 }
 
 void AmbertideApp::showSettings()

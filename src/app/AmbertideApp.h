@@ -43,7 +43,7 @@ public:
 
     AppViewModel &viewModel() { return m_viewModel; }
 
-    /// The application was started again: brings the Settings window forward, or else opens the panel as a window.
+    /// The application was started again: brings the Settings window forward, or else opens the panel.
     void activate();
     /// Opens the Settings window, or brings it to the front.
     void showSettings();

@@ -1,9 +1,12 @@
 #include "app/MenuBarExtra.h"
 
+#include "ui/controls/TextLabel.h"
 #include "ui/panel/MenuBarView.h"
 #include "ui/panel/PanelWindow.h"
 
+#include <QCursor>
 #include <QGuiApplication>
+#include <QLayout>
 #include <QTimer>
 
 #include <chrono>
@@ -17,13 +20,18 @@ namespace {
 
 /// The press on the icon that closes an open panel reaches the icon as well, on some desktops with its release.
 constexpr auto sameClick = 250ms;
+/// How long a person who has started the application waits for the desktop to show its icon.
+constexpr auto patience = 1s;
+/// As in the panel's content. Logical pixels.
+constexpr int explanationPadding = 16;
 
 } // namespace
 
 MenuBarExtra::MenuBarExtra(Ports ports) : m_ports(std::move(ports)), m_self(this, [](MenuBarExtra *) {})
 {
     m_icon = m_ports.createTrayIcon(
-        {.activated = [this](std::optional<QPoint> place) { toggle(place); }, .presenceChanged = [] {}});
+        {.activated = [this](std::optional<QPoint> place) { toggle(place); },
+         .presenceChanged = [this] { QTimer::singleShot(0, this, &MenuBarExtra::followPresence); }});
     updateMenu();
     updateToolTip();
     connect(&m_ports.viewModel, &AppViewModel::changed, this, &MenuBarExtra::updateToolTip);
@@ -31,6 +39,7 @@ MenuBarExtra::MenuBarExtra(Ports ports) : m_ports(std::move(ports)), m_self(this
         if (state == Qt::ApplicationActive)
             reapplyIfTinted();
     });
+    QTimer::singleShot(0, this, &MenuBarExtra::followPresence);
     // It is told before the change.
     m_updaterObservation = m_ports.updater.observe([this] { QTimer::singleShot(0, this, &MenuBarExtra::updateMenu); });
 }
@@ -46,23 +55,61 @@ MenuBarExtra::~MenuBarExtra()
 
 void MenuBarExtra::toggle(std::optional<QPoint> place)
 {
+    const auto manner = m_ports.placement.manner();
+    // There the pointer is known, and panels tell the place in units of their own.
+    m_place = manner == PanelPlacement::Manner::Popup ? QCursor::pos() : place;
     if (m_panel)
         m_panel->close();
     else if (!m_hasJustClosed)
-        open(m_ports.placement.manner(), place);
+        open(manner, m_place);
 }
 
-void MenuBarExtra::openAsWindow()
+void MenuBarExtra::show()
 {
+    m_isWanted = true;
+    if (m_icon->presence() == TrayIcon::Presence::Pending)
+        onMainAfter(patience, &MenuBarExtra::showNow);
+    else
+        showNow();
+}
+
+void MenuBarExtra::showNow()
+{
+    if (!std::exchange(m_isWanted, false))
+        return;
     if (m_panel)
         m_panel->open(std::nullopt);
     else
-        open(PanelPlacement::Manner::Window, std::nullopt);
+        open(isIconShown() ? m_ports.placement.manner() : PanelPlacement::Manner::Window, m_place);
+}
+
+void MenuBarExtra::followPresence()
+{
+    const auto presence = m_icon->presence();
+    if (presence == TrayIcon::Presence::Nowhere) {
+        m_isWanted = m_isWanted || (m_ports.isStartedByPerson && !m_hasOpened);
+        explain();
+    }
+    if (presence != TrayIcon::Presence::Pending)
+        showNow();
+}
+
+void MenuBarExtra::explain()
+{
+    if (!m_panel || std::exchange(m_hasExplained, true))
+        return;
+    auto *explanation = new TextLabel(tr("This desktop shows no tray icons. Start Ambertide again to open this panel."),
+                                      TextStyle::Caption, &Theme::secondaryText);
+    explanation->setWordWrap(true);
+    explanation->setContentsMargins(explanationPadding, 0, explanationPadding, explanationPadding);
+    explanation->setFixedWidth(m_panel->width());
+    m_panel->layout()->addWidget(explanation);
 }
 
 void MenuBarExtra::open(PanelPlacement::Manner manner, std::optional<QPoint> place)
 {
     auto *view = new MenuBarView(m_ports.viewModel, m_ports.haptics);
+    m_hasOpened = true;
     m_panel = new PanelWindow(view, m_ports.placement, manner);
     connect(m_panel, &PanelWindow::closed, this, &MenuBarExtra::panelClosed);
     connect(view, &MenuBarView::settingsRequested, this, [this] {
@@ -75,6 +122,8 @@ void MenuBarExtra::open(PanelPlacement::Manner manner, std::optional<QPoint> pla
     });
     connect(view, &MenuBarView::quitRequested, this, [this] { m_ports.quit(); });
     m_panel->open(place);
+    if (m_icon->presence() == TrayIcon::Presence::Nowhere)
+        explain();
     reapplyIfTinted();
 }
 

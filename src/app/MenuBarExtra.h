@@ -35,6 +35,7 @@ public:
         std::function<void()> openSettings;
         std::function<void()> openSchedule;
         std::function<void()> quit;
+        bool isStartedByPerson = true; ///< who waits for something to see
     };
 
     explicit MenuBarExtra(Ports ports);
@@ -44,10 +45,14 @@ public:
     bool isIconShown() const { return m_icon->presence() == TrayIcon::Presence::Shown; }
     /// The icon was clicked: opens the panel beside it, or closes it. `place`: see TrayIcon.
     void toggle(std::optional<QPoint> place);
-    /// The application was started again: opens the panel as an ordinary window, wherever the icon may be.
-    void openAsWindow();
+    /// The application was started again: opens the panel where a click would, or brings it to the front. Where no icon
+    /// is shown, even after a moment, the panel is an ordinary window.
+    void show();
 
 private:
+    void followPresence();
+    void showNow();
+    void explain();
     void open(PanelPlacement::Manner manner, std::optional<QPoint> place);
     void panelClosed();
     void forgetClosing();
@@ -59,6 +64,10 @@ private:
     Ports m_ports;
     std::unique_ptr<TrayIcon> m_icon;
     QPointer<PanelWindow> m_panel;
+    std::optional<QPoint> m_place; ///< of the last click
+    bool m_isWanted = false;       ///< as soon as it is known where
+    bool m_hasOpened = false;
+    bool m_hasExplained = false;
     bool m_hasJustClosed = false;         ///< maybe with a press on the icon, which the icon has yet to hear of
     bool m_wasButtonHeld = false;         ///< when that was last looked at
     Task m_justClosed;                    ///< ends that

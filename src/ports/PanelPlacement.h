@@ -29,6 +29,8 @@ public:
     virtual int cornerRadius() const = 0;
     /// For Manner::Popup: whether a mouse button is down at present, wherever the pointer is.
     virtual bool isButtonHeld() const = 0;
+    /// For Manner::Popup: how far from the desktop's panel, in logical pixels.
+    virtual int gap() const = 0;
     /// For Manner::Layer: anchors a window that has its size and is not shown yet, beside the icon at `place`, in
     /// logical pixels, or where the desktop usually has it. What stands beside it is the window without its `shadow`.
     virtual void anchor(QWindow &window, const QMargins &shadow, std::optional<QPoint> place) = 0;

@@ -40,6 +40,7 @@ struct SystemPorts
     HapticPerformer &haptics;
     PanelPlacement &placement;
     TrayIconFactory createTrayIcon;
+    bool isStartedByPerson; ///< not with the session
 };
 
 } // namespace ambertide

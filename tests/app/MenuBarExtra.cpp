@@ -5,6 +5,7 @@
 #include "ui/panel/PanelWindow.h"
 
 #include <QApplication>
+#include <QLayout>
 #include <QPushButton>
 #include <QTest>
 
@@ -22,6 +23,7 @@ struct FakeDesktop final : HapticPerformer, PanelPlacement
     bool hasTransparency() const override { return true; }
     bool isButtonHeld() const override { return isHeld; }
     int cornerRadius() const override { return 12; }
+    int gap() const override { return 4; }
     void anchor(QWindow &, const QMargins &, std::optional<QPoint>) override {}
 };
 
@@ -35,13 +37,26 @@ struct IdleUpdaterController final : UpdaterController
 
 struct FakeTrayIcon final : TrayIcon
 {
-    explicit FakeTrayIcon(std::string &shown) : toolTip(shown) {}
+    struct State
+    {
+        Presence presence = Presence::Shown;
+        std::string menu;
+        std::string toolTip;
+        Callbacks callbacks;
+    };
 
-    std::string &toolTip;
+    explicit FakeTrayIcon(State &itsState) : state(itsState) {}
 
-    Presence presence() const override { return Presence::Shown; }
-    void setMenu(std::vector<TrayMenuItem>) override {}
-    void setToolTip(std::string text) override { toolTip = text; }
+    State &state;
+
+    Presence presence() const override { return state.presence; }
+    void setMenu(std::vector<TrayMenuItem> items) override
+    {
+        state.menu.clear();
+        for (const auto &item : items)
+            state.menu.append(item.text).append(item.isEnabled ? "|" : " (disabled)|");
+    }
+    void setToolTip(std::string text) override { state.toolTip = text; }
 };
 
 } // namespace
@@ -56,18 +71,29 @@ class MenuBarExtraTest : public QObject
 
         SparkleUpdater updater{[] { return std::make_unique<IdleUpdaterController>(); }, userDefaults};
         FakeDesktop desktop;
-        std::string toolTip;
         bool hasOpenedSchedule = false;
+        FakeTrayIcon::State icon;
         MenuBarExtra extra{{.viewModel = *model,
                             .updater = updater,
                             .executor = executor,
                             .haptics = desktop,
                             .placement = desktop,
-                            .createTrayIcon = [this](auto) { return std::make_unique<FakeTrayIcon>(toolTip); },
+                            .createTrayIcon = [this](auto callbacks) { return makeIcon(std::move(callbacks)); },
                             .openSettings = [] {},
                             .openSchedule = [this] { hasOpenedSchedule = true; },
                             .quit = [] {}}};
 
+        std::unique_ptr<TrayIcon> makeIcon(TrayIcon::Callbacks callbacks)
+        {
+            icon.callbacks = std::move(callbacks);
+            return std::make_unique<FakeTrayIcon>(icon);
+        }
+        void tellPresence(TrayIcon::Presence presence)
+        {
+            icon.presence = presence;
+            icon.callbacks.presenceChanged();
+            QCoreApplication::processEvents();
+        }
         static QWidget *panel()
         {
             const auto windows = QApplication::topLevelWidgets();
@@ -87,7 +113,8 @@ private Q_SLOTS:
     void writesTheTintAgainWhenTheSystemMayHaveResetIt()
     {
         Bench bench;
-        QCOMPARE(bench.toolTip, "3400K (Halogen)");
+        QCOMPARE(bench.icon.toolTip, "3400K (Halogen)");
+        QCOMPARE(bench.icon.menu.c_str(), "Settings...|Check for Updates...||Quit Ambertide|");
         bench.extra.toggle({});
         QVERIFY(bench.writesIn(0s) > 0);
         const auto ofTheLoop = bench.writesIn(2s); // what counts is what comes on top of it
@@ -102,7 +129,7 @@ private Q_SLOTS:
             QCOMPARE(bench.writesIn(0s), writes);
         }
         bench.model->setTemperature(6500);
-        QCOMPARE(bench.toolTip, "Normal (Daylight)");
+        QCOMPARE(bench.icon.toolTip, "Normal (Daylight)");
         bench.writesIn(5s);
         Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
         QCOMPARE(bench.writesIn(0s), 0U);
@@ -121,12 +148,12 @@ private Q_SLOTS:
         const char *refusal = "None of the displays here can be tinted.";
         bench.displays.tintRefusal = {TintRefusal::Reason::Displays, "no tables"};
         bench.notifications.post(notifications::withoutUserInfo(notifications::checkScheduleNow));
-        QVERIFY(shows(refusal) && bench.toolTip == refusal);
+        QVERIFY(shows(refusal) && bench.icon.toolTip == refusal);
         bench.distributed.post(notifications::withoutUserInfo(notifications::getTemperature), Delivery::standard);
         QVERIFY(bench.distributed.posts.back().first.userInfo->at("refusal") == UserInfoValue("no tables"));
         bench.displays.tintRefusal.reset();
         bench.notifications.post(notifications::withoutUserInfo(notifications::checkScheduleNow));
-        QVERIFY(!shows(refusal) && bench.toolTip == "3400K (Halogen)");
+        QVERIFY(!shows(refusal) && bench.icon.toolTip == "3400K (Halogen)");
 
         const char *link = "Nothing is scheduled yet...";
         QVERIFY(!shows(link));
@@ -155,6 +182,30 @@ private Q_SLOTS:
         bench.executor.advance(1s);
         bench.extra.toggle({});
         QVERIFY(Bench::panel() != nullptr);
+    }
+
+    void isAWindowWhereThereIsNoTray()
+    {
+        using enum TrayIcon::Presence;
+        Bench bench;
+        bench.tellPresence(Pending);
+        QVERIFY(Bench::panel() == nullptr);
+        bench.tellPresence(Nowhere);
+        const auto isExplained = [] { return Bench::panel()->layout()->count() == 2; };
+        QVERIFY(Bench::panel()->isVisible() && Bench::panel()->windowFlags().testFlag(Qt::WindowTitleHint));
+        QVERIFY(isExplained());
+        Bench::panel()->close();
+        bench.tellPresence(Pending);
+        bench.tellPresence(Nowhere);
+        QVERIFY(Bench::panel() == nullptr);
+        bench.extra.show();
+        QVERIFY(!isExplained());
+        Bench::panel()->close();
+        bench.tellPresence(Pending);
+        bench.extra.show(); // waits
+        QVERIFY(Bench::panel() == nullptr);
+        bench.tellPresence(Shown);
+        QVERIFY(!Bench::panel()->windowFlags().testFlag(Qt::WindowTitleHint));
     }
 };
 

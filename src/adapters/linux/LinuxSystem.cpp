@@ -123,6 +123,7 @@ SystemPorts LinuxSystem::ports()
                                                      m_adapters->mainBundle.path() / "Contents/Resources/icons",
                                                      std::move(callbacks));
         },
+        .isStartedByPerson = !QCoreApplication::arguments().contains(QLatin1String(XdgLoginItem::startArgument)),
     };
 }
 

@@ -5,7 +5,6 @@
 #include "ui/panel/PanelGeometry.h"
 
 #include <QBitmap>
-#include <QCursor>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
@@ -64,12 +63,12 @@ void PanelWindow::moveBesideIcon(std::optional<QPoint> place)
     }
     if (m_manner == PanelPlacement::Manner::Window)
         return;
-    const QPoint pointer = QCursor::pos();
-    const auto *screen = QGuiApplication::screenAt(pointer);
+    const auto *screen = place ? QGuiApplication::screenAt(*place) : nullptr;
     if (screen == nullptr)
         screen = QGuiApplication::primaryScreen();
     if (screen != nullptr)
-        move(panelPosition(contentsRect().size(), pointer, screen->geometry(), screen->availableGeometry()) -
+        move(panelPosition(contentsRect().size(), place, screen->geometry(), screen->availableGeometry(),
+                           m_placement.gap()) -
              contentsRect().topLeft());
 }
 

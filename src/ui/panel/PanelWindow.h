@@ -19,7 +19,7 @@ public:
     /// Takes `content` over.
     PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlacement::Manner manner);
 
-    /// Shows it beside the icon at `place`, or beside the pointer, as far as its manner lets it choose.
+    /// Shows it beside the icon at `place`, or where the desktop has its icons, as far as its manner lets it choose.
     void open(std::optional<QPoint> place);
 
 Q_SIGNALS:

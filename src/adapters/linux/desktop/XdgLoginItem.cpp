@@ -3,6 +3,7 @@
 #include "base/Release.h"
 #include "ports/MainBundle.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -100,12 +101,13 @@ std::string entryText(const std::string &program)
     const std::pair<const char *, std::string> values[] = {
         {"Type", "Application"},
         {"Name", "Ambertide"},
-        {"Comment", "Tints every display to a colour temperature"},
+        {"Comment", QCoreApplication::translate("ambertide::XdgLoginItem", "Tint every display to a color temperature")
+                        .toStdString()},
         {"Icon", "me.tovanu.Ambertide"},
         {"Terminal", "false"},
         {"StartupNotify", "false"},
         {"TryExec", program},
-        {"Exec", (isPlain ? "" : "/usr/bin/env ") + execArgument(program)},
+        {"Exec", (isPlain ? "" : "/usr/bin/env ") + execArgument(program) + ' ' + XdgLoginItem::startArgument},
     };
     const KeyFile entry(g_key_file_new());
     for (const auto &[key, value] : values)

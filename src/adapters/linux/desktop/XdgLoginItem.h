@@ -16,6 +16,9 @@ class MainBundle;
 class XdgLoginItem final : public LoginItem
 {
 public:
+    /// What the entry starts the application with.
+    static constexpr char startArgument[] = "--at-login";
+
     /// The bundle must outlive the item.
     explicit XdgLoginItem(const MainBundle &bundle);
 

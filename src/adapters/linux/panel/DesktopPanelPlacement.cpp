@@ -14,6 +14,25 @@ namespace {
 
 bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
 
+bool isPlasma()
+{
+    // A list with colons.
+    return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QLatin1String("KDE"));
+}
+
+/// Plasma tells it in device pixels.
+QPoint logicalPlaceOnPlasma(const QPoint &place)
+{
+    const auto sizes = layer_shell::deviceSizes();
+    std::vector<ScaledScreen> screens;
+    const auto known = QGuiApplication::screens();
+    for (const auto *screen : known) {
+        if (const auto size = sizes.find(screen->name()); size != sizes.end())
+            screens.emplace_back(screen->geometry(), size->second);
+    }
+    return logicalPlace(place, screens);
+}
+
 } // namespace
 
 PanelPlacement::Manner DesktopPanelPlacement::manner() const
@@ -45,18 +64,25 @@ bool DesktopPanelPlacement::isButtonHeld() const
            (pointer->mask & (XCB_KEY_BUT_MASK_BUTTON_1 | XCB_KEY_BUT_MASK_BUTTON_2 | XCB_KEY_BUT_MASK_BUTTON_3)) != 0;
 }
 
-int DesktopPanelPlacement::cornerRadius() const
+int DesktopPanelPlacement::cornerRadius() const { return isPlasma() ? 6 : 12; }
+
+int DesktopPanelPlacement::gap() const
 {
-    const bool isPlasma = qgetenv("XDG_CURRENT_DESKTOP").split(':').contains("KDE");
-    return isPlasma ? 6 : 12;
+    return isPlasma() ? 16 : 4; // Plasma's panels float, beyond what they reserve
 }
 
 void DesktopPanelPlacement::anchor(QWindow &window, const QMargins &shadow, std::optional<QPoint> place)
 {
+    if (place && isPlasma())
+        place = logicalPlaceOnPlasma(*place);
     auto *screen = place ? QGuiApplication::screenAt(*place) : nullptr;
+    if (screen == nullptr && isPlasma()) {
+        screen = QGuiApplication::primaryScreen();
+        place = screen->geometry().bottomRight();
+    }
     const QSize panel = window.size().shrunkBy(shadow);
-    auto position =
-        screen != nullptr ? layerPosition(panel, place, screen->geometry()) : layerPosition(panel, std::nullopt, {});
+    auto position = screen != nullptr ? layerPosition(panel, place, screen->geometry(), gap())
+                                      : layerPosition(panel, std::nullopt, {}, gap());
     position.margins -= shadow;
     layer_shell::anchor(window, position, screen);
 }

@@ -12,6 +12,7 @@ public:
     bool hasTransparency() const override;
     bool isButtonHeld() const override;
     int cornerRadius() const override;
+    int gap() const override;
     void anchor(QWindow &window, const QMargins &shadow, std::optional<QPoint> place) override;
 };
 

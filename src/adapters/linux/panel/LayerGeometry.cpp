@@ -4,13 +4,7 @@
 
 namespace ambertide {
 
-namespace {
-
-constexpr int gap = 4;
-
-} // namespace
-
-LayerPosition layerPosition(const QSize &panel, std::optional<QPoint> place, const QRect &screen)
+LayerPosition layerPosition(const QSize &panel, std::optional<QPoint> place, const QRect &screen, int gap)
 {
     if (!place)
         return {Qt::TopEdge | Qt::RightEdge, {gap, gap, gap, gap}};
@@ -23,6 +17,17 @@ LayerPosition layerPosition(const QSize &panel, std::optional<QPoint> place, con
     const int x = isPanelHorizontal ? std::max(gap, toSide - panel.width() / 2) : gap;
     const int y = isPanelHorizontal ? gap : std::max(gap, toEnd - panel.height() / 2);
     return {(isTop ? Qt::TopEdge : Qt::BottomEdge) | (isLeft ? Qt::LeftEdge : Qt::RightEdge), {x, y, x, y}};
+}
+
+QPoint logicalPlace(const QPoint &place, const std::vector<ScaledScreen> &screens)
+{
+    for (const auto &[rectangle, deviceSize] : screens) {
+        const double scale = static_cast<double>(deviceSize.width()) / rectangle.width();
+        const auto scaled = (QPointF(place) / scale).toPoint();
+        if (rectangle.contains(scaled))
+            return scaled;
+    }
+    return place;
 }
 
 } // namespace ambertide

@@ -17,29 +17,75 @@ namespace ambertide::layer_shell {
 
 namespace {
 
-void noteGlobal(void *isFound, wl_registry *, std::uint32_t, const char *interface, std::uint32_t)
+/// What the compositor has, asked for over a connection of its own: outputs bound twice over the toolkit's confuse it.
+class Globals
 {
-    if (std::string_view(interface) == "zwlr_layer_shell_v1")
-        *static_cast<bool *>(isFound) = true;
-}
+public:
+    Globals() : m_display(wl_display_connect(nullptr))
+    {
+        if (!m_display)
+            return;
+        m_registry.reset(wl_display_get_registry(m_display.get()));
+        static constexpr wl_registry_listener listener{noteGlobal, [](void *, wl_registry *, std::uint32_t) {}};
+        if (m_registry && wl_registry_add_listener(m_registry.get(), &listener, this) == 0 &&
+            wl_display_roundtrip(m_display.get()) >= 0)
+            wl_display_roundtrip(m_display.get()); // what the outputs say
+    }
 
-void ignoreRemoval(void *, wl_registry *, std::uint32_t) {}
+    bool hasLayerShell() const { return m_hasLayerShell; }
 
-/// Asks over the toolkit's connection, in a queue apart from the toolkit's.
-bool hasLayerShell(wl_display *display)
-{
-    const std::unique_ptr<wl_event_queue, Release<wl_event_queue_destroy>> queue(wl_display_create_queue(display));
-    const std::unique_ptr<void, Release<wl_proxy_wrapper_destroy>> wrapper(wl_proxy_create_wrapper(display));
-    if (!queue || !wrapper)
-        return false;
-    wl_proxy_set_queue(static_cast<wl_proxy *>(wrapper.get()), queue.get());
-    const std::unique_ptr<wl_registry, Release<wl_registry_destroy>> registry(
-        wl_display_get_registry(static_cast<wl_display *>(wrapper.get())));
-    bool isFound = false;
-    const wl_registry_listener listener{noteGlobal, ignoreRemoval};
-    return registry && wl_registry_add_listener(registry.get(), &listener, &isFound) == 0 &&
-           wl_display_roundtrip_queue(display, queue.get()) >= 0 && isFound;
-}
+    std::map<QString, QSize> deviceSizes() const
+    {
+        std::map<QString, QSize> sizes;
+        for (const auto &output : m_outputs)
+            sizes.emplace(output->name, output->isTurned ? output->mode.transposed() : output->mode);
+        return sizes;
+    }
+
+private:
+    struct Output
+    {
+        std::unique_ptr<wl_output, Release<wl_output_destroy>> proxy;
+        QString name;
+        QSize mode;
+        bool isTurned = false;
+    };
+
+    static void noteGlobal(void *context, wl_registry *registry, std::uint32_t number, const char *interface,
+                           std::uint32_t version)
+    {
+        auto &globals = *static_cast<Globals *>(context);
+        const std::string_view name(interface);
+        globals.m_hasLayerShell = globals.m_hasLayerShell || name == "zwlr_layer_shell_v1";
+        if (name != wl_output_interface.name || version < WL_OUTPUT_NAME_SINCE_VERSION)
+            return;
+        auto &output = *globals.m_outputs.emplace_back(std::make_unique<Output>());
+        output.proxy.reset(static_cast<wl_output *>(
+            wl_registry_bind(registry, number, &wl_output_interface, WL_OUTPUT_NAME_SINCE_VERSION)));
+        static constexpr wl_output_listener listener{
+            .geometry =
+                [](void *to, wl_output *, int, int, int, int, int, const char *, const char *, int transform) {
+                    // The odd ones of the transforms are those by a quarter and three quarters.
+                    static_cast<Output *>(to)->isTurned = transform % 2 != 0;
+                },
+            .mode =
+                [](void *to, wl_output *, std::uint32_t flags, int width, int height, int) {
+                    if ((flags & WL_OUTPUT_MODE_CURRENT) != 0)
+                        static_cast<Output *>(to)->mode = QSize(width, height);
+                },
+            .done = [](void *, wl_output *) {},
+            .scale = [](void *, wl_output *, int) {},
+            .name = [](void *to, wl_output *,
+                       const char *text) { static_cast<Output *>(to)->name = QString::fromUtf8(text); },
+            .description = [](void *, wl_output *, const char *) {}};
+        wl_output_add_listener(output.proxy.get(), &listener, &output);
+    }
+
+    std::unique_ptr<wl_display, Release<wl_display_disconnect>> m_display;
+    std::unique_ptr<wl_registry, Release<wl_registry_destroy>> m_registry;
+    std::vector<std::unique_ptr<Output>> m_outputs;
+    bool m_hasLayerShell = false;
+};
 
 using Layer = LayerShellQt::Window;
 
@@ -86,12 +132,11 @@ private:
 
 bool isOffered()
 {
-    static const bool isOffered = [] {
-        const auto *wayland = qGuiApp->nativeInterface<QNativeInterface::QWaylandApplication>();
-        return wayland != nullptr && hasLayerShell(wayland->display());
-    }();
+    static const bool isOffered = Globals().hasLayerShell();
     return isOffered;
 }
+
+std::map<QString, QSize> deviceSizes() { return Globals().deviceSizes(); }
 
 void anchor(QWindow &window, const LayerPosition &position, QScreen *screen)
 {

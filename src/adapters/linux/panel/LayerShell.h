@@ -2,6 +2,10 @@
 
 #include "adapters/linux/panel/LayerGeometry.h"
 
+#include <QString>
+
+#include <map>
+
 class QScreen;
 class QWindow;
 
@@ -14,5 +18,8 @@ bool isOffered();
 /// Anchors a window that has not been shown yet; a press elsewhere closes it. A null screen stands for the one that the
 /// compositor takes for active.
 void anchor(QWindow &window, const LayerPosition &position, QScreen *screen);
+
+/// In device pixels, by the screens' names. Asks the compositor: the toolkit rounds scale factors up.
+std::map<QString, QSize> deviceSizes();
 
 } // namespace ambertide::layer_shell

@@ -6,4 +6,6 @@ bool isOffered() { return false; }
 
 void anchor(QWindow &, const LayerPosition &, QScreen *) {}
 
+std::map<QString, QSize> deviceSizes() { return {}; }
+
 } // namespace ambertide::layer_shell

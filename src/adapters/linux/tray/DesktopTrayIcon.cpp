@@ -35,13 +35,17 @@ DesktopTrayIcon::DesktopTrayIcon(DBusSession &session, std::filesystem::path ico
 }
 
 DesktopTrayIcon::DesktopTrayIcon(DBusSession &session, std::filesystem::path iconsFolder, Callbacks callbacks,
-                                 MakeFallback makeFallback, std::chrono::milliseconds patience)
+                                 MakeFallback makeFallback, Patience patience)
     : m_artwork(std::move(iconsFolder)), m_callbacks(std::move(callbacks)), m_makeFallback(std::move(makeFallback)),
       m_item(session, m_artwork, applicationName, clickOfDesktop(), {m_callbacks.activated, [this] { followItem(); }})
 {
-    m_patience.setSingleShot(true);
-    m_patience.setInterval(patience);
-    QObject::connect(&m_patience, &QTimer::timeout, &m_patience, [this] { fallBack(); });
+    const auto prepare = [this](QTimer &timer, std::chrono::milliseconds delay, void (DesktopTrayIcon::*action)()) {
+        timer.setSingleShot(true);
+        timer.setInterval(delay);
+        QObject::connect(&timer, &QTimer::timeout, &timer, [this, action] { (this->*action)(); });
+    };
+    prepare(m_untilFallback, patience.beforeFallback, &DesktopTrayIcon::fallBack);
+    prepare(m_untilNowhere, patience.beforeNowhere, &DesktopTrayIcon::followFallback);
     if (session.bus() == nullptr)
         fallBack();
     m_isReady = true;
@@ -51,33 +55,40 @@ void DesktopTrayIcon::followItem()
 {
     switch (m_item.presence()) {
     case Presence::Shown:
-        m_patience.stop();
+        m_untilFallback.stop();
+        m_untilNowhere.stop();
         m_fallback.reset();
         setPresence(Presence::Shown);
         break;
     case Presence::Pending: // a watcher is there
-        m_patience.stop();
+        m_untilFallback.stop();
+        m_untilNowhere.stop();
         setPresence(m_fallback ? m_fallback->presence() : Presence::Pending);
         break;
     case Presence::Nowhere:
         if (m_fallback)
             break;
         setPresence(Presence::Pending);
-        m_patience.start();
+        m_untilFallback.start();
+        m_untilNowhere.start();
         break;
     }
 }
 
 void DesktopTrayIcon::fallBack()
 {
-    const auto followFallback = [this] {
-        if (m_fallback)
-            setPresence(m_fallback->presence());
-    };
-    m_fallback = m_makeFallback(m_artwork, {m_callbacks.activated, followFallback});
+    m_fallback = m_makeFallback(m_artwork, {m_callbacks.activated, [this] { followFallback(); }});
     m_fallback->setMenu(m_menu);
     m_fallback->setToolTip(m_toolTip);
     followFallback();
+}
+
+void DesktopTrayIcon::followFallback()
+{
+    if (!m_fallback)
+        return;
+    const bool mayStillCome = m_fallback->presence() == Presence::Nowhere && m_untilNowhere.isActive();
+    setPresence(mayStillCome ? Presence::Pending : m_fallback->presence());
     if (m_presence == Presence::Nowhere && !std::exchange(m_hasExplained, true))
         console::print("This desktop shows no tray icons: start Ambertide again to open its panel");
 }

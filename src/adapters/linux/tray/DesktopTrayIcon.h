@@ -13,20 +13,26 @@ namespace ambertide {
 /// The tray icon, wherever the desktop has a place for one: a StatusNotifierItem while a watcher is on the bus, else an
 /// icon embedded by an X11 tray. Main thread.
 ///
-/// A desktop that starts, or restarts its panel, is given a moment to bring its watcher up. A watcher that comes later
-/// is preferred, too. Where there is neither, one line says how the panel is reached.
+/// Where no watcher is on the bus, a tray of the X server is taken after a moment, and a watcher that comes later is
+/// preferred. A desktop that starts, or restarts its panel, is given longer to bring up either. Where there is neither,
+/// one line says how the panel is reached.
 class DesktopTrayIcon final : public TrayIcon
 {
 public:
     using MakeFallback = std::function<std::unique_ptr<TrayIcon>(const TrayArtwork &, Callbacks)>;
 
-    static constexpr std::chrono::seconds defaultPatience{5};
+    struct Patience
+    {
+        std::chrono::milliseconds beforeFallback; ///< a watcher is waited for
+        std::chrono::milliseconds beforeNowhere;  ///< any tray is waited for
+    };
+    static constexpr Patience defaultPatience{std::chrono::milliseconds(500), std::chrono::seconds(5)};
 
     /// `session` must outlive this. `iconsFolder`: see TrayArtwork. No callback is called before this has returned.
     DesktopTrayIcon(DBusSession &session, std::filesystem::path iconsFolder, Callbacks callbacks);
     /// For tests: with another fallback and patience.
     DesktopTrayIcon(DBusSession &session, std::filesystem::path iconsFolder, Callbacks callbacks,
-                    MakeFallback makeFallback, std::chrono::milliseconds patience);
+                    MakeFallback makeFallback, Patience patience);
 
     Presence presence() const override { return m_presence; }
     void setMenu(std::vector<TrayMenuItem> items) override;
@@ -35,6 +41,7 @@ public:
 private:
     void followItem();
     void fallBack();
+    void followFallback();
     void setPresence(Presence presence);
 
     const TrayArtwork m_artwork;
@@ -45,7 +52,8 @@ private:
     Presence m_presence = Presence::Pending;
     bool m_isReady = false;
     bool m_hasExplained = false;
-    QTimer m_patience;
+    QTimer m_untilFallback;
+    QTimer m_untilNowhere;
     std::unique_ptr<TrayIcon> m_fallback;
     StatusNotifierItem m_item;
 };

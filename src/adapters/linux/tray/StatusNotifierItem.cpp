@@ -64,6 +64,7 @@ struct StatusNotifierItem::Members
                         [&] { value.add("").container('a', "(iiay)", [] {}).add(item.m_name, text); });
     }
 
+    /// Also for hosts that do not draw the menu, and ask for one: all that people need of it is in the panel.
     static const char *activate(StatusNotifierItem &item, SdBusReader &call, SdBusWriter &)
     {
         const auto x = call.int32();
@@ -93,7 +94,7 @@ const sd_bus_vtable StatusNotifierItem::Members::vtable[] = {
     SD_BUS_PROPERTY("Menu", "o", handleRead<menu>, 0, 0),
     SD_BUS_METHOD("Activate", "ii", "", handleCall<activate>, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_METHOD("SecondaryActivate", "ii", "", handleCall<activate>, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("ContextMenu", "ii", "", handleCall<ignore>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("ContextMenu", "ii", "", handleCall<activate>, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_METHOD("Scroll", "is", "", handleCall<ignore>, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_SIGNAL("NewToolTip", "", 0),
     SD_BUS_VTABLE_END,

@@ -26,13 +26,18 @@ private Q_SLOTS:
         };
         for (const auto &[name, place, screen, expected] : cases) {
             const QSize panel(300, 200);
-            const auto [edges, margins] = layerPosition(panel, place, screen);
+            const auto [edges, margins] = layerPosition(panel, place, screen, 4);
             // As the compositor reads it.
             const auto inside = screen.marginsRemoved(margins);
             const int x = edges.testFlag(Qt::RightEdge) ? inside.right() - panel.width() + 1 : inside.left();
             const int y = edges.testFlag(Qt::BottomEdge) ? inside.bottom() - panel.height() + 1 : inside.top();
             QVERIFY2(QPoint(x, y) == expected, name);
         }
+        // Screens at 150 and 200 percent.
+        const std::vector<ScaledScreen> scaled{{{0, 0, 1280, 720}, {1920, 1080}}, {{1280, 0, 960, 540}, {1920, 1080}}};
+        QCOMPARE(logicalPlace({1905, 1065}, scaled), QPoint(1270, 710));
+        QCOMPARE(logicalPlace({2600, 1000}, scaled), QPoint(1300, 500));
+        QCOMPARE(logicalPlace({9000, 10}, scaled), QPoint(9000, 10));
     }
 };
 

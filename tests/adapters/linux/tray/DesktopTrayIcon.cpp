@@ -14,11 +14,13 @@ namespace {
 
 struct FakeXembedIcon final : TrayIcon
 {
+    static inline Presence place = Presence::Shown;
+
     QString &record;
 
     explicit FakeXembedIcon(QString &events) : record(events) { record += QStringLiteral("comes "); }
     ~FakeXembedIcon() override { record += QStringLiteral("goes "); }
-    Presence presence() const override { return Presence::Shown; }
+    Presence presence() const override { return place; }
     void setMenu(std::vector<TrayMenuItem> items) override
     {
         record += QString::number(items.size()) + QStringLiteral(" entry ");
@@ -34,7 +36,7 @@ struct Desktop
     DBusSession session{SdBusKind::session};
     QString tray; ///< what becomes of the icon in the X11 tray
     std::vector<Presence> presences;
-    std::chrono::milliseconds patience;
+    DesktopTrayIcon::Patience patience;
     DesktopTrayIcon icon{session,
                          "/",
                          {[](auto) {}, [this] { presences.push_back(icon.presence()); }},
@@ -42,7 +44,7 @@ struct Desktop
                          patience};
 
     /// By default a watcher is waited for until the next turn of the event loop.
-    explicit Desktop(std::chrono::milliseconds itsPatience = 0ms) : patience(itsPatience) {}
+    explicit Desktop(std::chrono::milliseconds beforeFallback = 0ms) : patience{beforeFallback, beforeFallback + 1ms} {}
 };
 
 } // namespace
@@ -71,13 +73,20 @@ private Q_SLOTS:
         desktop.icon.setMenu({{"Quit", true, {}}});
         desktop.icon.setToolTip("3400 K");
         QTRY_COMPARE(desktop.icon.presence(), Presence::Shown);
-        auto watcher = std::make_unique<FakeWatcher>();
+        std::optional<FakeWatcher> watcher(std::in_place);
         QTRY_COMPARE(desktop.tray, QStringLiteral("comes 1 entry 3400 K goes "));
         // A panel that restarts is waited for as at the start.
         watcher.reset();
         QTRY_COMPARE(desktop.tray.count(QStringLiteral("comes")), 2);
         QCOMPARE(desktop.presences, (std::vector{Presence::Shown, Presence::Pending, Presence::Shown}));
         QCOMPARE(desktop.console.lines.size(), 0U);
+        watcher.emplace();
+        QTRY_COMPARE(desktop.tray.count(QStringLiteral("goes")), 2);
+        FakeXembedIcon::place = Presence::Nowhere;
+        desktop.presences.clear();
+        watcher.reset();
+        QTRY_COMPARE(desktop.presences, (std::vector{Presence::Pending, Presence::Nowhere}));
+        QCOMPARE(desktop.console.lines.size(), 1U);
     }
 };
 

@@ -68,6 +68,7 @@ private Q_SLOTS:
         row(itemInterface, "Activate ii 1 2", "", "activated at 1,2");
         row(itemInterface, "Activate ii 0 0", "", "activated");
         row(itemInterface, "SecondaryActivate ii -1 2147483647", "", "activated at -1,2147483647");
+        row(itemInterface, "ContextMenu ii 3 4", "", "activated at 3,4");
         row(itemInterface, "Scroll is 120 vertical", "");
         row(menuInterface, "GetLayout iias 0 -1 0",
             R"(u(ia{sv}av) 2 0 1 "children-display" s "submenu" 4 )"
