@@ -5,6 +5,7 @@
 #include "model/presets/ActionSearch.h"
 #include "model/presets/SetColorTemperatureShortcut.h"
 
+#include <string_view>
 #include <utility>
 
 namespace ambertide {
@@ -15,12 +16,15 @@ namespace {
 constexpr int possibleMatch = 30;
 constexpr int exactMatch = 100;
 
+/// As KRunner names the actions of the desktop entry among applications: of results by one name it shows the first.
+constexpr std::string_view matchPrefix = "applications:me.tovanu.Ambertide.desktop?action=";
+
 void writeMatch(SdBusWriter &reply, const ActionMatch &match)
 {
     reply.container('r', "sssida{sv}", [&] {
-        reply.add(identifier(match.temperature), SetColorTemperatureShortcut{match.temperature}.parameterSummary(),
-                  bus_names::application, match.relevance < 1 ? possibleMatch : exactMatch, match.relevance,
-                  UserInfo());
+        reply.add(std::string(matchPrefix).append(identifier(match.temperature)),
+                  SetColorTemperatureShortcut{match.temperature}.parameterSummary(), bus_names::application,
+                  match.relevance < 1 ? possibleMatch : exactMatch, match.relevance, UserInfo());
     });
 }
 
@@ -51,7 +55,9 @@ struct KRunnerObject::Methods
 
     static const char *run(KRunnerObject &object, SdBusReader &call, SdBusWriter &)
     {
-        const auto preset = colorTemperature(call.text().value_or(""));
+        const auto match = call.text().value_or("");
+        const bool isOurs = match.starts_with(matchPrefix);
+        const auto preset = isOurs ? colorTemperature(match.substr(matchPrefix.size())) : std::nullopt;
         if (!preset)
             return "There is no such match";
         object.m_session.afterMessage([&object, preset] { object.m_perform(*preset); });

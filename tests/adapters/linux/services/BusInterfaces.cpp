@@ -54,24 +54,26 @@ private Q_SLOTS:
         const auto *const runner = "/runner org.kde.krunner1";
         const auto *const search = "/me/tovanu/Ambertide/SearchProvider org.gnome.Shell.SearchProvider2";
         const auto *const application = "/me/tovanu/Ambertide org.freedesktop.Application";
-        for (const auto &[object, call, reply, event] : std::initializer_list<std::array<const char *, 4>>{
-                 {runner, "Match s 3400",
-                  R"~(a(sssida{sv}) 1 "k3400" "Set display temperature to 3400K (Halogen)" )~"
-                  R"~("me.tovanu.Ambertide" 100 1 0)~",
-                  ""},
-                 {runner, "Run ss k2700 any", "", "2700"},
-                 {runner, "Run ss k2750 any", "Call failed: There is no such match", ""},
-                 {search, "GetInitialResultSet as 2 warm tungsten", R"(as 1 "k2700")", ""},
-                 {search, "GetSubsearchResultSet asas 2 k1000 k1900 1 daylight", R"(as 1 "k6500")", ""},
-                 {search, "GetResultMetas as 2 k3400 unknown",
-                  R"~(aa{sv} 1 4 "description" s "Set Color Temperature" "gicon" s "me.tovanu.Ambertide" )~"
-                  R"~("id" s "k3400" "name" s "3400K (Halogen)")~",
-                  ""},
-                 {search, "ActivateResult sasu k1900 1 candle 0", "", "1900"},
-                 {search, "ActivateResult sasu 1900 1 candle 0", "Call failed: There is no such result", ""},
-                 {search, "LaunchSearch asu 1 candle 0", "", "launch"},
-                 {application, "ActivateAction sava{sv} k5500 0 0", "", "5500"},
-                 {application, "ActivateAction sava{sv} k5550 0 0", "Call failed: There is no such action", ""}}) {
+        for (
+            const auto &[object, call, reply, event] : std::initializer_list<std::array<const char *, 4>>{
+                {runner, "Match s 3400",
+                 R"~(a(sssida{sv}) 1 "applications:me.tovanu.Ambertide.desktop?action=k3400" "Set display temperature to 3400K (Halogen)" )~"
+                 R"~("me.tovanu.Ambertide" 100 1 0)~",
+                 ""},
+                {runner, "Run ss applications:me.tovanu.Ambertide.desktop?action=k2700 any", "", "2700"},
+                {runner, "Run ss applications:me.tovanu.Ambertide.desktop?action=k2750 any",
+                 "Call failed: There is no such match", ""},
+                {search, "GetInitialResultSet as 2 warm tungsten", R"(as 1 "k2700")", ""},
+                {search, "GetSubsearchResultSet asas 2 k1000 k1900 1 daylight", R"(as 1 "k6500")", ""},
+                {search, "GetResultMetas as 2 k3400 unknown",
+                 R"~(aa{sv} 1 4 "description" s "Set Color Temperature" "gicon" s "me.tovanu.Ambertide" )~"
+                 R"~("id" s "k3400" "name" s "3400K (Halogen)")~",
+                 ""},
+                {search, "ActivateResult sasu k1900 1 candle 0", "", "1900"},
+                {search, "ActivateResult sasu 1900 1 candle 0", "Call failed: There is no such result", ""},
+                {search, "LaunchSearch asu 1 candle 0", "", "launch"},
+                {application, "ActivateAction sava{sv} k5500 0 0", "", "5500"},
+                {application, "ActivateAction sava{sv} k5550 0 0", "Call failed: There is no such action", ""}}) {
             Exports exports;
             QCOMPARE(
                 busctl(
