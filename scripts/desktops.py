@@ -55,6 +55,7 @@ class Desktop:
     place = None
     environment = {}
     opens_menu = False  # and no panel, at a click
+    title_bar = 0  # of the panel
 
     def __init__(self, name, scale):
         self.name, self.scale = name, scale
@@ -192,8 +193,11 @@ class PlasmaWayland(Plasma):
 
 
 class Gnome(Desktop):
-    environment = {"XDG_CURRENT_DESKTOP": "GNOME", "XDG_SESSION_TYPE": "wayland", "XDG_MENU_PREFIX": "gnome-"}
+    # A mutter in a window dies of a gamma table.
+    environment = {"XDG_CURRENT_DESKTOP": "GNOME", "XDG_SESSION_TYPE": "wayland", "XDG_MENU_PREFIX": "gnome-",
+                   "AMBERTIDE_DISPLAY": "none"}
     extensions = "[]"
+    title_bar = 38
 
     def set(self, schema, key, value):
         subprocess.run(["gsettings", "set", schema, key, value], check=True)
@@ -224,7 +228,7 @@ class Gnome(Desktop):
 
 
 class GnomeWithExtension(Gnome):
-    place = 100, 16
+    place = 72, 16
     extensions = "['ubuntu-appindicators@ubuntu.com']"
     opens_menu = True
 
@@ -257,6 +261,7 @@ class Labwc(Sway):
         output("wlr-randr", "--output", "X11-1", "--custom-mode", f"{WIDTH}x{HEIGHT}", "--scale", str(self.scale))
         self.start("swaybg", "-c", "#35608a")
         self.start("waybar", "-c", str(self.home / "waybar.json"))
+        wait_until(lambda: is_on_bus("org.kde.StatusNotifierWatcher"), "there is no panel")
         time.sleep(4)
 
 
@@ -297,7 +302,7 @@ def use(desktop, scale_only=False):
         opened = desktop.picture("scale" if scale_only else "click")
     panel = changed_area(before, opened)
     x, y, width, height = panel
-    is_panel = abs(width - 300 * desktop.scale) < 60 * desktop.scale and 150 < height / desktop.scale < 330
+    is_panel = abs(width - 300 * desktop.scale) < 60 * desktop.scale and 150 < height / desktop.scale < 340
     described = f"{width}x{height} at {x},{y}"
     if scale_only:
         return {"scale 1.5": described if is_panel else f"no panel ({described})"}
@@ -306,7 +311,7 @@ def use(desktop, scale_only=False):
         output(str(PROGRAMS / "Ambertide"))
         panel = changed_area(before, desktop.picture("started-again"))
         x, y, width, height = panel
-    middle = y + (96 if desktop.place else height - 116)
+    middle = y + desktop.title_bar + 98
     desktop.xdotool("mousemove", x + width - 27, middle, "mousedown", 1)
     for part in range(20, 7, -1):
         desktop.xdotool("mousemove", x + 16 + round((width - 43) * part / 20), middle)

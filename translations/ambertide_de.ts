@@ -25,6 +25,55 @@
     </message>
 </context>
 <context>
+    <name>ambertide::ActionSearch</name>
+    <message>
+        <source>warmest</source>
+        <extracomment>What people type to find a temperature: words in lower case, separated by spaces, as many as the language has.</extracomment>
+        <translation>wärmste wärmstes</translation>
+    </message>
+    <message>
+        <source>warm</source>
+        <translation>warm warmes</translation>
+    </message>
+    <message>
+        <source>candle candles candlelight</source>
+        <translation>kerze kerzen kerzenlicht kerzenschein</translation>
+    </message>
+    <message>
+        <source>tungsten incandescent</source>
+        <translation>glühlampe glühbirne glühlicht wolfram</translation>
+    </message>
+    <message>
+        <source>halogen</source>
+        <translation>halogen halogenlampe halogenlicht</translation>
+    </message>
+    <message>
+        <source>fluorescent flourescent florescent flurescent fluorecent</source>
+        <translation>leuchtstofflampe leuchtstoffröhre neonröhre neonlicht</translation>
+    </message>
+    <message>
+        <source>sunlight sunshine</source>
+        <translation>sonnenlicht sonnenschein</translation>
+    </message>
+    <message>
+        <source>daylight neutral</source>
+        <translation>tageslicht neutral</translation>
+    </message>
+    <message>
+        <source>normal coolest coldest</source>
+        <translation>normal kälteste kühlste</translation>
+    </message>
+    <message>
+        <source>cool cold</source>
+        <translation>kalt kaltes kühl kühles</translation>
+    </message>
+    <message>
+        <source>ambertide bulb change color colour display displays in k kelvin lamp light make monitor monitors my please screen screens set switch temperature the tint to turn white with</source>
+        <extracomment>Words of a request that say nothing about the value, in lower case, separated by spaces.</extracomment>
+        <translation>ambertide auf bildschirm bildschirme bitte das den der die ein einstellen farbe farbtemperatur in kelvin k lampe licht mein meine meinen mit monitor monitore setze setzen stelle stellen temperatur ändere ändern weiß zu</translation>
+    </message>
+</context>
+<context>
     <name>ambertide::CLIInstaller</name>
     <message>
         <source>Unknown error</source>
@@ -45,6 +94,37 @@
     <message>
         <source>Failed to create installation script</source>
         <translation>Das Installationsskript konnte nicht erstellt werden</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::ColorTemperature</name>
+    <message>
+        <source>Warmest</source>
+        <translation>am wärmsten</translation>
+    </message>
+    <message>
+        <source>Candle</source>
+        <translation>Kerze</translation>
+    </message>
+    <message>
+        <source>Tungsten</source>
+        <translation>Glühlampe</translation>
+    </message>
+    <message>
+        <source>Halogen</source>
+        <translation>Halogen</translation>
+    </message>
+    <message>
+        <source>Flourescent</source>
+        <translation>Leuchtstofflampe</translation>
+    </message>
+    <message>
+        <source>Sunlight</source>
+        <translation>Sonnenlicht</translation>
+    </message>
+    <message>
+        <source>Daylight</source>
+        <translation>Tageslicht</translation>
     </message>
 </context>
 <context>
@@ -106,6 +186,10 @@
     <message>
         <source>Quit Ambertide</source>
         <translation>Ambertide beenden</translation>
+    </message>
+    <message>
+        <source>This desktop shows no tray icons. Start Ambertide again to open this panel.</source>
+        <translation>Dieser Desktop zeigt keine Symbole in der Leiste. Starten Sie Ambertide erneut, um dieses Fenster zu öffnen.</translation>
     </message>
 </context>
 <context>
@@ -350,6 +434,25 @@
     </message>
 </context>
 <context>
+    <name>ambertide::SetColorTemperatureShortcut</name>
+    <message>
+        <source>Set Color Temperature</source>
+        <translation>Farbtemperatur einstellen</translation>
+    </message>
+    <message>
+        <source>Set display temperature to %1</source>
+        <translation>Bildschirme auf %1 einstellen</translation>
+    </message>
+    <message>
+        <source>Set display temperature to %1 in %2</source>
+        <translation>Bildschirme mit %2 auf %1 einstellen</translation>
+    </message>
+    <message>
+        <source>Change %2 temperature to %1</source>
+        <translation>Temperatur von %2 auf %1 ändern</translation>
+    </message>
+</context>
+<context>
     <name>ambertide::SettingsView</name>
     <message>
         <source>Ambertide Settings</source>
@@ -567,6 +670,13 @@
     <message>
         <source>Could not check for updates</source>
         <translation>Die Suche nach Updates ist nicht gelungen</translation>
+    </message>
+</context>
+<context>
+    <name>ambertide::XdgLoginItem</name>
+    <message>
+        <source>Tint every display to a color temperature</source>
+        <translation>Alle Bildschirme auf eine Farbtemperatur einstellen</translation>
     </message>
 </context>
 </TS>

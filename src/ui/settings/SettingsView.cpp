@@ -2,12 +2,12 @@
 
 #include "ui/controls/Drawing.h"
 #include "ui/controls/Page.h"
+#include "ui/controls/ScreenRoom.h"
 #include "ui/controls/Sheet.h"
 #include "ui/controls/TextStyle.h"
 #include "ui/settings/ScheduleSettingsView.h"
 
 #include <QCloseEvent>
-#include <QScreen>
 #include <QShortcut>
 #include <QShowEvent>
 #include <QStackedWidget>
@@ -116,7 +116,7 @@ void SettingsView::moveEvent(QMoveEvent *) { fit(); }
 
 void SettingsView::fit()
 {
-    const QRect available = screen()->availableGeometry();
+    const QRect available = roomOnScreen(*this);
     const QSize room = available.size() - (frameGeometry().size() - size());
     QSize wanted(std::max(windowWidth, layout()->minimumSize().width()),
                  qRound(smallestHeight * std::max(1.0, textScale())));

@@ -3,6 +3,7 @@
 #include "ui/controls/Button.h"
 #include "ui/controls/Card.h"
 #include "ui/controls/ProgressBar.h"
+#include "ui/controls/ScreenRoom.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/updates/ReleaseNotesView.h"
 #include "ui/updates/UpdateFailureText.h"
@@ -10,7 +11,6 @@
 
 #include <QEvent>
 #include <QLocale>
-#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -91,7 +91,7 @@ void UpdateWindow::showState()
 
 void UpdateWindow::fit()
 {
-    const QSize room = screen()->availableSize();
+    const QSize room = roomOnScreen(*this).size();
     const int wanted = std::max(qRound(usualWidth * textScale()), layout()->minimumSize().width());
     const int width = std::min(wanted, room.width());
     // A layout's minimum height does not take in the lines of wrapped sentences.
