@@ -59,6 +59,8 @@ class Desktop:
 
     def __init__(self, name, scale):
         self.name, self.scale = name, scale
+        self.pixels = scale  # for each logical one
+        self.width = WIDTH
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="desktop-"))
         for variable in list(os.environ):
             if variable.startswith(("DBUS_", "DISPLAY", "QT_", "WAYLAND_", "XDG_")):
@@ -120,7 +122,7 @@ class Desktop:
 
     def icon(self):
         right, down = self.place
-        return WIDTH - right * self.scale, (down * self.scale) % HEIGHT
+        return self.width - right * self.pixels, (down * self.pixels) % HEIGHT
 
     def picture(self, step):
         time.sleep(1.5)
@@ -142,7 +144,7 @@ class Desktop:
             self.click(*self.icon())
         if self.opens_menu:
             time.sleep(1)
-            self.click(self.icon()[0] - 10, self.icon()[1] + 40 * self.scale)
+            self.click(self.icon()[0] - 10, self.icon()[1] + 40 * self.pixels)
 
     def close_panel(self):
         self.xdotool("key", "Escape")
@@ -203,6 +205,7 @@ class Gnome(Desktop):
         subprocess.run(["gsettings", "set", schema, key, value], check=True)
 
     def start_desktop(self):
+        self.pixels, self.width = 1, WIDTH / self.scale  # a mutter in a window draws no larger, but on less room
         self.start("python3", "-m", "dbusmock", "--template", "logind")
         time.sleep(2)
         self.set("org.gnome.shell", "welcome-dialog-last-shown-version", "99")
@@ -302,7 +305,7 @@ def use(desktop, scale_only=False):
         opened = desktop.picture("scale" if scale_only else "click")
     panel = changed_area(before, opened)
     x, y, width, height = panel
-    is_panel = abs(width - 300 * desktop.scale) < 60 * desktop.scale and 150 < height / desktop.scale < 340
+    is_panel = abs(width / desktop.pixels - 300) < 60 and 150 < height / desktop.pixels < 340
     described = f"{width}x{height} at {x},{y}"
     if scale_only:
         return {"scale 1.5": described if is_panel else f"no panel ({described})"}

@@ -3,6 +3,7 @@
 #include "base/Observation.h"
 
 #include <functional>
+#include <string>
 
 namespace ambertide {
 
@@ -18,6 +19,9 @@ public:
     virtual ColorScheme colorScheme() const = 0;
     virtual bool prefersHighContrast() const = 0;
     virtual bool prefersReducedMotion() const = 0;
+    /// Family, styles and points of what the user has set since the start, as in "Noto Sans Bold 12", where the toolkit
+    /// does not follow such changes; else empty.
+    virtual std::string changedFont() const = 0;
 
     /// `changed` is called after any of them changed.
     virtual Observation observe(std::function<void()> changed) = 0;

@@ -8,8 +8,34 @@
 #include <QTimer>
 
 #include <chrono>
+#include <optional>
 
 namespace ambertide {
+
+namespace {
+
+/// Of a description as in "Noto Sans Bold 12"; nothing without a size in points.
+std::optional<QFont> fontDescribed(const QString &description)
+{
+    auto words = description.split(u' ', Qt::SkipEmptyParts);
+    const double size = words.isEmpty() ? 0 : words.takeLast().toDouble();
+    if (!(size > 0 && size < 100))
+        return std::nullopt;
+    QFont font;
+    font.setPointSizeF(size);
+    const QStringList styles = {QStringLiteral("Regular"), QStringLiteral("Medium"), QStringLiteral("Bold"),
+                                QStringLiteral("Italic"), QStringLiteral("Oblique")};
+    while (words.size() > 1 && styles.contains(words.constLast())) {
+        const auto style = words.takeLast();
+        font.setBold(font.bold() || style == QLatin1String("Bold"));
+        font.setItalic(font.italic() || style == QLatin1String("Italic") || style == QLatin1String("Oblique"));
+    }
+    if (!words.isEmpty())
+        font.setFamily(words.join(u' ').remove(u','));
+    return font;
+}
+
+} // namespace
 
 AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(appearance)
 {
@@ -45,6 +71,9 @@ void AppearanceFollower::follow()
     if (m_style.isNull())
         return; // the next one will follow
     m_style->setMotionReduced(m_appearance.prefersReducedMotion());
+    const auto font = fontDescribed(QString::fromStdString(m_appearance.changedFont()));
+    if (font && *font != QApplication::font())
+        QApplication::setFont(*font);
     const bool isHighContrast = m_appearance.prefersHighContrast();
     const auto scheme = m_appearance.colorScheme();
     const bool isAnyWelcome = scheme == Appearance::ColorScheme::NoPreference;

@@ -17,11 +17,13 @@ class AppearanceFollowerTest : public QObject
         ColorScheme colorScheme() const override { return ColorScheme::NoPreference; }
         bool prefersHighContrast() const override { return false; }
         bool prefersReducedMotion() const override { return isMotionReduced; }
+        std::string changedFont() const override { return font; }
         Observation observe(std::function<void()> observer) override
         {
             return changed = std::move(observer), Observation();
         }
         bool isMotionReduced = false;
+        std::string font;
         std::function<void()> changed;
     };
 
@@ -78,10 +80,13 @@ private Q_SLOTS:
         const AppearanceFollower follower(appearance);
         QApplication::setStyle(QStringLiteral("Fusion"));
         appearance.isMotionReduced = true;
+        appearance.font = "Noto Sans, Bold 17.5";
         appearance.changed();
         QCoreApplication::processEvents();
         auto *style = qobject_cast<HouseStyle *>(QApplication::style());
         QVERIFY(style != nullptr);
+        const auto font = QApplication::font();
+        QVERIFY(font.family() == QStringLiteral("Noto Sans") && font.bold() && font.pointSizeF() == 17.5);
         QCOMPARE(style->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, nullptr, nullptr), 0);
     }
 };

@@ -44,6 +44,12 @@ PortalAppearance::PortalAppearance(DBusSession &session) : m_session(session)
                                                       {"arg0", group},
                                                       {"arg1", key}}),
                                           [this](sd_bus_message *signal) { noteChange(signal); }));
+    m_matches.push_back(session.match(signalRule({{"sender", "org.xfce.Xfconf"},
+                                                  {"interface", "org.xfce.Xfconf"},
+                                                  {"member", "PropertyChanged"},
+                                                  {"arg0", "xsettings"},
+                                                  {"arg1", "/Gtk/FontName"}}),
+                                      [this](sd_bus_message *signal) { noteXfceFont(signal); }));
     m_matches.push_back(session.watchName(portalName, [this](bool isOwned) {
         if (isOwned)
             askForAll();
@@ -86,6 +92,17 @@ void PortalAppearance::noteChange(sd_bus_message *signal)
     updateLook();
 }
 
+void PortalAppearance::noteXfceFont(sd_bus_message *signal)
+{
+    SdBusReader reader(signal);
+    const auto value = reader.text() && reader.text() ? reader.variant() : std::nullopt;
+    const auto *font = value ? std::get_if<std::string>(&*value) : nullptr;
+    if (font == nullptr)
+        return;
+    m_xfceFont = *font;
+    updateLook();
+}
+
 void PortalAppearance::updateLook()
 {
     const auto number = [this](const Setting &setting) { return integerValue(m_settings[setting.group], setting.key); };
@@ -99,6 +116,7 @@ void PortalAppearance::updateLook()
         look.colorScheme = scheme == 1 ? ColorScheme::Dark : ColorScheme::Light;
     look.isHighContrast = number(contrastSetting) == 1 || is(highContrastSetting, true);
     look.isMotionReduced = number(reducedMotionSetting) == 1 || is(animationsSetting, false);
+    look.changedFont = m_xfceFont;
     if (std::exchange(m_look, look) != look)
         m_session.afterMessage([this] { m_observers.notify(); });
 }

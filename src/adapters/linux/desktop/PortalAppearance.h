@@ -13,8 +13,8 @@
 namespace ambertide {
 
 /// The look as the desktop portal has it: in its own settings and, because older portals have only one of those, in
-/// GNOME's. A portal is asked for all of them at the start and whenever one appears; after that only changes of these
-/// settings are sent here.
+/// GNOME's; and Xfce's font, which the toolkit reads only once. A portal is asked for all of them at the start and
+/// whenever one appears; after that only changes of these settings are sent here.
 class PortalAppearance final : public Appearance
 {
 public:
@@ -26,6 +26,7 @@ public:
     ColorScheme colorScheme() const override { return m_look.colorScheme; }
     bool prefersHighContrast() const override { return m_look.isHighContrast; }
     bool prefersReducedMotion() const override { return m_look.isMotionReduced; }
+    std::string changedFont() const override { return m_look.changedFont; }
     Observation observe(std::function<void()> changed) override;
 
 private:
@@ -34,16 +35,19 @@ private:
         ColorScheme colorScheme = ColorScheme::NoPreference;
         bool isHighContrast = false;
         bool isMotionReduced = false;
+        std::string changedFont;
         bool operator==(const Look &) const = default;
     };
 
     void askForAll();
     void noteAll(sd_bus_message *reply);
     void noteChange(sd_bus_message *signal);
+    void noteXfceFont(sd_bus_message *signal);
     void updateLook();
 
     DBusSession &m_session;
     Observers<> m_observers;
+    std::string m_xfceFont;
     std::map<std::string, UserInfo, std::less<>> m_settings; ///< by their namespaces
     Look m_look;
     std::vector<Observation> m_matches;

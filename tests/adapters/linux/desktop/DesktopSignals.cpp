@@ -71,7 +71,7 @@ private Q_SLOTS:
             const char *schemes[] = {"any", "light", "dark"};
             return std::string(schemes[static_cast<int>(appearance.colorScheme())]) +
                    (appearance.prefersHighContrast() ? " contrast" : "") +
-                   (appearance.prefersReducedMotion() ? " still" : "");
+                   (appearance.prefersReducedMotion() ? " still" : "") + appearance.changedFont();
         };
         QCOMPARE(look(), "any");
         auto portal = std::make_unique<Portal>();
@@ -86,6 +86,10 @@ private Q_SLOTS:
         QCOMPARE(changes, 4);
         portal->announce(appearanceGroup, "color-scheme", "s", "dark");
         QTRY_COMPARE(look(), "any still");
+        Service xfconf(SdBusKind::session, "org.xfce.Xfconf");
+        sd_bus_emit_signal(xfconf.bus.get(), "/org/xfce/Xfconf", "org.xfce.Xfconf", "PropertyChanged", "ssv",
+                           "xsettings", "/Gtk/FontName", "s", " Sans 12");
+        QTRY_COMPARE(look(), "any still Sans 12");
         portal.reset();
         portal = std::make_unique<Portal>();
         portal->answer("s", "of another shape");
@@ -94,7 +98,7 @@ private Q_SLOTS:
         portal = std::make_unique<Portal>();
         portal->answer("a{sa{sv}}", 2, appearanceGroup, 1, "reduced-motion", "u", 1, "org.gnome.desktop.a11y.interface",
                        1, "high-contrast", "b", 1);
-        QTRY_COMPARE(look(), "any contrast still");
+        QTRY_COMPARE(look(), "any contrast still Sans 12");
     }
 
     void aSleepWakesItsObserversOnce()
