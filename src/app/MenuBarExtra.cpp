@@ -170,7 +170,7 @@ Task MenuBarExtra::onMainAfter(std::chrono::nanoseconds delay, void (MenuBarExtr
 void MenuBarExtra::updateMenu()
 {
     std::vector<TrayMenuItem> menu = {{.text = tr("Settings...").toStdString(), .activate = m_ports.openSettings}};
-    if (m_ports.updater.isConfigured())
+    if (m_ports.updater.isBuiltIn())
         menu.push_back({.text = tr("Check for Updates...").toStdString(),
                         .isEnabled = m_ports.updater.canCheckForUpdates(),
                         .activate = [this] { m_ports.updater.checkForUpdates(); }});

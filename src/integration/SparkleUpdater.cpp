@@ -15,6 +15,8 @@ SparkleUpdater::SparkleUpdater(const UpdaterControllerFactory &createController,
     : m_updaterController(createController()), m_defaults(defaults),
       m_automaticallyChecksForUpdates(defaults.boolValue(autoUpdateKey))
 {
+    if (!isBuiltIn())
+        return;
     m_updaterController->setAutomaticallyChecksForUpdates(m_automaticallyChecksForUpdates);
     m_updaterController->setUpdateCheckInterval(secondsPerDay);
     m_canCheckForUpdates = true;
@@ -22,10 +24,18 @@ SparkleUpdater::SparkleUpdater(const UpdaterControllerFactory &createController,
 
 void SparkleUpdater::setAutomaticallyChecksForUpdates(bool isOn)
 {
+    if (!isBuiltIn())
+        return;
     m_observers.notify();
     m_automaticallyChecksForUpdates = isOn;
     m_updaterController->setAutomaticallyChecksForUpdates(isOn);
     m_defaults.setBool(autoUpdateKey, isOn);
+}
+
+void SparkleUpdater::checkForUpdates()
+{
+    if (isBuiltIn())
+        m_updaterController->checkForUpdates();
 }
 
 } // namespace ambertide

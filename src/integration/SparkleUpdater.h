@@ -18,14 +18,16 @@ public:
     /// `defaults` must outlive it.
     SparkleUpdater(const UpdaterControllerFactory &createController, UserDefaults &defaults);
 
+    /// Whether the build has an updater at all. Without one nothing below has an effect.
+    bool isBuiltIn() const { return m_updaterController != nullptr; }
     /// True as soon as the object exists, whatever the controller can do: a manual check explains what is wrong.
     bool canCheckForUpdates() const { return m_canCheckForUpdates; }
     bool automaticallyChecksForUpdates() const { return m_automaticallyChecksForUpdates; }
     void setAutomaticallyChecksForUpdates(bool isOn);
 
     /// Whether this build can check at all: it names a feed and a key.
-    bool isConfigured() const { return m_updaterController->canCheckForUpdates(); }
-    void checkForUpdates() { m_updaterController->checkForUpdates(); }
+    bool isConfigured() const { return isBuiltIn() && m_updaterController->canCheckForUpdates(); }
+    void checkForUpdates();
 
     /// `willChange` is called before a property changes.
     Observation observe(std::function<void()> willChange) { return m_observers.observe(std::move(willChange)); }

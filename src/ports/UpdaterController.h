@@ -24,7 +24,7 @@ public:
     virtual bool canCheckForUpdates() const = 0;
 };
 
-/// Creates a controller that has started.
+/// Creates a controller that has started; none in a build without an updater.
 using UpdaterControllerFactory = std::function<std::unique_ptr<UpdaterController>()>;
 
 } // namespace ambertide
