@@ -4,6 +4,7 @@ The windows stand on a plain desktop, in one font, at one time of day, whatever 
 tells the application whether the command-line tool is installed.
 """
 
+import base64
 import json
 import os
 import pathlib
@@ -47,9 +48,14 @@ def take(name, window=None):
 
 
 def start(tool=":"):
-    """The folder of the command-line tool is empty, but for what that command puts there."""
+    """The folder of the command-line tool is empty, but for what that command puts there. The bundle has a key."""
+    plist = desktop.bundle / "Contents/Info.plist"
+    keyed = desktop.home / "Info.plist"
+    key = base64.b64encode(bytes(32)).decode()
+    keyed.write_text(plist.read_text().replace("<string></string>", f"<string>{key}</string>"))
     desktop.start_application("unshare", "--mount", "--map-root-user", "sh", "-c",
-                              f'mount -t tmpfs none /usr/local/bin && {tool} && exec "$@"', "sh",
+                              f'mount -t tmpfs none /usr/local/bin && mount --bind {keyed} {plist} && {tool} && '
+                              'exec "$@"', "sh",
                               **desktop.clock("2026-06-15 21:30:00"))
     desktop.wait_for_icon()
 

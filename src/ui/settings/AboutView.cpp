@@ -39,12 +39,13 @@ QUrl webPage(const MainBundle &bundle)
 
 } // namespace
 
-AboutView::AboutView(const MainBundle &bundle) : m_checkForUpdates(new Button(tr("Check for Updates...")))
+AboutView::AboutView(const MainBundle &bundle, bool hasFeed) : m_checkForUpdates(new Button(tr("Check for Updates...")))
 {
     const QUrl page = webPage(bundle);
     auto *link =
         new Button(tr("Web page"), {.kind = Button::Kind::Icon, .symbol = symbols::link, .ink = &Theme::accent});
     link->setEnabled(page.isValid());
+    m_checkForUpdates->setVisible(hasFeed);
     connect(link, &Button::clicked, this, [page] { QDesktopServices::openUrl(page); });
     connect(m_checkForUpdates, &Button::clicked, this, &AboutView::checkForUpdatesPressed);
 
@@ -79,10 +80,6 @@ AboutView::AboutView(const MainBundle &bundle) : m_checkForUpdates(new Button(tr
     setTabOrder(link, m_checkForUpdates);
 }
 
-void AboutView::setCanCheckForUpdates(bool canCheck)
-{
-    m_checkForUpdates->setEnabled(canCheck);
-    m_checkForUpdates->setVisible(canCheck); // it could never do anything
-}
+void AboutView::setCanCheckForUpdates(bool canCheck) { m_checkForUpdates->setEnabled(canCheck); }
 
 } // namespace ambertide

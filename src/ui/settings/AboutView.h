@@ -14,7 +14,8 @@ class AboutView final : public QWidget
     Q_OBJECT
 
 public:
-    explicit AboutView(const MainBundle &bundle);
+    /// Without a feed there is nothing to check for updates.
+    AboutView(const MainBundle &bundle, bool hasFeed);
 
     void setCanCheckForUpdates(bool canCheck);
 

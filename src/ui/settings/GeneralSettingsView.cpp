@@ -38,7 +38,8 @@ GeneralSettingsView::GeneralSettingsView(SettingsViewModel &viewModel, const Set
       m_sparkleUpdater(ports.createUpdaterController, ports.userDefaults),
       m_updaterObservation(
           m_sparkleUpdater.observe([this] { QTimer::singleShot(0, this, &GeneralSettingsView::refresh); })),
-      m_cliInstalled(ports.installer.isInstalled()), m_about(new AboutView(ports.mainBundle)),
+      m_cliInstalled(ports.installer.isInstalled()),
+      m_about(new AboutView(ports.mainBundle, m_sparkleUpdater.hasFeed())),
       m_launchAtLogin(new SwitchRow(tr("Start at login"), SwitchRow::Kind::Form)),
       m_automaticallyCheckForUpdates(new SwitchRow(tr("Automatically check for updates"), SwitchRow::Kind::Form)),
       m_commandLineTool(new CommandLineToolView)
@@ -56,6 +57,7 @@ GeneralSettingsView::GeneralSettingsView(SettingsViewModel &viewModel, const Set
     column->addWidget(tool);
     column->addStretch();
 
+    m_automaticallyCheckForUpdates->setVisible(m_sparkleUpdater.hasFeed());
     m_commandLineTool->setInstalled(m_cliInstalled);
     refresh();
     connect(m_about, &AboutView::checkForUpdatesPressed, this, [this] { m_sparkleUpdater.checkForUpdates(); });
@@ -72,7 +74,6 @@ GeneralSettingsView::GeneralSettingsView(SettingsViewModel &viewModel, const Set
 void GeneralSettingsView::refresh()
 {
     m_about->setCanCheckForUpdates(m_sparkleUpdater.canCheckForUpdates());
-    m_automaticallyCheckForUpdates->setVisible(m_sparkleUpdater.canCheckForUpdates());
     m_launchAtLogin->setChecked(m_viewModel.launchAtLogin());
     m_automaticallyCheckForUpdates->setChecked(m_sparkleUpdater.automaticallyChecksForUpdates());
 }

@@ -177,6 +177,16 @@ private Q_SLOTS:
         QLocale::setDefault(QLocale::c());
     }
 
+    void theEditorsSheetLeavesTheWindowAsItIs()
+    {
+        Bench bench;
+        bench.openSchedule(1);
+        const QSize former = bench.window->size();
+        bench.button("Edit 12:00 AM")->click();
+        QCOMPARE(bench.sheet()->findChild<Page *>()->size(), QSize(400, 300));
+        QCOMPARE(bench.window->size(), former);
+    }
+
     void theSwitchesReachTheSystem()
     {
         Bench bench;
