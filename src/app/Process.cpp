@@ -10,8 +10,10 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -64,6 +66,14 @@ void openStandardDescriptors()
         close(opened);
 }
 
+/// Of memory and threads there may be too little at any moment. The guardian gives the displays back.
+[[noreturn]] void giveUp()
+{
+    constexpr std::string_view line = "Ambertide ends: the system refuses it memory, threads or another resource.\n";
+    [[maybe_unused]] const auto length = write(STDERR_FILENO, line.data(), line.size());
+    std::_Exit(EXIT_FAILURE);
+}
+
 void confineEndingSignals()
 {
     const auto ending = endingSignals();
@@ -84,14 +94,16 @@ void confineEndingSignals()
 void prepare()
 {
     openStandardDescriptors();
+    std::set_terminate(giveUp);
     confineEndingSignals();
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGCHLD, SIG_DFL); // whoever started this may have ignored it, and then no child's end can be learned
-    std::atexit(doLastWork);
 }
 
 void setLastWork(std::function<void()> work)
 {
+    // Not sooner: it comes before the end of what libraries have made by now, and so may use them.
+    [[maybe_unused]] static const int registration = std::atexit(doLastWork);
     const std::scoped_lock lock(lastWork().lock);
     lastWork().work = std::move(work);
 }

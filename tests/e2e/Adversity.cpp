@@ -1,4 +1,5 @@
 #include "adapters/linux/bus/DBusNotificationCenter.h"
+#include "adapters/qt/SettingsUserDefaults.h"
 #include "e2e/ApplicationProcess.h"
 #include "protocol/Notifications.h"
 
@@ -126,7 +127,8 @@ private Q_SLOTS:
         QCOMPARE(runTool("get"), QByteArray("4000\n"));
         session.server.stop();
         QVERIFY(application.waitForEnd() != -1000);
-        QVERIFY(session.settings().contains("Ambertide.Temperature=4000")); // though it was about to be written
+        // It was about to be written.
+        QCOMPARE(SettingsUserDefaults(session.settingsPath()).doubleValue("Ambertide.Temperature"), 4000.0);
     }
 };
 

@@ -53,11 +53,6 @@ public:
     bool isRestored() { return m_client.showsIdentityEverywhere(); }
 
     QString settingsPath() const { return m_home.filePath(QStringLiteral("ambertide/defaults.ini")); }
-    QByteArray settings() const
-    {
-        QFile file(settingsPath());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
     void writeSettings(const char *content)
     {
         const std::filesystem::path path = settingsPath().toStdString();

@@ -103,19 +103,6 @@ private Q_SLOTS:
         }
     }
 
-    void aFloodOfRequestsDoesNotBlockTheMainThreadForEachOfThem()
-    {
-        Bench bench(5000);
-        const auto before = bench.executor.now();
-        for (int i = 0; i < 10'000; ++i)
-            bench.request(kelvin(std::int64_t{2000 + 100 * (i % 40)}));
-        bench.executor.runReady();
-        QVERIFY(bench.executor.now() - before < 1s);
-        bench.executor.advance(5s);
-        QVERIFY(bench.isShown(2000 + 100 * (9'999 % 40)));
-        QVERIFY(bench.executor.sleeperCount() <= 2);
-    }
-
     void aRequestThatWasDroppedDuringARampIsMadeAgain()
     {
         Bench bench(3400);
@@ -129,16 +116,6 @@ private Q_SLOTS:
         bench.nudge();
         bench.executor.advance(5s);
         QVERIFY(bench.isShown(3400));
-    }
-
-    void anEntryWithoutANumberStartsNothing()
-    {
-        Bench bench(6500);
-        bench.storeSchedule({entry(0, 1.797e308)});
-        bench.model->setScheduleEnabled(true);
-        bench.nudge();
-        bench.executor.advance(70s);
-        QVERIFY(bench.displays.takeWrites().empty());
     }
 
     void theScheduleIsFollowedByBothTriggers()

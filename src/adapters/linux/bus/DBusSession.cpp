@@ -7,6 +7,7 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <memory>
 #include <string>
@@ -39,22 +40,22 @@ std::string nameOf(SdBusKind kind) { return kind == SdBusKind::session ? "sessio
 
 } // namespace
 
-DBusSession::DBusSession(SdBusKind kind, std::chrono::milliseconds retryInterval) : m_kind(kind)
+DBusSession::DBusSession(SdBusKind kind, std::chrono::milliseconds longestPause)
+    : m_kind(kind), m_longestPause(longestPause)
 {
     QObject::connect(&m_readable, &QSocketNotifier::activated, &m_readable, [this] { processMessages(); });
     QObject::connect(&m_writable, &QSocketNotifier::activated, &m_writable, [this] { processMessages(); });
     m_nextTurn.setSingleShot(true);
     QObject::connect(&m_nextTurn, &QTimer::timeout, &m_nextTurn, [this] { processMessages(); });
-    m_retry.setInterval(retryInterval);
     m_retry.setSingleShot(true);
     QObject::connect(&m_retry, &QTimer::timeout, &m_retry, [this] {
         if (!connect())
-            m_retry.start();
+            retryLater();
     });
     if (!connect()) {
         console::print(absenceOf(kind));
         m_isLost = true;
-        m_retry.start();
+        retryLater();
     }
 }
 
@@ -178,7 +179,7 @@ void DBusSession::noteLoss()
     for (auto &[number, installation] : m_installations)
         installation.slot.reset();
     m_bus.reset();
-    m_retry.start();
+    retryLater();
     if (!std::exchange(m_isLost, true))
         console::print("Lost the " + nameOf(m_kind) + "; trying to reach it again");
 }
@@ -187,8 +188,17 @@ void DBusSession::noteReturn()
 {
     if (m_isLost && m_bus && sd_bus_is_ready(m_bus.get()) > 0) {
         m_isLost = false;
+        m_retries = 0;
         console::print("The " + nameOf(m_kind) + " is back");
     }
+}
+
+void DBusSession::retryLater()
+{
+    using namespace std::chrono_literals;
+    constexpr std::array<std::chrono::milliseconds, 6> pauses = {200ms, 500ms, 1s, 2s, 5s, 10s};
+    const auto pause = pauses[std::min(m_retries++, pauses.size() - 1)];
+    m_retry.start(std::min(pause, m_longestPause));
 }
 
 void DBusSession::scheduleNextTurn()

@@ -19,12 +19,12 @@ namespace ambertide {
 /// The application's connection to one bus, served by Qt's event loop: it wakes up for messages and for nothing else.
 ///
 /// Main thread. Connecting does not wait for the bus. A bus that is not there, at the start or later, is
-/// tried again every `retryInterval`, with one line each time it goes and comes back; what was installed is installed
-/// again.
+/// tried again, first after 200 ms and then in growing pauses of up to `longestPause`, with one line each time it goes
+/// and comes back; what was installed is installed again.
 class DBusSession
 {
 public:
-    explicit DBusSession(SdBusKind kind, std::chrono::milliseconds retryInterval = std::chrono::seconds(10));
+    explicit DBusSession(SdBusKind kind, std::chrono::milliseconds longestPause = std::chrono::seconds(10));
 
     /// Puts something (a match, an object, a name) on a connection; what is returned is let go with the registration or
     /// the connection. Called at once and again for each new connection, from which the bus may not have answered yet:
@@ -69,6 +69,7 @@ private:
     void processMessages();
     void noteLoss();
     void noteReturn();
+    void retryLater();
     void scheduleNextTurn();
     void watch(QSocketNotifier &notifier, bool isWanted);
 
@@ -81,6 +82,8 @@ private:
     QSocketNotifier m_writable{QSocketNotifier::Write};
     QTimer m_nextTurn;
     QTimer m_retry;
+    const std::chrono::milliseconds m_longestPause;
+    std::size_t m_retries = 0; ///< since the bus has last answered
     bool m_isLost = false;
 };
 

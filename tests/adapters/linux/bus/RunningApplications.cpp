@@ -1,10 +1,8 @@
 #include "adapters/linux/bus/DBusNotificationCenter.h"
 #include "adapters/linux/bus/DBusRunningApplications.h"
 #include "adapters/linux/services/DBusApplicationObject.h"
-#include "support/CapturedConsole.h"
 #include "support/PrivateBus.h"
 
-#include <QElapsedTimer>
 #include <QTest>
 
 using namespace ambertide;
@@ -68,18 +66,6 @@ private Q_SLOTS:
         second.applications.activate(found.back());
         QTRY_COMPARE(events.size(), 3U);
         QCOMPARE(events, (std::vector<std::string>{"activate token", "settings old token", "activate "}));
-    }
-
-    void withoutABusThatAnswersThisCopyIsAloneWithinASecond()
-    {
-        const CapturedConsole console;
-        m_bus.freeze();
-        QElapsedTimer timer;
-        timer.start();
-        QCOMPARE(Copy().found(), 1U);
-        QVERIFY(timer.elapsed() < 1000);
-        QCOMPARE(console.lines.size(), 1U);
-        m_bus.thaw();
     }
 };
 
