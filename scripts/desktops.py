@@ -126,14 +126,15 @@ class Desktop:
 
     def picture(self, step):
         time.sleep(1.5)
-        file = RESULTS / f"{self.name}-{next(self.pictures)}-{step.replace(' ', '-')}.png"
+        name = self.name if self.scale == 1 else f"{self.name}-scaled"
+        file = RESULTS / f"{name}-{next(self.pictures)}-{step.replace(' ', '-')}.png"
         subprocess.run(["import", "-silent", "-window", "root", file], env={**os.environ, "DISPLAY": self.display})
         return file
 
     def application(self):
         self.ambertide = self.start(str(PROGRAMS / "Ambertide"), log="application.log")
         wait_until(lambda: is_on_bus("me.tovanu.Ambertide"), "the application does not come up")
-        time.sleep(7)  # until a desktop without icons is known for one
+        time.sleep(7 if self.place else 15)  # until a desktop without icons is known for one
 
     def call(self, action):
         output("busctl", "--user", "--auto-start=no", "call", "me.tovanu.Ambertide", "/me/tovanu/Ambertide",
@@ -210,6 +211,8 @@ class Gnome(Desktop):
         time.sleep(2)
         self.set("org.gnome.shell", "welcome-dialog-last-shown-version", "99")
         self.set("org.gnome.shell", "enabled-extensions", self.extensions)
+        self.set("org.gnome.desktop.notifications", "show-banners", "false")
+        self.set("org.gnome.desktop.interface", "enable-animations", "false")
         self.set("org.gnome.mutter", "experimental-features", "['scale-monitor-framebuffer']")
         self.start("gnome-shell", "--nested", "--wayland", "--no-x11",
                    MUTTER_DEBUG_DUMMY_MODE_SPECS=f"{WIDTH}x{HEIGHT}", MUTTER_DEBUG_DUMMY_MONITOR_SCALES=str(self.scale))
@@ -302,7 +305,7 @@ def use(desktop, scale_only=False):
         before = desktop.picture("closed")
     else:
         desktop.open_panel()
-        opened = desktop.picture("scale" if scale_only else "click")
+        opened = desktop.picture("click")
     panel = changed_area(before, opened)
     x, y, width, height = panel
     is_panel = abs(width / desktop.pixels - 300) < 60 and 150 < height / desktop.pixels < 340
