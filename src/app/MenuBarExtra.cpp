@@ -86,8 +86,9 @@ void MenuBarExtra::showNow()
 void MenuBarExtra::followPresence()
 {
     const auto presence = m_icon->presence();
+    m_hasBeenSeen = m_hasBeenSeen || isIconShown();
     if (presence == TrayIcon::Presence::Nowhere) {
-        m_isWanted = m_isWanted || (m_ports.isStartedByPerson && !m_hasOpened);
+        m_isWanted = m_isWanted || (m_ports.isStartedByPerson && !m_hasBeenSeen);
         explain();
     }
     if (presence != TrayIcon::Presence::Pending)
@@ -109,7 +110,7 @@ void MenuBarExtra::explain()
 void MenuBarExtra::open(PanelPlacement::Manner manner, std::optional<QPoint> place)
 {
     auto *view = new MenuBarView(m_ports.viewModel, m_ports.haptics);
-    m_hasOpened = true;
+    m_hasBeenSeen = true;
     m_panel = new PanelWindow(view, m_ports.placement, manner);
     connect(m_panel, &PanelWindow::closed, this, &MenuBarExtra::panelClosed);
     connect(view, &MenuBarView::settingsRequested, this, [this] {

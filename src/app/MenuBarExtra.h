@@ -66,7 +66,7 @@ private:
     QPointer<PanelWindow> m_panel;
     std::optional<QPoint> m_place; ///< of the last click
     bool m_isWanted = false;       ///< as soon as it is known where
-    bool m_hasOpened = false;
+    bool m_hasBeenSeen = false;    ///< icon or panel
     bool m_hasExplained = false;
     bool m_hasJustClosed = false;         ///< maybe with a press on the icon, which the icon has yet to hear of
     bool m_wasButtonHeld = false;         ///< when that was last looked at

@@ -206,6 +206,12 @@ private Q_SLOTS:
         QVERIFY(Bench::panel() == nullptr);
         bench.tellPresence(Shown);
         QVERIFY(!Bench::panel()->windowFlags().testFlag(Qt::WindowTitleHint));
+        Bench::panel()->close();
+
+        Bench shown;
+        shown.tellPresence(Shown);
+        shown.tellPresence(Nowhere); // as when the desktop's panel crashes
+        QVERIFY(Bench::panel() == nullptr);
     }
 };
 

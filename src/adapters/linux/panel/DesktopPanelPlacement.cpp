@@ -78,7 +78,7 @@ void DesktopPanelPlacement::anchor(QWindow &window, const QMargins &shadow, std:
     auto *screen = place ? QGuiApplication::screenAt(*place) : nullptr;
     if (screen == nullptr && isPlasma()) {
         screen = QGuiApplication::primaryScreen();
-        place = screen->geometry().bottomRight();
+        place = screen != nullptr ? std::optional(screen->geometry().bottomRight()) : std::nullopt;
     }
     const QSize panel = window.size().shrunkBy(shadow);
     auto position = screen != nullptr ? layerPosition(panel, place, screen->geometry(), gap())
