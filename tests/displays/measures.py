@@ -50,7 +50,8 @@ class Measures:
                        for shown in (5500, kelvin))
         row("tables of a ramp from neutral that were seen", sum(first <= moment <= last for moment, _ in seen))
         row("length of its 60 steps", last - first - 0.2 + sleeps / 60, "s")
-        row("the same, in times of 60 sleeps of a thirtieth of a second", (last - first - 0.2) / sleeps * 60 / 59, "", 1.05)
+        row("the same, in times of 60 sleeps of a thirtieth of a second",
+            (last - first - 0.2) / sleeps * 60 / 59, "", 1.05)
 
     def first_tables(self, reach):
         for kelvin in (4500, 2700, 5000):

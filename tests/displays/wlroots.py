@@ -54,12 +54,13 @@ def plain():
 
 
 def ends():
-    measures.ends(compositor, ["neutral", "quit", signal.SIGTERM, signal.SIGKILL, signal.SIGKILL, signal.SIGKILL])
+    measures.ends("plain", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL, signal.SIGKILL, signal.SIGKILL])
 
 
 def switch(is_there):
     """Aquamarine announces no output that is plugged in where the card has no GPU: there the compositor is told."""
-    rule = f'hl.monitor({{output = "Virtual-2", mode = "preferred", position = "auto", disabled = {str(not is_there).lower()}}})'
+    state = f"disabled = {str(not is_there).lower()}"
+    rule = f'hl.monitor({{output = "Virtual-2", mode = "preferred", position = "auto", {state}}})'
     as_user("hyprctl", "-i", "0", "eval", rule, stdout=subprocess.DEVNULL).wait()
 
 
