@@ -37,8 +37,13 @@ def run_for_a_second(command):
     run(f"timeout 1 {command}", expected=124)
 
 
-def simulate_apt(command):
+def simulate_installation(command):
     run(command.replace("sudo apt", "apt-get --simulate"))
+
+
+def names_the_package(command):
+    name = command.split()[-1]
+    assert f"PACKAGE_NAME {name})" in (ROOT / "packaging/debian/CMakeLists.txt").read_text(), f"no package {name}"
 
 
 def is_there(command):
@@ -60,7 +65,8 @@ def sign(command):
 CHECKS = [
     (r"(ambertide|busctl|gdbus introspect|rm -rf ~/\.config) ?.*", run),
     (r"gdbus monitor .*", run_for_a_second),
-    (r"sudo apt (install|purge) .*", simulate_apt),
+    (r"sudo apt install .*", simulate_installation),
+    (r"sudo apt purge .*", names_the_package),
     (r"scripts/test -R .*", finds_tests),
     (r"scripts/sign .* (KEY\.pem|~/\S*\.pem)( FILE.*)?", sign),
     (r"(cmake --build build/dev|build/dev/src)\S* .*|.*cmake .*build/distribution.*", run),
