@@ -35,7 +35,9 @@ private Q_SLOTS:
         PrivateSession session;
         session.writeSettings("[General]\nAmbertide.Temperature=5500\nAmbertide.ScheduleEnabled=true\n");
         session.bus.addService("me.tovanu.Ambertide", AMBERTIDE_BUNDLE "/Contents/MacOS/Ambertide");
-        QCOMPARE(call("call me.tovanu.Ambertide /runner org.kde.krunner1 Run ss k3400 any"), QString());
+        QCOMPARE(call("call me.tovanu.Ambertide /runner org.kde.krunner1 Run ss "
+                      "applications:me.tovanu.Ambertide.desktop?action=k3400 any"),
+                 QString());
         const auto *const state = "get-property me.tovanu.Ambertide /me/tovanu/Ambertide me.tovanu.Ambertide1 "
                                   "Temperature ScheduleEnabled";
         QTRY_COMPARE_WITH_TIMEOUT(call(state), QStringLiteral("d 3400 b false"), patience);
