@@ -148,6 +148,7 @@ private Q_SLOTS:
             QVERIFY(file.remove());
             QCOMPARE(defaults.doubleValue("d"), 9.0);
             QTRY_COMPARE(SettingsUserDefaults(path).doubleValue("d"), 9.0);
+            defaults.flush(10s); // and nothing of the writing is left
             QVERIFY(QFile::remove(path) && QDir().rmdir(blocker) && file.open(QIODevice::WriteOnly));
         }
     }
