@@ -108,7 +108,7 @@ private Q_SLOTS:
             sd_bus_flush(bus.bus());
             QTRY_COMPARE_WITH_TIMEOUT(runTool("get"), QByteArray::number(last) + '\n', 60'000);
         };
-        flood(4'500, 3200); // the queue has been as long as it becomes
+        flood(10'000, 3200); // the queue has been as long as it becomes
         [[maybe_unused]] const auto before = privateMemory(application.processIdentifier());
         flood(4'500, 3300);
 #ifndef __SANITIZE_ADDRESS__ // which keeps freed memory to itself
