@@ -21,10 +21,12 @@ TODAY = datetime.datetime.fromtimestamp(
 def releases():
     """Version, date and entries of each release, newest first. An entry is one line of plain text."""
     text = (pathlib.Path(__file__).parents[1] / "CHANGELOG.md").read_text(encoding="utf-8")
-    for section in re.split(r"^## ", text, flags=re.MULTILINE)[1:]:
+    sections = re.split(r"^## ", text, flags=re.MULTILINE)[1:]
+    for age, section in enumerate(sections):
         heading, body = section.split("\n", 1)
         version, date = heading.split(", ")
         when = TODAY if date == "unreleased" else datetime.datetime.fromisoformat(date + "T12:00:00+00:00")
+        when -= datetime.timedelta(seconds=age)  # releases of one day follow each other
         entries = [" ".join(entry.split()).replace("`", "") for entry in re.split(r"^- ", body, flags=re.MULTILINE)[1:]]
         yield version, when, entries
 
