@@ -4,6 +4,7 @@
 #include "ui/controls/Theme.h"
 
 #include <QApplication>
+#include <QFont>
 #include <QStyle>
 #include <QTimer>
 

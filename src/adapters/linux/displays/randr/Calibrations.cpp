@@ -4,6 +4,7 @@
 #include "base/Console.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace ambertide {
