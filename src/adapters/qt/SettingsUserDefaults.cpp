@@ -26,8 +26,8 @@ QString SettingsUserDefaults::standardPath()
 SettingsUserDefaults::SettingsUserDefaults(QString path)
     : m_file(std::move(path)), m_writing(200ms, [this] { write(); })
 {
-    // What this class of the toolkit keeps is made with its first object, and goes the sooner at exit() the later it was
-    // made: it has to last until the last flush().
+    // What this class of the toolkit keeps is made with its first object, and goes the sooner at exit() the later it
+    // was made: it has to last until the last flush().
     QSettings(QStringLiteral("/dev/null"), QSettings::IniFormat);
 }
 

@@ -20,7 +20,7 @@ namespace ambertide {
 
 namespace {
 
-constexpr int windowWidth = 600; // logical pixels, as are all below
+constexpr int windowWidth = 600;    // logical pixels, as are all below
 constexpr int smallestHeight = 324; // which a sheet needs, so that the window stays as it is when one opens
 constexpr int gapAboveTabs = 12;
 constexpr int gapBelowTabs = 10;

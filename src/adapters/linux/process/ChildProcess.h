@@ -24,8 +24,9 @@ struct ChildStart
 };
 
 /// Starts a program that inherits no descriptor but these three. Whatever the calling thread blocks, the program starts
-/// with no signal blocked, unless it is detached, and with SIGPIPE and SIGCHLD at their default, the latter here, too. Returns the system's error number; 0
-/// when it runs. `process` is then a child of the calling process, which has to wait for it. Any thread.
+/// with no signal blocked, unless it is detached, and with SIGPIPE and SIGCHLD at their default, the latter here, too.
+/// Returns the system's error number; 0 when it runs. `process` is then a child of the calling process, which has to
+/// wait for it. Any thread.
 int startChild(const ChildStart &start, pid_t &process);
 
 /// How a program came to its end.

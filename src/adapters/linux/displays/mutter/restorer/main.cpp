@@ -49,5 +49,5 @@ int main(int argc, char **argv)
     if (!awaitEndOfClaim(sessionBus.get(), claim, deadline))
         return EXIT_SUCCESS;
     return restoreMutterDisplays(sessionBus.get(), systemBus.get(), deadline, IfUnknown::leaveOut) ? EXIT_SUCCESS
-                                                                                                 : EXIT_FAILURE;
+                                                                                                   : EXIT_FAILURE;
 }
