@@ -56,7 +56,7 @@ def start(tool=":"):
     desktop.start_application("unshare", "--mount", "--map-root-user", "sh", "-c",
                               f'mount -t tmpfs none /usr/local/bin && mount --bind {keyed} {plist} && {tool} && '
                               'exec "$@"', "sh",
-                              **desktop.clock("2026-06-15 21:30:00"))
+                              LC_ALL="en_US.UTF-8", **desktop.clock("2026-06-15 21:30:00"))
     desktop.wait_for_icon()
 
 
