@@ -9,6 +9,7 @@ include(cmake/Hardening.cmake)
 # What every target of the project is compiled with.
 add_library(ambertide_options INTERFACE)
 target_compile_options(ambertide_options INTERFACE
+  -pthread # as some libraries ask for: precompiled headers have to be compiled alike
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
   $<$<BOOL:${AMBERTIDE_WERROR}>:-Werror>)
 target_compile_definitions(ambertide_options INTERFACE
