@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QStringDecoder>
+#include <QTemporaryFile>
 
 namespace ambertide {
 
@@ -45,9 +46,15 @@ SettingsFile::Content SettingsFile::read(const Stamp &stamp) const
     QFile file(m_path);
     if (!file.open(QIODevice::ReadOnly))
         return {Health::Unreadable, {}};
-    if (!isText(file.read(largestFile)))
+    const auto bytes = file.read(largestFile);
+    if (!isText(bytes))
         return {Health::Foreign, {}};
-    const QSettings parsed(m_path, QSettings::IniFormat);
+    // QSettings keeps what it has read by the file's name, and takes it for new only if size or time differ. Two states
+    // of one length within the file system's tick would be one to it, so it gets a name that it has never seen.
+    QTemporaryFile copy;
+    if (!copy.open() || copy.write(bytes) != bytes.size() || !copy.flush())
+        return {Health::Unreadable, {}};
+    const QSettings parsed(copy.fileName(), QSettings::IniFormat);
     Content content;
     const auto keys = parsed.allKeys();
     for (const auto &key : keys)

@@ -68,6 +68,17 @@ private Q_SLOTS:
         QVERIFY(console->lines.empty());
     }
 
+    void statesOfOneLengthAndTimeAreToldApart()
+    {
+        SettingsUserDefaults defaults(path);
+        for (const auto *value : {"3800", "2700"}) {
+            defaults.setData("schedule", value);
+            defaults.flush(10s);
+            std::filesystem::last_write_time(path.toStdString(), {});
+            QCOMPARE(defaults.data("schedule"), std::string(value));
+        }
+    }
+
     void aChangeByAnotherProgramIsSeenAndKept()
     {
         SettingsUserDefaults defaults(path);
