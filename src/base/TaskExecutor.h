@@ -53,7 +53,10 @@ public:
     /// Runs the continuation on a background thread as soon as one is free, in order of the calls.
     virtual void resume(Continuation continuation) = 0;
 
-    /// The same after `delay` of monotonic time, or as soon as the task is cancelled.
+    /// Monotonic time since some moment in the past; stands still while the machine sleeps.
+    virtual std::chrono::nanoseconds now() const = 0;
+
+    /// Runs it in the background after `delay` of that time, at once if it is negative or when the task is cancelled.
     virtual void resumeAfter(std::chrono::nanoseconds delay, Continuation continuation) = 0;
 
     /// Runs the continuation on the main thread, in order of the calls.

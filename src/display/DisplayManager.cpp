@@ -191,12 +191,14 @@ Async DisplayManager::smoothTransition(TaskContext context, double from, double 
     }
 
     const double step = (to - shown) / rampSteps;
+    auto next = m_executor.now(); // steps are counted from the start: a late one does not delay those after it
     for (int i = 0; i < rampSteps; ++i) {
         context.throwIfCancelled();
         shown = std::clamp(shown + step, minTemperature, maxTemperature);
         publish(shown);
         applyColorTemperature(shown);
-        co_await context.sleep(rampInterval);
+        next += rampInterval;
+        co_await context.sleep(next - m_executor.now());
     }
 
     context.throwIfCancelled();

@@ -43,6 +43,7 @@ struct HastyExecutor final : TaskExecutor
     {
         threads.resumeAfter(delay / 1000, std::move(continuation));
     }
+    std::chrono::nanoseconds now() const override { return threads.now() * 1000; }
     void resumeOnMain(Continuation continuation) override { threads.resumeOnMain(std::move(continuation)); }
     void wakeCancelled(const TaskState &task) override { threads.wakeCancelled(task); }
     void blockThread(std::chrono::nanoseconds duration) override { threads.blockThread(duration / 1000); }
@@ -147,6 +148,15 @@ private Q_SLOTS:
         manager->setTemperature(request);
         executor->advance(wholeRamp);
         QTEST(manager->temperature(), "outcome");
+    }
+
+    void aRampEndsInTimeThoughEverySleepIsLate()
+    {
+        manager->setTemperature(3400);
+        shownIn(700ms);
+        executor->lateness = 20ms;
+        QCOMPARE(shownIn(2s + 21ms).size(), std::size_t(59 + 2));
+        QCOMPARE(manager->temperature(), 3400.0);
     }
 
     void aRampStartsFromWhatWasShownLast()

@@ -25,6 +25,8 @@ namespace ambertide {
 class FakeTaskExecutor final : public TaskExecutor
 {
 public:
+    std::chrono::nanoseconds lateness{0}; ///< of every sleep
+
     ~FakeTaskExecutor() override
     {
         while (!m_waiting.empty()) // what one holds may start another
@@ -35,7 +37,7 @@ public:
     void resumeOnMain(Continuation continuation) override { resume(std::move(continuation)); }
     void resumeAfter(std::chrono::nanoseconds delay, Continuation continuation) override
     {
-        m_waiting.emplace(m_now + delay, std::move(continuation));
+        m_waiting.emplace(m_now + std::max(delay, {}) + lateness, std::move(continuation));
     }
     void wakeCancelled(const TaskState &task) override
     {
@@ -50,7 +52,7 @@ public:
     /// Lets the time pass without running anything.
     void blockThread(std::chrono::nanoseconds duration) override { m_now += duration; }
 
-    std::chrono::nanoseconds now() const { return m_now; }
+    std::chrono::nanoseconds now() const override { return m_now; }
     auto sleeperCount() const
     {
         return static_cast<std::size_t>(std::distance(m_waiting.upper_bound(m_now), m_waiting.end()));

@@ -27,6 +27,7 @@ public:
     ~ThreadTaskExecutor() override;
 
     void resume(Continuation continuation) override;
+    std::chrono::nanoseconds now() const override { return Clock::now().time_since_epoch(); }
     void resumeAfter(std::chrono::nanoseconds delay, Continuation continuation) override;
     void resumeOnMain(Continuation continuation) override;
     void wakeCancelled(const TaskState &task) override;
