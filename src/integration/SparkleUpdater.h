@@ -22,13 +22,11 @@ public:
     bool isBuiltIn() const { return m_updaterController != nullptr; }
     /// True as soon as the object exists, whatever the controller can do: a manual check explains what is wrong.
     bool canCheckForUpdates() const { return m_canCheckForUpdates; }
-    /// False where a check can only fail, because this build names no usable feed or key.
-    bool hasFeed() const { return m_updaterController->canCheckForUpdates(); }
+    /// False where a check can only fail, because this build has no updater or names no usable feed or key.
+    bool hasFeed() const { return isBuiltIn() && m_updaterController->canCheckForUpdates(); }
     bool automaticallyChecksForUpdates() const { return m_automaticallyChecksForUpdates; }
     void setAutomaticallyChecksForUpdates(bool isOn);
 
-    /// Whether this build can check at all: it names a feed and a key.
-    bool isConfigured() const { return isBuiltIn() && m_updaterController->canCheckForUpdates(); }
     void checkForUpdates();
 
     /// `willChange` is called before a property changes.

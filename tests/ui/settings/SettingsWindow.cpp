@@ -58,6 +58,7 @@ struct Bench : ModelBench
     std::filesystem::path link = bundle.bundlePath / "link";
     CLIInstaller installer = CLIInstaller(bundle, system, link);
     LaunchHelper launchHelper = LaunchHelper(system);
+    UpdaterControllerFactory createUpdater = [this] { return std::make_unique<FakeUpdaterController>(system.calls); };
     QPointer<SettingsView> window;
 
     Bench() : ModelBench(AppViewModel::neutralTemperature)
@@ -69,9 +70,8 @@ struct Bench : ModelBench
 
     void open()
     {
-        window = new SettingsView(*model, {installer, launchHelper, bundle,
-                                           [this] { return std::make_unique<FakeUpdaterController>(system.calls); },
-                                           userDefaults, notifications, calendar, system, installerExecutor});
+        window = new SettingsView(*model, {installer, launchHelper, bundle, createUpdater, userDefaults, notifications,
+                                           calendar, system, installerExecutor});
         window->show();
         QVERIFY(QTest::qWaitForWindowActive(window));
     }
@@ -202,6 +202,15 @@ private Q_SLOTS:
         }
         bench.button("Check for Updates...")->click();
         QCOMPARE(bench.system.calls, "on login off no-login on check ");
+    }
+
+    void offersNoUpdatesInABuildWithoutUpdater()
+    {
+        Bench bench;
+        bench.createUpdater = [] { return nullptr; };
+        bench.open();
+        for (const auto *each : bench.window->findChildren<QAbstractButton *>())
+            QVERIFY(!each->isVisible() || !(each->text() + each->accessibleName()).contains(QStringLiteral("pdate")));
     }
 
     void installsAndRemovesTheTool()
