@@ -14,8 +14,8 @@
 
 namespace ambertide {
 
-/// What the application does as a process: it sees to it that one copy runs, takes requests of the command-line tool,
-/// has the schedule checked every 5 seconds and after wake, and lets go of all that at the end. Main thread.
+/// What the application does as a process: it makes sure that only one copy runs, takes the requests of the
+/// command-line tool, and has the schedule checked every 5 seconds and after wake, until it ends. Main thread.
 class AppDelegate
 {
 public:

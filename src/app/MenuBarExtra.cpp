@@ -18,7 +18,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// The press on the icon that closes an open panel reaches the icon as well, on some desktops with its release.
+/// A press on the icon closes an open panel, and is then told to the icon as well, on some desktops when it is
+/// released.
 constexpr auto sameClick = 250ms;
 /// How long a person who has started the application waits for the desktop to show its icon.
 constexpr auto patience = 1s;

@@ -35,7 +35,7 @@ public:
         std::function<void()> openSettings;
         std::function<void()> openSchedule;
         std::function<void()> quit;
-        bool isStartedByPerson = true; ///< who waits for something to see
+        bool isStartedByPerson = true; ///< who waits for something to appear
     };
 
     explicit MenuBarExtra(Ports ports);
@@ -65,10 +65,10 @@ private:
     std::unique_ptr<TrayIcon> m_icon;
     QPointer<PanelWindow> m_panel;
     std::optional<QPoint> m_place; ///< of the last click
-    bool m_isWanted = false;       ///< as soon as it is known where
-    bool m_hasBeenSeen = false;    ///< icon or panel
+    bool m_isWanted = false;       ///< the panel is to open as soon as it is known where
+    bool m_hasBeenSeen = false;    ///< the icon or the panel
     bool m_hasExplained = false;
-    bool m_hasJustClosed = false;         ///< maybe with a press on the icon, which the icon has yet to hear of
+    bool m_hasJustClosed = false;         ///< maybe by a press on the icon, which has yet to be told of it
     bool m_wasButtonHeld = false;         ///< when that was last looked at
     Task m_justClosed;                    ///< ends that
     std::shared_ptr<MenuBarExtra> m_self; ///< owns nothing; tasks hold it weakly and look on the main thread

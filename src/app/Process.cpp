@@ -66,7 +66,7 @@ void openStandardDescriptors()
         close(opened);
 }
 
-/// Of memory and threads there may be too little at any moment. The guardian gives the displays back.
+/// Memory and threads may run out at any moment. The guardian gives the displays back.
 [[noreturn]] void giveUp()
 {
     constexpr std::string_view line = "Ambertide ends: the system refuses it memory, threads or another resource.\n";

@@ -20,7 +20,8 @@ void setLastWork(std::function<void()> work);
 /// The process is ending already: neither signal is handled from now on, nor is there any last work.
 void ignoreEndingSignals();
 
-/// Puts what `program` now holds in the place of this process. Returns, and says why in one line, when that fails.
+/// Replaces this process with a new run of `program`, the file of which may be another by now. Returns only when that
+/// fails, having said why in one line.
 void startAnew(const std::filesystem::path &program, char *argv[]);
 
 } // namespace ambertide::process

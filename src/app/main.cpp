@@ -16,7 +16,7 @@ namespace {
 using namespace ambertide;
 using namespace std::chrono_literals;
 
-/// Keeps what has been asked for by now, as far as the main thread and the disk do their part in time.
+/// Stores what has been changed so far, if the main thread and the disk answer in time.
 void keepSettings(UserDefaults &userDefaults)
 {
     constexpr auto timeForEach = 150ms;

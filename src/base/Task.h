@@ -11,7 +11,8 @@
 
 namespace ambertide {
 
-/// Thrown inside a task's body by a sleep or a check once the task has been cancelled; ends the task without noise.
+/// Thrown by a sleep or a check inside the body of a task that has been cancelled. It ends the task and goes no
+/// further.
 struct CancellationError : std::exception
 {
     const char *what() const noexcept override { return "the task was cancelled"; }

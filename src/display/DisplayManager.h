@@ -72,14 +72,14 @@ private:
     static constexpr double neutralTemperature = 6500;
     static constexpr double minTemperature = 2000;
     static constexpr double maxTemperature = 6500;
-    static constexpr double transitionDuration = 2; ///< seconds, in name: the steps and their interval decide
+    static constexpr double transitionDuration = 2; ///< seconds; not used: the steps and their interval decide
 
     DisplayServices &m_displays;
     TaskExecutor &m_executor;
 
     std::atomic<double> m_temperature = neutralTemperature; ///< written under the lock by a ramp, read without it
     double m_currentTransitionTemp = neutralTemperature;    ///< the last value that a ramp has shown
-    const bool m_shouldRun = true;                          ///< in name: nothing reads it
+    const bool m_shouldRun = true;                          ///< not used
     bool m_isTransitioning = false;                         ///< a ramp has been scheduled and has not ended
     std::mutex m_transitionLock; ///< guards the three above; never held across a display call or a suspension
     TaskSlot m_transitionTask;   ///< the running ramp or the running reset

@@ -102,7 +102,7 @@ DecodedSchedule decodeSchedule(std::string_view bytes)
 
 void sortByTimeOfDay(std::vector<ScheduleEntry> &entries, const Calendar &calendar)
 {
-    // The calendar is asked once for each entry: a look at the time zone is the dear part.
+    // The calendar is asked once for each entry: looking up the time zone is the expensive part.
     std::vector<std::pair<DateComponents, ScheduleEntry>> timed;
     timed.reserve(entries.size());
     for (auto &entry : entries)

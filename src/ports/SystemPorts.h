@@ -19,8 +19,7 @@ class TaskExecutor;
 class UpdateInstaller;
 class UserDefaults;
 
-/// All that the application asks of the system it runs on. Whoever gives it out keeps it alive for longer than the
-/// application.
+/// All that the application asks of the system it runs on. All of it must outlive the application.
 struct SystemPorts
 {
     DisplayServices &displays;

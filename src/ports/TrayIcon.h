@@ -31,8 +31,7 @@ public:
 
     struct Callbacks
     {
-        /// A click, or Return on the icon. Where on the desktop, in logical pixels, as far as the panel knows and
-        /// tells.
+        /// A click, or Return on the icon. `place` is where on the desktop, in logical pixels, if the panel tells.
         std::function<void(std::optional<QPoint> place)> activated;
         std::function<void()> presenceChanged;
     };

@@ -15,7 +15,7 @@ namespace ambertide {
 
 namespace {
 
-/// Of a description as in "Noto Sans Bold 12"; nothing without a size in points.
+/// The font of a description such as "Noto Sans Bold 12"; nothing without a size in points.
 std::optional<QFont> fontDescribed(const QString &description)
 {
     auto words = description.split(u' ', Qt::SkipEmptyParts);

@@ -9,10 +9,10 @@ namespace ambertide {
 
 class HouseStyle;
 
-/// Makes every window look as the user wants: the house style, and light or dark and high contrast as the system says,
-/// in the desktop's colours where the toolkit has taken some from it that agree. Follows changes, and puts the house
-/// style back where a plugin of the desktop has replaced it. Main thread, one instance, after the application object;
-/// `appearance` must outlive it.
+/// Makes every window look as the user wants: in the house style, light or dark and in high contrast as the system
+/// says, with the desktop's own colours where the toolkit knows them and they agree. Follows changes, and puts the
+/// house style back when a plugin of the desktop has replaced it. Main thread, one instance, after the application
+/// object; `appearance` must outlive it.
 class AppearanceFollower
 {
 public:

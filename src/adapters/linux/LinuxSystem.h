@@ -30,7 +30,7 @@ public:
     static std::filesystem::path runningProgram();
 
     /// Connects to the displays, then starts the toolkit, then the rest. `program` lies in the bundle's program folder;
-    /// the others are as of main() and must outlive this.
+    /// the others are the arguments of main() and must outlive this.
     LinuxSystem(const std::filesystem::path &program, int &argc, char **argv);
     ~LinuxSystem();
     LinuxSystem(const LinuxSystem &) = delete;

@@ -9,7 +9,7 @@ namespace ambertide {
 class SessionApplication : public QApplication
 {
 public:
-    /// As of main(); both must outlive this.
+    /// The arguments of main(); both must outlive this.
     SessionApplication(int &argc, char **argv);
 
 private:

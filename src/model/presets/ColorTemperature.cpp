@@ -16,7 +16,7 @@ constexpr std::pair<ColorTemperature, const char *> landmarks[] = {
     {k1900, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Candle")},
     {k2700, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Tungsten")},
     {k3400, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Halogen")},
-    {k4200, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Flourescent")}, // so wherever stored shortcuts show it
+    {k4200, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Flourescent")}, // as stored shortcuts spell it
     {k5500, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Sunlight")},
     {k6500, QT_TRANSLATE_NOOP("ambertide::ColorTemperature", "Daylight")},
 };

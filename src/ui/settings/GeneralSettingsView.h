@@ -62,7 +62,7 @@ private:
     bool m_cliInstalled;
     bool m_isProcessing = false;
     QPointer<QWidget> m_formerFocus;    ///< before the tab was disabled
-    QPointer<QWidget> m_focusMeanwhile; ///< where it went then; elsewhere it is by the user's will
+    QPointer<QWidget> m_focusMeanwhile; ///< where it went then; anywhere else the user has put it
     AboutView *m_about = nullptr;
     SwitchRow *m_launchAtLogin = nullptr;
     SwitchRow *m_automaticallyCheckForUpdates = nullptr;

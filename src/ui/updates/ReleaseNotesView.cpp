@@ -27,9 +27,9 @@ QRegularExpression pattern(const char *text)
                                                        QRegularExpression::DotMatchesEverythingOption);
 }
 
-/// Of the tags nothing but line breaks is left for the toolkit's reader of HTML: it takes the square of the time for
-/// elements that nest, and gigabytes for a table that claims a thousand columns. Each pattern takes a tag to its end or
-/// to the next one's start, so that no new tag comes of what is left.
+/// Leaves no tags but line breaks to the toolkit's reader of HTML, which takes quadratic time for nested elements and
+/// gigabytes for a table that claims a thousand columns. Each pattern takes a tag to its end or to the start of the
+/// next, so that what is left cannot form a new one.
 QString plainTextOfHtml(QString html)
 {
     static const auto hidden = pattern("<!--.*?(-->|\\z)|<(script|style|head|title)\\b.*?(</\\2\\b[^<>]*>?|\\z)");

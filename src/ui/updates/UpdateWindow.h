@@ -10,14 +10,15 @@ namespace ambertide {
 
 class UpdatePage;
 
-/// The window of one session, from the check to the installed update. Closing it cancels or puts off what can be.
+/// The window of one session, from the check to the installed update. Closing it cancels the session, or puts the
+/// update off.
 class UpdateWindow final : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// Shows itself after a moment, as far as the session has come by then. `session` must outlive it. `relaunch`
-    /// starts the new version in the place of this one.
+    /// Shows itself after a moment, on the page that the session has come to by then. `session` must outlive it.
+    /// `relaunch` replaces this process with the new version.
     UpdateWindow(UpdateSession &session, std::function<void()> relaunch);
 
     void bringForward();
