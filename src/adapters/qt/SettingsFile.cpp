@@ -51,10 +51,10 @@ SettingsFile::Content SettingsFile::read(const Stamp &stamp) const
         return {Health::Foreign, {}};
     // QSettings keeps what it has read by the file's name, and takes it for new only if size or time differ. Two states
     // of one length within the file system's tick would be one to it, so it gets a name that it has never seen.
+    // Without room for that the file itself has to do.
     QTemporaryFile copy;
-    if (!copy.open() || copy.write(bytes) != bytes.size() || !copy.flush())
-        return {Health::Unreadable, {}};
-    const QSettings parsed(copy.fileName(), QSettings::IniFormat);
+    const bool isCopied = copy.open() && copy.write(bytes) == bytes.size() && copy.flush();
+    const QSettings parsed(isCopied ? copy.fileName() : m_path, QSettings::IniFormat);
     Content content;
     const auto keys = parsed.allKeys();
     for (const auto &key : keys)
