@@ -72,6 +72,8 @@ public:
 
     /// Why no display shows the temperature; nothing where they do, and until that is known.
     std::optional<TintRefusal> tintRefusal() const { return m_ports.displays.refusal(); }
+    /// False while a tint would stay if the application were killed.
+    bool areDisplaysGuarded() const { return m_ports.displays.isGuarded(); }
     /// Whether the schedule, in force or not, has an entry that is enabled.
     bool isAnythingScheduled() const;
 

@@ -61,6 +61,9 @@ public:
 
     /// Nothing where displays can be tinted, and until that is known.
     virtual std::optional<TintRefusal> refusal() { return std::nullopt; }
+
+    /// False while a tint would stay if this process were killed.
+    virtual bool isGuarded() { return true; }
 };
 
 } // namespace ambertide

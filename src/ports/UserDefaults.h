@@ -32,6 +32,9 @@ public:
     /// Has what is still waiting written now, and waits until that was tried or `limit` has passed, whatever the store
     /// is doing at the time.
     virtual void flush(std::chrono::milliseconds limit) = 0;
+
+    /// The file in which changes cannot be kept at present; nothing while they can.
+    virtual std::optional<std::string> unusableFile() { return std::nullopt; }
 };
 
 } // namespace ambertide

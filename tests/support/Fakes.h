@@ -110,6 +110,7 @@ public:
     std::vector<DisplayIdentifier> displays = {1, 2};
     std::vector<std::optional<GammaTables>> rampTargets;
     std::optional<TintRefusal> tintRefusal;
+    bool hasGuardian = true;
 
     std::vector<DisplayIdentifier> activeDisplays() override { return displays; }
     void setTransferTables(std::span<const DisplayIdentifier> addressed, const GammaTables &tables) override
@@ -124,6 +125,7 @@ public:
     }
     void beginRamp(const std::optional<GammaTables> &target) override { rampTargets.push_back(target); }
     std::optional<TintRefusal> refusal() override { return tintRefusal; }
+    bool isGuarded() override { return hasGuardian; }
 
     /// What was written since the last call.
     std::vector<Write> takeWrites()
@@ -186,6 +188,7 @@ class FakeUserDefaults final : public UserDefaults
 {
 public:
     std::map<std::string, std::variant<double, bool, std::string>, std::less<>> values;
+    std::optional<std::string> fileInTrouble;
 
     bool hasObject(std::string_view key) override { return values.contains(key); }
     double doubleValue(std::string_view key) override { return stored<double>(key).value_or(0); }
@@ -199,6 +202,7 @@ public:
         values[std::string(key)] = std::string(bytes);
     }
     void flush(std::chrono::milliseconds) override {}
+    std::optional<std::string> unusableFile() override { return fileInTrouble; }
 
 private:
     template <typename Value>

@@ -53,6 +53,12 @@ void SettingsUserDefaults::setData(std::string_view key, std::string_view bytes)
     set(key, QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())));
 }
 
+std::optional<std::string> SettingsUserDefaults::unusableFile()
+{
+    const std::scoped_lock lock(m_lock);
+    return m_isInTrouble ? std::optional(m_file.path().toStdString()) : std::nullopt;
+}
+
 QVariant SettingsUserDefaults::value(std::string_view key)
 {
     const auto name = settingsKey(key);
@@ -94,12 +100,14 @@ void SettingsUserDefaults::refresh()
     m_readStamp = stamp;
     auto content = m_file.read(stamp);
     m_health = content.health;
-    if (m_health == SettingsFile::Health::Good)
+    if (m_health == SettingsFile::Health::Good) {
         m_stored = std::move(content.values);
-    else if (m_health == SettingsFile::Health::Unreadable)
+        m_isInTrouble = m_isInTrouble && !m_unwritten.empty();
+    } else if (m_health == SettingsFile::Health::Unreadable) {
         report("cannot be read");
-    else
+    } else {
         keepBrokenFile(content);
+    }
 }
 
 void SettingsUserDefaults::keepBrokenFile(const SettingsFile::Content &broken)
@@ -140,7 +148,7 @@ void SettingsUserDefaults::write()
         report("cannot be written; changes are kept until it can");
         return;
     }
-    m_isTroubleReported = false;
+    m_isInTrouble = false;
     std::erase_if(m_unwritten, [&written](const auto &entry) {
         const auto found = written.find(entry.first);
         return found != written.end() && found->second == entry.second;
@@ -151,7 +159,7 @@ void SettingsUserDefaults::write()
 
 void SettingsUserDefaults::report(std::string_view trouble)
 {
-    if (!std::exchange(m_isTroubleReported, true))
+    if (!std::exchange(m_isInTrouble, true))
         console::print("The settings file " + m_file.path().toStdString() + ' ' + std::string(trouble));
 }
 

@@ -34,6 +34,7 @@ public:
     void setData(std::string_view key, std::string_view bytes) override;
     /// Takes no lock that is held while somebody waits for the disk.
     void flush(std::chrono::milliseconds limit) override { m_writing.finish(limit); }
+    std::optional<std::string> unusableFile() override;
 
 private:
     QVariant value(std::string_view key);
@@ -52,7 +53,7 @@ private:
     SettingsFile::Health m_health = SettingsFile::Health::Good;
     bool m_isWriting = false; ///< the file is the writer's alone
     bool m_hasWriteFailed = false;
-    bool m_isTroubleReported = false;
+    bool m_isInTrouble = false;
     GatheredWork m_writing; ///< last, so that it ends before what it uses
 };
 

@@ -4,7 +4,7 @@
 #include "ui/controls/Page.h"
 #include "ui/controls/ScreenRoom.h"
 #include "ui/controls/Sheet.h"
-#include "ui/controls/TextStyle.h"
+#include "ui/controls/TextLabel.h"
 #include "ui/settings/ScheduleSettingsView.h"
 
 #include <QCloseEvent>
@@ -12,6 +12,7 @@
 #include <QShowEvent>
 #include <QStackedWidget>
 #include <QTabBar>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -24,12 +25,16 @@ constexpr int windowWidth = 600;    // logical pixels, as are all below
 constexpr int smallestHeight = 324; // which a sheet needs, so that the window stays as it is when one opens
 constexpr int gapAboveTabs = 12;
 constexpr int gapBelowTabs = 10;
+constexpr QMargins aroundTrouble{20, 0, 20, 14};
+constexpr std::chrono::seconds betweenLooks{1}; // for trouble, which comes on other threads
 
 } // namespace
 
 SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
-    : m_settingsViewModel(appViewModel, {ports.userDefaults, ports.notifications, ports.calendar, ports.loginItem}),
-      m_general(new GeneralSettingsView(m_settingsViewModel, ports)), m_tabs(new QTabBar), m_pages(new QStackedWidget)
+    : m_appViewModel(appViewModel), m_userDefaults(ports.userDefaults),
+      m_settingsViewModel(appViewModel, {ports.userDefaults, ports.notifications, ports.calendar, ports.loginItem}),
+      m_general(new GeneralSettingsView(m_settingsViewModel, ports)), m_tabs(new QTabBar), m_pages(new QStackedWidget),
+      m_trouble(new TextLabel({}, TextStyle::Subheadline, &Theme::orangeText))
 {
     setObjectName(QStringLiteral("Settings"));
     setWindowTitle(tr("Ambertide Settings"));
@@ -44,7 +49,15 @@ SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
     column->setContentsMargins(0, gapAboveTabs, 0, 0);
     column->setSpacing(gapBelowTabs);
     column->addWidget(m_tabs, 0, Qt::AlignHCenter);
-    column->addWidget(m_pages);
+    column->addWidget(m_pages, 1);
+    column->addWidget(m_trouble);
+    m_trouble->setWordWrap(true);
+    m_trouble->setAlignment(Qt::AlignHCenter);
+    m_trouble->setContentsMargins(aroundTrouble);
+    auto *looks = new QTimer(this);
+    connect(looks, &QTimer::timeout, this, &SettingsView::showTrouble);
+    looks->start(betweenLooks);
+    showTrouble();
 
     addTab(symbols::gearshape, tr("General"), m_general);
     addTab(symbols::clock, tr("Schedule"), new ScheduleSettingsView(m_settingsViewModel, ports.calendar));
@@ -82,6 +95,17 @@ void SettingsView::showSelectedTab()
     m_tabs->setCurrentIndex(tab);
     m_pages->setCurrentIndex(tab);
     fit();
+}
+
+void SettingsView::showTrouble()
+{
+    QStringList troubles;
+    if (const auto file = m_userDefaults.unusableFile())
+        troubles += tr("Settings cannot be saved in %1.").arg(QString::fromStdString(*file));
+    if (!m_appViewModel.areDisplaysGuarded())
+        troubles += tr("If Ambertide is killed, the displays stay tinted: its guardian cannot be started.");
+    m_trouble->setText(troubles.join(u'\n'));
+    m_trouble->setHidden(troubles.isEmpty());
 }
 
 bool SettingsView::event(QEvent *event)
@@ -125,8 +149,10 @@ void SettingsView::fit()
             wanted = wanted.expandedTo(sheet->neededSize());
     }
     const auto *page = static_cast<const Page *>(m_pages->currentWidget());
+    const int width = std::min(wanted.width(), room.width());
     const int height = layout()->contentsMargins().top() + m_tabs->sizeHint().height() + layout()->spacing() +
-                       page->idealHeight(std::min(wanted.width(), room.width()));
+                       page->idealHeight(width) +
+                       (m_trouble->isHidden() ? 0 : layout()->spacing() + m_trouble->heightForWidth(width));
     const QSize fitting = wanted.expandedTo({0, height}).boundedTo(room);
     if (fitting == size())
         return;

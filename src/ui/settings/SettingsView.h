@@ -10,11 +10,13 @@ class QTabBar;
 namespace ambertide {
 
 class Page;
+class TextLabel;
 
-/// The Settings window with its two tabs, and the model behind them. Main thread. It opens on General, in front, as
-/// high as its tab needs and the screen allows; wider than usual for large text alone. Closing deletes it,
-/// but while the tool is being installed it only hides until that has ended: its owner holds it in a QPointer, and
-/// makes one when the user asks for it and there is none.
+/// The Settings window with its two tabs, and the model behind them; below, for as long as it lasts, what keeps
+/// settings from being saved or displays from being guarded. Main thread. It opens on General, in front, as high as its
+/// tab needs and the screen allows; wider than usual for large text alone. Closing deletes it, but while the tool is
+/// being installed it only hides until that has ended: its owner holds it in a QPointer, and makes one when the user
+/// asks for it and there is none.
 class SettingsView final : public QWidget
 {
     Q_OBJECT
@@ -41,12 +43,16 @@ protected:
 private:
     void addTab(QLatin1String symbol, const QString &title, QWidget *content);
     void showSelectedTab();
+    void showTrouble();
     void fit();
 
+    AppViewModel &m_appViewModel;
+    UserDefaults &m_userDefaults;
     SettingsViewModel m_settingsViewModel;
     GeneralSettingsView *m_general = nullptr;
     QTabBar *m_tabs = nullptr;
     QStackedWidget *m_pages = nullptr;
+    TextLabel *m_trouble = nullptr;
 };
 
 } // namespace ambertide

@@ -156,10 +156,12 @@ private Q_SLOTS:
                 QCOMPARE(defaults.doubleValue("d"), double(i));
             }
             QCOMPARE(console->lines.size(), times);
+            QCOMPARE(defaults.unusableFile(), path.toStdString());
             QVERIFY(file.remove());
             QCOMPARE(defaults.doubleValue("d"), 9.0);
             QTRY_COMPARE(SettingsUserDefaults(path).doubleValue("d"), 9.0);
             defaults.flush(10s); // and nothing of the writing is left
+            QVERIFY(!defaults.unusableFile());
             QVERIFY(QFile::remove(path) && QDir().rmdir(blocker) && file.open(QIODevice::WriteOnly));
         }
     }

@@ -7,6 +7,7 @@
 #include "ui/controls/HouseStyle.h"
 #include "ui/controls/Page.h"
 #include "ui/controls/Sheet.h"
+#include "ui/controls/TextLabel.h"
 #include "ui/settings/ScheduleEntryEditor.h"
 #include "ui/settings/ScheduleEntryRow.h"
 #include "ui/settings/SettingsView.h"
@@ -237,6 +238,21 @@ private Q_SLOTS:
             }
             QCOMPARE(tool->text(), QLatin1String(wasInstalled != succeeds ? "Uninstall" : "Install"));
             QVERIFY(tool->isEnabled() && tool->hasFocus());
+        }
+    }
+
+    void tellsOfTroubleForAsLongAsItLasts()
+    {
+        Bench bench;
+        bench.open();
+        const int height = bench.window->height();
+        for (const auto &[file, hasGuardian, lines] :
+             {std::tuple("/file", true, 1), {"/file", false, 2}, {"", true, 0}}) {
+            bench.userDefaults.fileInTrouble = *file ? std::optional(file) : std::nullopt;
+            bench.displays.hasGuardian = hasGuardian;
+            const auto *const trouble = bench.window->findChildren<TextLabel *>(Qt::FindDirectChildrenOnly).value(0);
+            QTRY_COMPARE(trouble->text().split(u'\n', Qt::SkipEmptyParts).size(), lines);
+            QTRY_COMPARE(bench.window->height() - height, lines > 0 ? 10 + trouble->height() : 0);
         }
     }
 

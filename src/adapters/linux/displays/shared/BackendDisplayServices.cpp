@@ -48,6 +48,11 @@ public:
         const std::scoped_lock lock(m_lock);
         return m_refusal;
     }
+    bool isGuarded()
+    {
+        const std::scoped_lock lock(m_lock);
+        return m_isGuarded;
+    }
     void show(std::span<const DisplayIdentifier> displays, const GammaTables &tables);
     void beginRamp(const std::optional<GammaTables> &target);
     /// Returns when it has been done or has been waited for long enough.
@@ -84,6 +89,7 @@ private:
     std::condition_variable m_changed;
     std::vector<DisplayIdentifier> m_displays;
     std::optional<TintRefusal> m_refusal;
+    bool m_isGuarded = true;
     std::optional<Tint> m_wanted; ///< nothing: the system's own colours
     std::uint64_t m_asked = 0;    ///< counts what was asked for
     std::uint64_t m_done = 0;     ///< what of that has been done, or been overtaken by something newer
@@ -206,6 +212,8 @@ void BackendDisplayServices::Worker::noteDisplays()
     const std::scoped_lock lock(m_lock);
     m_displays.assign(displays.begin(), displays.end());
     m_refusal = m_backend->tintRefusal();
+    const auto *const guardian = m_backend->guardian();
+    m_isGuarded = !guardian || !guardian->isMissing();
 }
 
 void BackendDisplayServices::Worker::show(std::span<const DisplayIdentifier> displays, const GammaTables &tables)
@@ -303,6 +311,8 @@ void BackendDisplayServices::setTransferTables(std::span<const DisplayIdentifier
 void BackendDisplayServices::restoreSystemColours() { m_worker->restore(patienceForRestore); }
 
 std::optional<TintRefusal> BackendDisplayServices::refusal() { return m_worker->refusal(); }
+
+bool BackendDisplayServices::isGuarded() { return m_worker->isGuarded(); }
 
 void BackendDisplayServices::beginRamp(const std::optional<GammaTables> &target) { m_worker->beginRamp(target); }
 

@@ -37,6 +37,7 @@ public:
     void restoreSystemColours() override;
     void beginRamp(const std::optional<GammaTables> &target) override;
     std::optional<TintRefusal> refusal() override;
+    bool isGuarded() override;
     /// This process is about to end: gives the displays back if they are tinted, and waits for the server for `limit`
     /// at most. Nothing is tinted any more. A guardian that lives would do it as well, but one that has just been
     /// killed still looks alive.

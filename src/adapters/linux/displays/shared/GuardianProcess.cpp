@@ -41,7 +41,11 @@ GuardianProcess::~GuardianProcess()
 
 void GuardianProcess::guard(GuardianMessage claim)
 {
-    if ((isRunning() || start()) && m_told != claim)
+    if (isRunning())
+        m_isMissing = false;
+    else if (!start())
+        return;
+    if (m_told != claim)
         tell(claim);
 }
 
@@ -75,7 +79,7 @@ bool GuardianProcess::isRunning()
     m_earliestStart = Clock::now() + betweenStarts;
     // Once or twice may be the X server's own coming and going.
     m_failures = change.si_code == CLD_EXITED && change.si_status != 0 ? m_failures + 1 : 0;
-    if (m_failures == 3)
+    if (m_failures >= 3)
         sayUnguarded("it cannot use the display server");
     return false;
 }
@@ -105,6 +109,7 @@ bool GuardianProcess::start()
 
 void GuardianProcess::sayUnguarded(const char *reason)
 {
+    m_isMissing = true;
     if (!std::exchange(m_failureSaid, true)) {
         console::print("Cannot start " + m_program.string() + " (" + reason +
                        "): the displays will stay tinted if Ambertide is killed.");

@@ -36,6 +36,8 @@ public:
     int channel() const { return m_channel; }
     /// Replaces a guardian that has ended, or been stopped, while it had displays to give back.
     void renew();
+    /// One is needed and none can be had.
+    bool isMissing() const { return m_isMissing; }
     /// The process since the last call that said so; 0 when it is the same or there is none.
     pid_t takeStarted() { return std::exchange(m_started, 0); }
 
@@ -57,6 +59,7 @@ private:
     GuardianMessage m_told = 0;
     Clock::time_point m_earliestStart{};
     int m_failures = 0; ///< of guardians in a row that gave up by themselves
+    bool m_isMissing = false;
     bool m_failureSaid = false;
 };
 
