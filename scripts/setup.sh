@@ -1,9 +1,11 @@
-# Sourced by the other scripts: what a bare Debian 12 lacks to build and test Ambertide, installed by package name.
+# Sourced by the other scripts: what a bare Debian lacks to build and test Ambertide, installed by package name.
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev qt6-tools-dev qt6-l10n-tools libxcb1-dev
     libxcb-randr0-dev libsystemd-dev libglib2.0-dev libsodium-dev libwayland-dev liblcms2-dev python3)
+# The panel beside its icon on Wayland. Debian 12 has it for Qt 5 only.
+[ "$(. /etc/os-release && echo "$VERSION_ID")" = 12 ] || build_packages+=(liblayershellqtinterface-dev)
 run_packages=(dbus-daemon libqt6gui6 xvfb hicolor-icon-theme)
 test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils systemd wlsunset
     colord openssl)
