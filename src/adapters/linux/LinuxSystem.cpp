@@ -130,6 +130,7 @@ SystemPorts LinuxSystem::ports()
 void LinuxSystem::serve(Requests requests)
 {
     m_services = std::make_unique<Services>(*m_adapters, std::move(requests));
+    m_adapters->loginItem.bringUpToDate();
 }
 
 void LinuxSystem::stopServing() { m_services.reset(); }

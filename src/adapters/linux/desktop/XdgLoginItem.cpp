@@ -92,12 +92,18 @@ std::string execArgument(const std::string &text)
     return argument + '"';
 }
 
-/// The entry that starts this program.
-std::string entryText(const std::string &program)
+/// Without the argument.
+std::string startCommand(const std::string &program)
 {
     // systemd does not start a program with a quote in its path, and GLib none with a percent sign, but both pass such
     // a path on as an argument.
     const bool isPlain = program.find_first_of("'\"%") == std::string::npos;
+    return (isPlain ? "" : "/usr/bin/env ") + execArgument(program);
+}
+
+/// The entry that starts this program.
+std::string entryText(const std::string &program)
+{
     const std::pair<const char *, std::string> values[] = {
         {"Type", "Application"},
         {"Name", "Ambertide"},
@@ -107,7 +113,7 @@ std::string entryText(const std::string &program)
         {"Terminal", "false"},
         {"StartupNotify", "false"},
         {"TryExec", program},
-        {"Exec", (isPlain ? "" : "/usr/bin/env ") + execArgument(program) + ' ' + XdgLoginItem::startArgument},
+        {"Exec", startCommand(program) + ' ' + XdgLoginItem::startArgument},
     };
     const KeyFile entry(g_key_file_new());
     for (const auto &[key, value] : values)
@@ -118,6 +124,18 @@ std::string entryText(const std::string &program)
 } // namespace
 
 XdgLoginItem::XdgLoginItem(const MainBundle &bundle) : m_bundle(bundle) {}
+
+std::string XdgLoginItem::program() const { return (m_bundle.path() / "Contents/MacOS/Ambertide").string(); }
+
+void XdgLoginItem::bringUpToDate()
+{
+    if (status() != LoginItemStatus::Enabled)
+        return;
+    const auto entry = readEntry(entryPath());
+    const Text command(entry ? g_key_file_get_string(entry.get(), mainGroup, "Exec", nullptr) : nullptr);
+    if (command && command.get() == startCommand(program()))
+        registerItem();
+}
 
 LoginItemStatus XdgLoginItem::status() const
 {
@@ -138,12 +156,11 @@ std::optional<std::string> XdgLoginItem::registerItem()
     const auto failure = [&](const std::string &reason) {
         return "The autostart entry in " + folder.toStdString() + " could not be written: " + reason;
     };
-    const auto program = (m_bundle.path() / "Contents/MacOS/Ambertide").string();
-    if (g_utf8_validate(program.c_str(), -1, nullptr) == 0)
+    if (g_utf8_validate(program().c_str(), -1, nullptr) == 0)
         return failure("the application's own path is not valid UTF-8");
     if (!QDir().mkpath(folder))
         return failure(reasonOf(errno));
-    const auto text = entryText(program);
+    const auto text = entryText(program());
     QTemporaryFile file(folder + QStringLiteral("/.me.tovanu.Ambertide.XXXXXX"));
     if (!file.open() || file.write(text.data(), static_cast<qint64>(text.size())) < 0 || !file.flush() ||
         !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther) ||

@@ -22,11 +22,16 @@ public:
     /// The bundle must outlive the item.
     explicit XdgLoginItem(const MainBundle &bundle);
 
+    /// Gives an entry that starts this program, and is switched on, the argument that earlier versions left out.
+    void bringUpToDate();
+
     LoginItemStatus status() const override;
     std::optional<std::string> registerItem() override;
     std::optional<std::string> unregisterItem() override;
 
 private:
+    std::string program() const;
+
     const MainBundle &m_bundle;
 };
 

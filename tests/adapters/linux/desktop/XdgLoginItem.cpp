@@ -8,7 +8,9 @@
 
 #include <sys/stat.h>
 
+#include <cstring>
 #include <fstream>
+#include <sstream>
 
 using namespace ambertide;
 namespace fs = std::filesystem;
@@ -91,6 +93,22 @@ private Q_SLOTS:
         }
         QVERIFY(!m_item.registerItem());
         QCOMPARE(m_item.status(), Enabled);
+        const auto entry = [this] {
+            std::ostringstream text;
+            text << std::ifstream(m_entry).rdbuf();
+            return text.str();
+        };
+        const std::string current = entry();
+        std::string earlier = current;
+        earlier.erase(earlier.find(" --at-login"), strlen(" --at-login"));
+        for (const auto &kept : {start, earlier + "Hidden=true\n"}) {
+            std::ofstream(m_entry) << kept;
+            m_item.bringUpToDate();
+            QCOMPARE(entry(), kept);
+        }
+        std::ofstream(m_entry) << earlier;
+        m_item.bringUpToDate();
+        QCOMPARE(entry(), current);
         fs::remove_all(m_bundle.bundlePath);
         QCOMPARE(m_item.status(), NotFound);
     }
