@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QLayout>
+#include <QScreen>
 
 namespace ambertide {
 
@@ -11,6 +12,15 @@ namespace {
 constexpr int marginOfFocus = 8;
 
 } // namespace
+
+QRect roomOnScreen(const QWidget &window)
+{
+    constexpr int panelsAndTitleBar = 96; // logical pixels
+    auto room = window.screen()->availableGeometry();
+    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        room.setHeight(room.height() - panelsAndTitleBar);
+    return room;
+}
 
 Page::Page(QWidget *content, QWidget *parent) : QScrollArea(parent)
 {

@@ -4,6 +4,10 @@
 
 namespace ambertide {
 
+/// Where on its screen a window can be, its frame included. Wayland tells neither what the desktop's panels take nor
+/// how high a title bar is: there it is less by as much as these usually are.
+QRect roomOnScreen(const QWidget &window);
+
 /// Shows a content that may be taller than there is room, and then scrolls it; it is never narrower than its content.
 /// Has no surface of its own. What takes the focus is scrolled into view.
 class Page final : public QScrollArea

@@ -2,7 +2,6 @@
 
 #include "ui/controls/Drawing.h"
 #include "ui/controls/Page.h"
-#include "ui/controls/ScreenRoom.h"
 #include "ui/controls/Sheet.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/settings/ScheduleSettingsView.h"

@@ -2,8 +2,8 @@
 
 #include "ui/controls/Button.h"
 #include "ui/controls/Card.h"
+#include "ui/controls/Page.h"
 #include "ui/controls/ProgressBar.h"
-#include "ui/controls/ScreenRoom.h"
 #include "ui/controls/TextLabel.h"
 #include "ui/updates/ReleaseNotesView.h"
 #include "ui/updates/UpdateFailureText.h"
