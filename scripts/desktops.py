@@ -12,7 +12,6 @@ import tempfile
 import time
 
 SOURCES = pathlib.Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(SOURCES / "tests/desktop"))
 RESULTS = SOURCES / "build/desktops"
 PROGRAMS = pathlib.Path("/usr/lib/ambertide/Contents/MacOS")
 WIDTH, HEIGHT = 1280, 800

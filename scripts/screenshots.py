@@ -1,4 +1,4 @@
-"""Makes pictures of the windows: <build folder> <folder for the pictures> <scale> <light or dark>.
+"""What scripts/screenshots does for each look: <build folder> <folder for the pictures> <scale> <light or dark>.
 
 The windows stand on a plain desktop, in one font, at one time of day, whatever the machine. A file system of its own
 tells the application whether the command-line tool is installed.
@@ -11,6 +11,8 @@ import pathlib
 import subprocess
 import sys
 import uuid
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests/desktop"))
 
 import screen_reader
 from desktop import Desktop, wait_until
