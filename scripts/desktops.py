@@ -275,9 +275,9 @@ DESKTOPS = {"plasma-x11": Plasma, "plasma-wayland": PlasmaWayland, "gnome": Gnom
 
 
 def changed_area(before, after):
-    """x, y, width and height of the largest part in which two pictures differ."""
+    """x, y, width and height of the largest part in which two pictures differ, by more than a shadow makes up."""
     listing = output("convert", before, after, "-compose", "difference", "-composite", "-colorspace", "gray", "-threshold",
-                     "1%", "-morphology", "close", "square:4", "-define", "connected-components:verbose=true",
+                     "20%", "-morphology", "close", "square:4", "-define", "connected-components:verbose=true",
                      "-connected-components", "8", "null:")
     parts = re.findall(r"(\d+)x(\d+)\+(\d+)\+(\d+) \S+ (\d+) (?:gray\(255\)|srgb\(255,255,255\)|white)", listing)
     width, height, x, y, _ = max((tuple(map(int, part)) for part in parts), key=lambda part: part[4])
@@ -363,4 +363,5 @@ def main(names):
     (RESULTS / "table.md").write_text("\n".join(table) + "\n")
 
 
-main(sys.argv[1:] or list(DESKTOPS))
+if __name__ == "__main__":
+    main(sys.argv[1:] or list(DESKTOPS))
