@@ -258,6 +258,10 @@
         <source>None of the displays here can be tinted.</source>
         <translation>Keiner der Bildschirme hier lässt sich einfärben.</translation>
     </message>
+    <message>
+        <source>Night Light is suspended. The tint comes once it is resumed.</source>
+        <translation>Das Nachtlicht ist ausgesetzt. Die Färbung kommt, sobald es fortgesetzt wird.</translation>
+    </message>
 </context>
 <context>
     <name>ambertide::PrivilegedRunner</name>

@@ -29,8 +29,9 @@ struct GammaTables
 struct TintRefusal
 {
     enum class Reason {
-        Desktop, ///< it lets no program tint displays
-        Displays ///< none of them has tables that can be set
+        Desktop,  ///< it lets no program tint displays
+        Displays, ///< none of them has tables that can be set
+        Suspended ///< it is what tints them, and has suspended that
     };
     Reason reason = Reason::Desktop;
     std::string details; ///< a line in English, for logs and terminals

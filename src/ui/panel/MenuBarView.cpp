@@ -165,8 +165,15 @@ QString MenuBarView::refusalText(const std::optional<TintRefusal> &refusal)
 {
     if (!refusal)
         return {};
-    return refusal->reason == TintRefusal::Reason::Desktop ? tr("This desktop lets no program tint the displays.")
-                                                           : tr("None of the displays here can be tinted.");
+    switch (refusal->reason) {
+    case TintRefusal::Reason::Desktop:
+        return tr("This desktop lets no program tint the displays.");
+    case TintRefusal::Reason::Displays:
+        return tr("None of the displays here can be tinted.");
+    case TintRefusal::Reason::Suspended:
+        break;
+    }
+    return tr("Night Light is suspended. The tint comes once it is resumed.");
 }
 
 QString MenuBarView::statusText(const AppViewModel &viewModel)

@@ -71,7 +71,7 @@ bool KWinBackend::process()
 {
     const auto changes = m_service.process();
     if (changes.isInhibited && m_loan.isActive())
-        sayInhibited();
+        noteInhibition(*changes.isInhibited);
     if (changes.settings && m_loan.isActive() && !m_loan.isUntouched())
         giveBack();
     const auto now = Clock::now();
@@ -91,7 +91,8 @@ void KWinBackend::request(int temperature)
         return;
     m_guardian.guard(1);
     if (!m_loan.borrow(next)) {
-        console::print("Displays cannot be tinted by KWin: " + m_loan.failure() + ".");
+        m_refusal = {TintRefusal::Reason::Displays, "Displays cannot be tinted by KWin: " + m_loan.failure() + '.'};
+        console::print(m_refusal->details);
         m_wanted.reset();
         if (!m_loan.isActive())
             m_guardian.dismiss();
@@ -108,8 +109,7 @@ void KWinBackend::request(int temperature)
 int KWinBackend::stepTowards(int temperature)
 {
     const auto state = m_service.state();
-    if (state && state->isInhibited && !m_loan.isActive())
-        sayInhibited();
+    noteInhibition(state && state->isInhibited);
     if (!state || state->isInhibited || !m_mayDetour || !isIgnored(state->temperature, temperature))
         return temperature;
     m_mayDetour = false;
@@ -153,14 +153,21 @@ void KWinBackend::forget()
 {
     m_wanted.reset();
     m_arrival.reset();
+    m_refusal.reset();
     m_guardian.dismiss();
     m_service.disconnect();
 }
 
-void KWinBackend::sayInhibited()
+void KWinBackend::noteInhibition(bool isInhibited)
 {
-    console::print("KWin's Night Light is suspended: displays are tinted once it is resumed.");
+    if (!isInhibited)
+        return m_refusal.reset();
     m_wanted.reset();
+    if (m_refusal && m_refusal->reason == TintRefusal::Reason::Suspended)
+        return;
+    m_refusal = {TintRefusal::Reason::Suspended,
+                 "KWin's Night Light is suspended: displays are tinted once it is resumed."};
+    console::print(m_refusal->details);
 }
 
 } // namespace ambertide

@@ -18,7 +18,7 @@ namespace ambertide {
 ///
 /// KWin makes no change of 50 K or less: for those it is sent some way in the other direction first.
 ///
-/// While Night Light is suspended, or once somebody else has changed its settings, that is said in one line and nothing
+/// While Night Light is suspended, or once somebody else has changed its settings, that is said in a line and nothing
 /// more is written until another target is wanted. Settings of others are never put back or written over then.
 ///
 /// While a tint is on, a process of its own stands by to give the settings back; the end of this object has it do so if
@@ -41,6 +41,7 @@ public:
     int descriptor() const override { return m_service.descriptor(); }
     std::optional<Clock::time_point> due() const override;
     bool process() override;
+    std::optional<TintRefusal> tintRefusal() const override { return m_refusal; }
     GuardianProcess *guardian() override { return &m_guardian; }
 
 private:
@@ -49,7 +50,7 @@ private:
     void checkArrival();
     void giveBack();
     void forget();
-    void sayInhibited();
+    void noteInhibition(bool isInhibited);
 
     NightLightService m_service;
     GuardianProcess m_guardian; ///< ends after the loan, which it may have to end
@@ -59,6 +60,7 @@ private:
     bool m_mayDetour = false;
     Clock::time_point m_earliestRequest{};
     std::optional<Clock::time_point> m_arrival; ///< KWin's ramp is over by then
+    std::optional<TintRefusal> m_refusal;
 };
 
 } // namespace ambertide

@@ -105,7 +105,8 @@ int NightLightService::receiveProperties(sd_bus_message *message, void *context,
     if (reader.text() == interface) {
         const auto properties = reader.dictionary();
         auto &changes = static_cast<NightLightService *>(context)->m_changes;
-        changes.isInhibited = changes.isInhibited || (properties && isTrue(*properties, "inhibited"));
+        if (properties && properties->contains("inhibited"))
+            changes.isInhibited = isTrue(*properties, "inhibited");
     }
     return 0;
 }

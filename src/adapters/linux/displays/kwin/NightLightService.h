@@ -22,8 +22,8 @@ public:
     };
     struct Changes
     {
-        bool isInhibited = false; ///< it has become so
-        bool settings = false;    ///< somebody has changed kwinrc, this program included
+        std::optional<bool> isInhibited; ///< as it has become
+        bool settings = false;           ///< somebody has changed kwinrc, this program included
     };
 
     NightLightService() = default;

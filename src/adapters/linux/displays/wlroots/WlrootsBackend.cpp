@@ -95,6 +95,15 @@ std::optional<DisplayBackend::Clock::time_point> WlrootsBackend::due() const
     return m_compositor ? m_compositor->due() : m_changed;
 }
 
+std::optional<TintRefusal> WlrootsBackend::tintRefusal() const
+{
+    if (!m_compositor || !m_compositor->refusesAll())
+        return std::nullopt;
+    return TintRefusal{
+        TintRefusal::Reason::Displays,
+        "The compositor gives the gamma tables of no display: it has none, or another program has them."};
+}
+
 bool WlrootsBackend::process()
 {
     if (!m_compositor)

@@ -35,6 +35,7 @@ public:
     int descriptor() const override { return m_compositor ? m_compositor->descriptor() : -1; }
     std::optional<Clock::time_point> due() const override;
     bool process() override;
+    std::optional<TintRefusal> tintRefusal() const override;
     GuardianProcess *guardian() override { return &m_guardian; }
 
 private:

@@ -150,6 +150,13 @@ std::vector<DisplayIdentifier> WlrootsCompositor::displays() const
     return displays;
 }
 
+bool WlrootsCompositor::refusesAll() const
+{
+    return !m_outputs.empty() && !m_matrixGlobal && std::ranges::all_of(m_outputs, [](const auto &named) {
+        return !named.second.hasTables || named.second.nextAttempt;
+    });
+}
+
 bool WlrootsCompositor::mustAsk(const Output &output) const
 {
     return !output.control && output.hasTables && !output.matrix &&

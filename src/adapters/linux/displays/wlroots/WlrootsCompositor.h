@@ -48,6 +48,8 @@ public:
     bool takeEvents();
     /// The outputs that are not known to have no tables.
     std::vector<DisplayIdentifier> displays() const;
+    /// Whether there are outputs, and none of them can be tinted now.
+    bool refusesAll() const;
     /// Whether show() would write to each of them, or leave it out, and not ask for a control.
     bool hasAskedFor(std::span<const DisplayIdentifier> displays) const;
     /// Asks for the controls that are missing, and waits for the answers, that long at most. restore() reaches what

@@ -247,7 +247,9 @@ private Q_SLOTS:
         QTRY_COMPARE((serve(backend), Session::temperature()), 2700);
         busctl(QStringLiteral("call org.kde.KWin %1 org.kde.KWin.NightLight Suspend").arg(QLatin1String(path)));
         QTRY_COMPARE((serve(backend), session.console.lines.size()), 2U);
+        QVERIFY(backend.tintRefusal());
         backend.restore();
+        QVERIFY(!backend.tintRefusal());
         QCOMPARE(Session::settings(), theirs);
         QCOMPARE(session.console.lines.size(), 2U);
     }

@@ -141,6 +141,7 @@ private Q_SLOTS:
                 for (int i = 0; i < 5; ++i)
                     tint(services, 0.5F);
                 QTRY_COMPARE(console.lines.size(), 1U);
+                QTRY_VERIFY(services.refusal());
                 QCOMPARE(compositor.output(0).shown, shown);
             }
             process.kill();
