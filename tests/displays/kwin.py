@@ -1,5 +1,5 @@
-"""kwin.py [part...]: the job for KWin, which tints by its own Night Light; one output, and two for plugging. Parts:
-plain, ends, plugging, kills:<number>; all but the last where none are named."""
+"""kwin.py <part>...: the job for KWin, which tints by its own Night Light; one output, and two for plugging. Parts:
+plain, drag, ends, plugging, kills:<number>."""
 import itertools
 import pathlib
 import re
@@ -9,8 +9,8 @@ import sys
 import threading
 import time
 
-from machine import USER, Hardware, Session, as_user, plug, row, set_temperature, tool, wait_for, white_point
-from measures import Measures, run_parts
+from machine import USER, Hardware, as_user, plug, row, set_temperature, tool, wait_for, white_point
+from measures import Job
 
 KWINRC = pathlib.Path(USER.pw_dir, ".config/kwinrc")
 STATE = pathlib.Path(USER.pw_dir, ".local/state/ambertide/night-light")
@@ -64,141 +64,139 @@ class Screen(Hardware):
                    default=1)
 
 
-def ramp(kelvin, before):
-    """KWin's own, in steps of 50 K and a part of one: of a small change the parts count."""
-    asked = set_temperature(kelvin)
-    wait_for(lambda: settings() != untouched and hardware.history[-1][0] > asked, 5)
-    hardware.rested()
-    times = [moment for moment, _ in hardware.since(asked)]
-    length = times[-1] - times[0] + 2 / len(times)
-    if before == 6500:
-        row("length of the session's first ramp on the screen", length, "s")
-    else:
-        row(f"length of a ramp of {'1000 K or more' if abs(kelvin - before) >= 1000 else 'less'}", length, "s", 2.1)
-    measures.levels(kelvin)
+def milliseconds_until(condition, moment):
+    """Since that moment; None when it does not come true."""
+    return 1000 * (time.monotonic() - moment) if wait_for(condition, 3) else None
+
+
+class KWin(Job):
+    LEVELS = "{} K: white off by"
+    PLUGGED, KILLED = None, 100
+
+    def back_since(self, moment, what, reach=None):
+        """Shown when neutral, quit or a signal came at that moment."""
+        row(f"{what}: settings back after", milliseconds_until(lambda: settings() == untouched, moment), "ms", reach)
+        wait_for(lambda: self.hardware.history[-1][0] > moment, 5)
+        last = self.hardware.rested()
+        row(f"{what}: screen back after", last[0] - moment if self.hardware.is_neutral() else None, "s", 2.1)
+        row(f"{what}: nothing left borrowed", content(STATE) == b"")
+
+    def tinted(self):
+        application = self.start()
+        set_temperature(3400)
+        wait_for(lambda: b"Constant" in content(KWINRC), 10)
+        time.sleep(1)
+        self.hardware.rested()
+        return application
+
+    def ramp(self, before, kelvin):
+        """KWin's own, in steps of 50 K and a part of one: of a small change the parts count."""
+        asked = set_temperature(kelvin)
+        wait_for(lambda: settings() != untouched and self.hardware.history[-1][0] > asked, 5)
+        self.hardware.rested()
+        times = [moment for moment, _ in self.hardware.since(asked)]
+        length = times[-1] - times[0] + 2 / len(times)
+        if before == 6500:
+            row("length of the session's first ramp on the screen", length, "s")
+        else:
+            row(f"length of a ramp of {'1000 K or more' if abs(kelvin - before) >= 1000 else 'less'}", length, "s", 2.1)
+        self.levels(kelvin)
+
+    def plain(self):
+        application = self.start()
+        for before, kelvin in itertools.pairwise((6500, 2700, 3400, 2000, 4500, 5500, 6000)):
+            self.ramp(before, kelvin)
+        tool("set", "6040")
+        asked = time.monotonic()
+        arrived = wait_for(lambda: time.monotonic() > asked + 2 and night_light("currentTemperature") ==
+                           re.search(rb"NightTemperature=(\d+)", content(KWINRC)).group(1).decode(), 9)
+        row("40 K more: arrived after", time.monotonic() - asked if arrived else None, "s", 6)
+        set_temperature(3400)
+        self.hardware.rested()
+        self.back_since(set_temperature(6500), "neutral")
+        row("neutral: kwinrc as before, byte for byte", content(KWINRC) == original)
+        application.quit()
+
+    def drag(self):
+        application = self.tinted()
+        time.sleep(3)
+        told = len(announced)
+        begun = time.monotonic()
+        for i in range(30):
+            tool("set", str(3400 + 80 * i))
+        tool("set", "2700")
+        time.sleep(1.5)
+        self.hardware.rested(1.2)
+        row("drag: requests a second", (len(announced) - told - 1) / (announced[-1] - begun), "", 1.1)
+        self.levels(2700)
+        application.quit()
+
+    def ends(self):
+        self.back_since(self.tinted().quit(), "quit")
+        for number in (signal.SIGTERM, signal.SIGKILL):
+            self.back_since(self.tinted().end(number), number.name, 100)
+
+        application = self.tinted()
+        guardian = subprocess.run(["pgrep", "-x", "AmbertideGuardi"], capture_output=True, text=True).stdout.split()
+        subprocess.run(["kill", "-KILL", str(application.process.pid), *guardian])
+        application.process.wait()
+        time.sleep(1)
+        row("power cut: settings still borrowed", b"Constant" in content(KWINRC) and content(STATE) != b"")
+        seen = []
+        watcher = threading.Thread(target=lambda: seen.append(wait_for(lambda: settings() == untouched, 20)))
+        watcher.start()
+        application = self.start()
+        watcher.join()
+        row("power cut: settings back at the next start", seen == [True])
+        wait_for(lambda: settings() != untouched, 5)
+        application.quit()
+        row("power cut: settings back after that one quits", wait_for(is_given_back, 5))
+
+        application = self.tinted()
+        output("kwriteconfig6", "--file", "kwinrc", "--group", "NightColor", "--key", "NightTemperature", "--notify",
+               "5000")
+        time.sleep(1)
+        told, theirs = len(announced), content(KWINRC)
+        application.quit()
+        row("changed by the user: left alone",
+            content(KWINRC) == theirs and len(announced) == told and b"5000" in theirs)
+        row("changed by the user: nothing left borrowed", content(STATE) == b"")
+        KWINRC.write_bytes(original)
+        output("busctl", "--user", "emit", "/kwinrc", "org.kde.kconfig.notify", "ConfigChanged", "a{saay}", "1",
+               "NightColor", "1", "6", *"65 99 116 105 118 101".split())
+        time.sleep(3)
+
+    def plugging(self):
+        application = self.tinted()
+        plug(1, True)
+        row("second output plugged in: tinted",
+            wait_for(lambda: len(self.hardware.whites()) == 2 and self.hardware.shows(3400), 10))
+        application.quit()
+        super().plugging()
+
+    def restored_to(self, own):
+        return lambda moment: milliseconds_until(is_given_back, moment)
+
+    def kills(self, count):
+        super().kills(count)
+        row("screen neutral in the end",
+            self.hardware.settled(time.monotonic(), self.hardware.is_neutral) is not None)
+        row("nothing left borrowed", is_given_back())
 
 
 def is_given_back():
     return settings() == untouched and content(STATE) == b""
 
 
-def milliseconds_until(condition, moment):
-    """Since that moment; None when it does not come true."""
-    return 1000 * (time.monotonic() - moment) if wait_for(condition, 3) else None
-
-
-def back_since(moment, what, reach=None):
-    row(f"{what}: settings back after", milliseconds_until(lambda: settings() == untouched, moment), "ms", reach)
-    wait_for(lambda: hardware.history[-1][0] > moment, 5)
-    last = hardware.rested()
-    row(f"{what}: screen back after", last[0] - moment if hardware.is_neutral() else None, "s", 2.1)
-    row(f"{what}: nothing left borrowed", content(STATE) == b"")
-
-
-def tinted():
-    application = measures.start()
-    set_temperature(3400)
-    wait_for(lambda: b"Constant" in content(KWINRC), 10)
-    time.sleep(1)
-    hardware.rested()
-    return application
-
-
-hardware = Screen(2)
+screen = Screen(2)
 plug(1, False)
-session = Session(SESSION)
-display = session.wayland_display()
+job = KWin(SESSION, ["kwin_wayland", "--version"], screen)
 wait_for(lambda: night_light("available") == "true", 40)
 announced = []
 threading.Thread(target=note_announcements, daemon=True).start()
 time.sleep(3)
-hardware.start(1)
-Measures.LEVELS = "{} K: white off by"
-measures = Measures(hardware, display, ["kwin_wayland", "--version"])
 with open(KWINRC, "a", encoding="utf8") as file:
     file.write("\n[NightColor]\nNightTemperature=4100\r\n\n[Of somebody else]\nKey[de]=Wert\n")
 subprocess.run(["chown", "lab:lab", KWINRC])
 untouched, original = settings(), content(KWINRC)
-
-
-def plain():
-    application = measures.start()
-    for before, kelvin in itertools.pairwise((6500, 2700, 3400, 2000, 4500, 5500, 6000)):
-        ramp(kelvin, before)
-    tool("set", "6040")
-    asked = time.monotonic()
-    arrived = wait_for(lambda: time.monotonic() > asked + 2 and night_light("currentTemperature") ==
-                       re.search(rb"NightTemperature=(\d+)", content(KWINRC)).group(1).decode(), 9)
-    row("40 K more: arrived after", time.monotonic() - asked if arrived else None, "s", 6)
-    set_temperature(3400)
-    hardware.rested()
-    back_since(set_temperature(6500), "neutral")
-    row("neutral: kwinrc as before, byte for byte", content(KWINRC) == original)
-
-    set_temperature(3400)
-    time.sleep(4)
-    told = len(announced)
-    begun = time.monotonic()
-    for i in range(30):
-        tool("set", str(3400 + 80 * i))
-    tool("set", "2700")
-    time.sleep(1.5)
-    hardware.rested(1.2)
-    row("drag: requests a second", (len(announced) - told - 1) / (announced[-1] - begun), "", 1.1)
-    measures.levels(2700)
-    application.quit()
-
-
-def ends():
-    back_since(tinted().quit(), "quit")
-    for number in (signal.SIGTERM, signal.SIGKILL):
-        back_since(tinted().end(number), number.name, 100)
-
-    application = tinted()
-    guardian = subprocess.run(["pgrep", "-x", "AmbertideGuardi"], capture_output=True, text=True).stdout.split()
-    subprocess.run(["kill", "-KILL", str(application.process.pid), *guardian])
-    application.process.wait()
-    time.sleep(1)
-    row("power cut: settings still borrowed", b"Constant" in content(KWINRC) and content(STATE) != b"")
-    seen = []
-    watcher = threading.Thread(target=lambda: seen.append(wait_for(lambda: settings() == untouched, 20)))
-    watcher.start()
-    application = measures.start()
-    watcher.join()
-    row("power cut: settings back at the next start", seen == [True])
-    wait_for(lambda: settings() != untouched, 5)
-    application.quit()
-    row("power cut: settings back after that one quits", wait_for(is_given_back, 5))
-
-    application = tinted()
-    output("kwriteconfig6", "--file", "kwinrc", "--group", "NightColor", "--key", "NightTemperature", "--notify", "5000")
-    time.sleep(1)
-    told = len(announced)
-    theirs = content(KWINRC)
-    application.quit()
-    row("changed by the user: left alone",
-        content(KWINRC) == theirs and len(announced) == told and b"5000" in theirs)
-    row("changed by the user: nothing left borrowed", content(STATE) == b"")
-    KWINRC.write_bytes(original)
-    output("busctl", "--user", "emit", "/kwinrc", "org.kde.kconfig.notify", "ConfigChanged", "a{saay}", "1",
-           "NightColor", "1", "6", *"65 99 116 105 118 101".split())
-    time.sleep(3)
-
-
-def plugging():
-    application = tinted()
-    plug(1, True)
-    row("second output plugged in: tinted",
-        wait_for(lambda: len(hardware.whites()) == 2 and hardware.shows(3400), 10))
-    application.quit()
-    measures.plugging()
-
-
-def kills(count):
-    measures.kills(count, lambda moment: milliseconds_until(is_given_back, moment), 100)
-    row("screen neutral in the end", hardware.settled(time.monotonic(), hardware.is_neutral) is not None)
-    row("nothing left borrowed", is_given_back())
-
-
-run_parts({"plain": plain, "ends": ends, "plugging": plugging, "kills": kills}, sys.argv[1:])
-session.stop()
+job.run(sys.argv[1:])

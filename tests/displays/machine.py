@@ -48,11 +48,12 @@ class Hardware:
         self.history = []  # (seconds, {crtc: levels of its tables}), oldest first
         self.log = open(SHARE / "hardware.log", "w", encoding="utf8")
 
-    def start(self, outputs):
+    def start(self):
         # It polls, and is not to take the compositor's time.
         reader = subprocess.Popen(["nice", "-n", "15", "kmsdump", "-w", "100000"], stdout=subprocess.PIPE, text=True)
         threading.Thread(target=lambda: [self._note(line) for line in reader.stdout], daemon=True).start()
-        wait_for(lambda: self.history and len(self.whites()) == outputs, 20)
+        plugged = sum(file.read_text().strip() == "1" for file in CARD.glob("connectors/*/status"))
+        wait_for(lambda: self.history and len(self.whites()) == plugged, 20)
 
     def _note(self, line):
         seconds, state = line.split(" ", 1)

@@ -1,5 +1,4 @@
-"""mutter.py [part...]: the job for GNOME, with two outputs. Parts: plain, ends, plugging, profiles, nights,
-kills:<number>; all but the last where none are named."""
+"""mutter.py <part>...: the job for GNOME. Parts: plain, idle, ends, plugging, profiles, nights, kills:<number>."""
 import pathlib
 import signal
 import struct
@@ -7,10 +6,10 @@ import subprocess
 import sys
 import time
 
-from machine import Hardware, Session, as_user, row, set_temperature, wait_for
-from measures import Measures, run_parts
+from machine import as_user, row, set_temperature, wait_for
+from measures import Job
 
-PROFILES = pathlib.Path("/usr/share/color/icc")
+PROFILE = pathlib.Path("/usr/share/color/icc/curved.icc")
 SETTINGS = """import sys; from gi.repository import Gio
 settings = Gio.Settings.new("org.gnome.settings-daemon.plugins.color")
 settings.set_boolean("night-light-schedule-automatic", False)
@@ -26,8 +25,8 @@ def night_light(kelvin):
     as_user("python3", "-c", SETTINGS, str(kelvin)).wait()
 
 
-def write_profile(path, tops, exponent):
-    """A display's profile of version 2 with curves that end at `tops`."""
+def write_profile():
+    """A display's, of version 2, with a curve for each channel."""
     def fixed(*values):
         return b"".join(struct.pack(">i", round(value * 65536)) for value in values)
     tags = [(b"desc", b"desc\0\0\0\0" + struct.pack(">I", 4) + b"lab\0" + bytes(78)), (b"cprt", b"text\0\0\0\0none\0"),
@@ -36,7 +35,7 @@ def write_profile(path, tops, exponent):
             (b"gXYZ", b"XYZ \0\0\0\0" + fixed(.38515, .71687, .09708)),
             (b"bXYZ", b"XYZ \0\0\0\0" + fixed(.14307, .06061, .7141))]
     tags += [(name, b"curv\0\0\0\0" + struct.pack(">IH", 1, 563)) for name in (b"rTRC", b"gTRC", b"bTRC")]
-    levels = [round(65535 * top * (i / 255) ** exponent) for top in tops for i in range(256)]
+    levels = [round(65535 * top * (i / 255) ** 1.2) for top in (1, .95, .9) for i in range(256)]
     tags.append((b"vcgt", b"vcgt\0\0\0\0" + struct.pack(">IHHH768H", 0, 3, 256, 2, *levels)))
     table, data, start = struct.pack(">I", len(tags)), b"", 132 + 12 * len(tags)
     for name, content in tags:
@@ -44,8 +43,8 @@ def write_profile(path, tops, exponent):
         data += content + bytes(-len(content) % 4)
     header = struct.pack(">I4sI4s4s4s12s4s28s12s", start + len(data), b"lcms", 0x02400000, b"mntr", b"RGB ", b"XYZ ",
                          struct.pack(">6H", 2026, 1, 1, 0, 0, 0), b"acsp", b"", fixed(.9642, 1, .8249))
-    path.parent.mkdir(parents=True, exist_ok=True)
-    path.write_bytes(header.ljust(128, b"\0") + table + data)
+    PROFILE.parent.mkdir(parents=True, exist_ok=True)
+    PROFILE.write_bytes(header.ljust(128, b"\0") + table + data)
 
 
 def colormgr(*arguments):
@@ -53,103 +52,73 @@ def colormgr(*arguments):
     return [line.split(":", 1)[1].strip() for line in printed.splitlines() if line.startswith("Object Path")]
 
 
-def assign(name):
-    profile = wait_for(lambda: colormgr("find-profile-by-filename", str(PROFILES / name)), 10)[0]
+def assign_profile():
+    profile = wait_for(lambda: colormgr("find-profile-by-filename", str(PROFILE)), 10)[0]
     for device in colormgr("get-devices"):
         colormgr("device-add-profile", device, profile)
         colormgr("device-make-profile-default", device, profile)
 
 
-def shows_curve():
-    return all(abs(white[2] - .9 * 65535) < 2 for white in hardware.whites())
+class Mutter(Job):
+    FIRST_TABLE = 200
+
+    def shows_curve(self):
+        return all(abs(white[2] - .9 * 65535) < 2 for white in self.hardware.whites())
+
+    def without(self, kelvin, start):
+        """The longest time, in milliseconds, for which the hardware has shown something else."""
+        longest, since = 0.0, None
+        for entry in self.hardware.since(start):
+            if not self.hardware.shows(kelvin, entry):
+                since = since or entry[0]
+            elif since:
+                longest, since = max(longest, entry[0] - since), None
+        return 1000 * longest
+
+    def profiles(self):
+        application = self.start()
+        self.tint(3000)
+        assigned = time.monotonic()
+        assign_profile()
+        self.hardware.rested(2.5)
+        row("profile assigned: shows 3000 K", self.hardware.shows(3000))
+        row("longest without it", self.without(3000, assigned), "ms", 250)
+        set_temperature(6500)
+        row("curve shown at neutral", wait_for(self.shows_curve, 10))
+        application.quit()
+        self.ends("calibrated")
+
+    def nights(self):
+        assign_profile()
+        night_light(4000)
+        time.sleep(3)
+        row("Night Light alone: blue at white", self.hardware.whites(self.hardware.rested(5))[0][2])
+        self.ends("Night Light, calibrated")
+        application = self.start()
+        self.tint(3000)
+        changed = time.monotonic()
+        night_light(3500)
+        time.sleep(8)
+        row("Night Light's own ramp: still shows 3000 K", self.hardware.shows(3000))
+        row("tables of its own seen", sum(not self.hardware.shows(3000, entry)
+                                          for entry in self.hardware.since(changed)))
+        row("longest without 3000 K", self.without(3000, changed), "ms", 250)
+        night_light(0)
+        time.sleep(8)
+        row("Night Light off: still shows 3000 K", self.hardware.shows(3000))
+        set_temperature(6500)
+        row("then neutral shows the curve", wait_for(self.shows_curve, 10))
+        application.end(signal.SIGKILL)
 
 
-def longest_without(kelvin, start):
-    """Milliseconds for which the hardware has shown something else at a time."""
-    longest, since = 0.0, None
-    for entry in hardware.since(start):
-        if not hardware.shows(kelvin, entry):
-            since = since or entry[0]
-        elif since:
-            longest, since = max(longest, entry[0] - since), None
-    return 1000 * longest
-
-
-write_profile(PROFILES / "curved.icc", (1, .95, .9), 1.2)
+write_profile()
 rules = pathlib.Path("/etc/polkit-1/rules.d/1.rules")
 rules.parent.mkdir(parents=True, exist_ok=True)
 rules.write_text("polkit.addRule(function() { return polkit.Result.YES; });")
 subprocess.run(["systemctl", "start", "polkit", "colord"])
-hardware = Hardware(2)
-session = Session("""export XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=GNOME LIBGL_ALWAYS_SOFTWARE=1 MUTTER_DEBUG=color
+job = Mutter("""export XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=GNOME LIBGL_ALWAYS_SOFTWARE=1 MUTTER_DEBUG=color
 exec mutter --wayland --no-x11
-""")
-display = session.wayland_display()
-time.sleep(5)
-hardware.start(2)
+""", ["mutter", "--version"])
 as_user("/usr/libexec/gsd-color", stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 time.sleep(3)
-measures = Measures(hardware, display, ["mutter", "--version"])
-
-
-def plain():
-    application = measures.start()
-    measures.ramp_from_neutral(3400)
-    measures.first_tables(200)
-    measures.idle(application)
-    asked = set_temperature(6500)
-    row("neutral again", hardware.settled(asked, hardware.is_neutral) is not None)
-    application.quit()
-
-
-def ends():
-    measures.ends("plain", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL, signal.SIGKILL, signal.SIGKILL])
-
-
-def plugging():
-    measures.plugging(250)
-
-
-def profiles():
-    application = measures.start()
-    measures.tint(3000)
-    assigned = time.monotonic()
-    assign("curved.icc")
-    hardware.rested(2.5)
-    row("profile assigned: shows 3000 K", hardware.shows(3000))
-    row("longest without it", longest_without(3000, assigned), "ms", 250)
-    set_temperature(6500)
-    row("curve shown at neutral", wait_for(shows_curve, 10))
-    application.quit()
-    measures.ends("calibrated")
-
-
-def nights():
-    assign("curved.icc")
-    night_light(4000)
-    time.sleep(3)
-    row("Night Light alone: blue at white", hardware.whites(hardware.rested(5))[0][2])
-    measures.ends("Night Light, calibrated")
-    application = measures.start()
-    measures.tint(3000)
-    changed = time.monotonic()
-    night_light(3500)
-    time.sleep(8)
-    row("Night Light's own ramp: still shows 3000 K", hardware.shows(3000))
-    row("tables of its own seen", sum(not hardware.shows(3000, entry) for entry in hardware.since(changed)))
-    row("longest without 3000 K", longest_without(3000, changed), "ms", 250)
-    night_light(0)
-    time.sleep(8)
-    row("Night Light off: still shows 3000 K", hardware.shows(3000))
-    set_temperature(6500)
-    row("then neutral shows the curve", wait_for(shows_curve, 10))
-    application.end(signal.SIGKILL)
-
-
-def kills(count):
-    measures.kills(count, measures.restored_to(hardware.rested(2.5)[1]), 500)
-
-
-run_parts({"plain": plain, "ends": ends, "plugging": plugging, "profiles": profiles, "nights": nights, "kills": kills},
-          sys.argv[1:])
-session.stop()
+job.run(sys.argv[1:])

@@ -1,12 +1,12 @@
-"""wlroots.py sway|labwc|wayfire|Hyprland [part...]: the job for compositors with wlr-gamma-control; two outputs. Parts:
-plain, ends, plugging, restart, kills:<number>; all but the last where none are named."""
+"""wlroots.py sway|labwc|wayfire|Hyprland <part>...: the job for compositors with wlr-gamma-control. Parts: plain, idle,
+ends, plugging, restart, kills:<number>."""
 import signal
 import subprocess
 import sys
 import time
 
-from machine import Application, Hardware, Session, as_user, row, wait_for
-from measures import Measures, run_parts
+from machine import Application, as_user, row, wait_for
+from measures import Job
 
 compositor = sys.argv[1]
 
@@ -32,59 +32,37 @@ def log():
     return Application.LOG.read_text(errors="replace")
 
 
-hardware = Hardware(2)
+class Wlroots(Job):
+    FIRST_TABLE = 120
+
+    def idle(self):
+        super().idle(lambda: log().count("set_gamma("), WAYLAND_DEBUG="client")
+
+    def restart(self):
+        application = self.start(QT_QPA_PLATFORM="offscreen")  # the toolkit's would end it with the compositor
+        self.tint(3400)
+        self.session.stop()
+        time.sleep(1)
+        self.session.start()
+        back = wait_for(lambda: self.session.wayland_display() == self.display and time.monotonic(), 60)
+        settled = self.hardware.shows_since(back, 3400, 40, 9)  # the hardware may keep the old tables for a while
+        row("compositor restarted: its socket to tinted", settled and settled / 1000, "s")
+        row("said to be lost and to be back",
+            all(text in log() for text in (f"compositor {self.display} is lost", f"{self.display} can be reached")))
+        application.end(signal.SIGKILL)
+
+
+class Hyprland(Wlroots):
+    @staticmethod
+    def switch(is_there):
+        """Aquamarine announces no output that is plugged in where the card has no GPU: the compositor is told."""
+        state = f"disabled = {str(not is_there).lower()}"
+        rule = f'hl.monitor({{output = "Virtual-2", mode = "preferred", position = "auto", {state}}})'
+        as_user("hyprctl", "-i", "0", "eval", rule, stdout=subprocess.DEVNULL).wait()
+
+
 subprocess.run("chmod 666 /dev/udmabuf", shell=True)
-session = Session(session_script)
-display = session.wayland_display()
-time.sleep(5)
-as_user("swaybg", "-c", "#ffffff", environment={"WAYLAND_DISPLAY": display}, stderr=subprocess.DEVNULL)
-hardware.start(2)
-measures = Measures(hardware, display, [compositor, "--version"])
-
-
-def plain():
-    application = measures.start()
-    measures.ramp_from_neutral(3400)
-    measures.first_tables(120)
-    application.quit()
-    application = measures.start(WAYLAND_DEBUG="client")
-    measures.tint(3400)
-    measures.idle(application, lambda: log().count("set_gamma("))
-    application.quit()
-
-
-def ends():
-    measures.ends("plain", ["neutral", "quit", signal.SIGTERM, signal.SIGKILL, signal.SIGKILL, signal.SIGKILL])
-
-
-def switch(is_there):
-    """Aquamarine announces no output that is plugged in where the card has no GPU: there the compositor is told."""
-    state = f"disabled = {str(not is_there).lower()}"
-    rule = f'hl.monitor({{output = "Virtual-2", mode = "preferred", position = "auto", {state}}})'
-    as_user("hyprctl", "-i", "0", "eval", rule, stdout=subprocess.DEVNULL).wait()
-
-
-def plugging():
-    measures.plugging(250, switch) if compositor == "Hyprland" else measures.plugging(250)
-
-
-def restart():
-    application = measures.start(QT_QPA_PLATFORM="offscreen")  # the toolkit would end the application with the compositor
-    measures.tint(3400)
-    session.stop()
-    time.sleep(1)
-    session.start()
-    back = wait_for(lambda: session.wayland_display() == display and time.monotonic(), 60)
-    settled = hardware.shows_since(back, 3400, 40, 9)  # the hardware may keep the old tables for a while
-    row("compositor restarted: its socket to tinted", settled and settled / 1000, "s")
-    row("said to be lost and to be back",
-        all(text in log() for text in (f"compositor {display} is lost", f"{display} can be reached")))
-    application.end(signal.SIGKILL)
-
-
-def kills(count):
-    measures.kills(count, lambda moment: hardware.settled(moment, hardware.is_neutral), 500)
-
-
-run_parts({"plain": plain, "ends": ends, "plugging": plugging, "restart": restart, "kills": kills}, sys.argv[2:])
-session.stop()
+job = (Hyprland if compositor == "Hyprland" else Wlroots)(session_script, [compositor, "--version"])
+as_user("swaybg", "-c", "#ffffff", environment={"WAYLAND_DISPLAY": job.display}, stderr=subprocess.DEVNULL)
+time.sleep(2)
+job.run(sys.argv[2:])

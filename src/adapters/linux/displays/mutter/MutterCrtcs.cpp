@@ -30,7 +30,7 @@ void MutterCrtcs::reload()
 void MutterCrtcs::forgetShown()
 {
     for (auto &[identifier, crtc] : m_crtcs) {
-        crtc.sent.reset();
+        crtc.call.reset(); // carried out, but perhaps before the other program's: the next one does not wait for it
         crtc.shown.reset();
         crtc.foreignTables = 0;
     }

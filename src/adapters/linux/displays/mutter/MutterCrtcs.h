@@ -11,9 +11,10 @@
 
 namespace ambertide {
 
-/// The CRTCs of mutter and what they are to show, brought about without waiting: one call is under way for each CRTC at
-/// most, and of tables that have to wait for it only the newest are kept. What a CRTC is known to show is not written
-/// again, but looked at, since nothing tells of another program's tables.
+/// The CRTCs of mutter and what they are to show, brought about without waiting: a call waits for the reply to the last
+/// one for its CRTC, unless other tables are known to have come between them, and of tables that have to wait only the
+/// newest are kept. What a CRTC is known to show is not written again, but looked at, since nothing tells of another
+/// program's tables.
 ///
 /// A call that is refused has the CRTCs read again and is repeated once; after that, with the next show().
 class MutterCrtcs
@@ -47,7 +48,7 @@ private:
         std::uint32_t identifier;
         std::optional<std::uint16_t> size{}; ///< of its tables, once it has been read
         std::optional<GammaTables> wanted{};
-        std::optional<GammaRamp> sent{};  ///< by the call under way, unless it may have been overwritten already
+        std::optional<GammaRamp> sent{};  ///< by the call under way
         std::optional<GammaRamp> shown{}; ///< nothing where that is unknown
         int foreignTables = 0;            ///< seen in a row
         bool mustBeLookedAt = false;

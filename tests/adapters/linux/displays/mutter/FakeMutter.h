@@ -4,9 +4,7 @@
 
 #include <poll.h>
 
-#include <array>
 #include <atomic>
-#include <cstring>
 #include <mutex>
 #include <string_view>
 #include <thread>
@@ -19,7 +17,7 @@ namespace ambertide {
 class FakeMutter
 {
 public:
-    using Tables = std::array<std::vector<std::uint16_t>, 3>;
+    using Levels = std::vector<std::uint16_t>; ///< red, green, blue
     enum class Habit { regular, silent, refusing, wrongTypes, thousandsOfCrtcs, hugeTables, noTables, noProperties };
 
     /// CRTCs with tables of these sizes.
@@ -34,20 +32,19 @@ public:
 
     std::atomic<Habit> habit = Habit::regular;
     std::atomic<int> malformed = 0;
-    std::atomic<int> refused = 0;
     std::atomic<int> written = 0;
     std::atomic<int> calls = 0;
 
-    Tables tables(std::size_t crtc) const
+    Levels shown(std::size_t crtc) const
     {
         const std::scoped_lock lock(m_lock);
-        return m_tables[crtc];
+        return m_shown[crtc];
     }
     /// As by another program.
-    void setBlue(std::size_t crtc, std::uint16_t level)
+    void writeOver(std::size_t crtc)
     {
         const std::scoped_lock lock(m_lock);
-        m_tables[crtc][2].assign(m_sizes[crtc], level);
+        m_shown[crtc].assign(3 * m_sizes[crtc], 77);
     }
     void makeSerialStale() { ++m_serial; }
     void changeMonitors()
@@ -87,10 +84,9 @@ private:
     /// Something that neither a tint nor a restore leaves behind.
     void resetTables()
     {
-        m_tables.clear();
+        m_shown.clear();
         for (const auto size : m_sizes)
-            m_tables.push_back({std::vector<std::uint16_t>(size, 1), std::vector<std::uint16_t>(size, 2),
-                                std::vector<std::uint16_t>(size, 3)});
+            m_shown.emplace_back(3 * size, 1);
     }
 
     static int handle(sd_bus_message *call, void *context, sd_bus_error *)
@@ -112,10 +108,8 @@ private:
         std::uint32_t serial = 0;
         std::uint32_t crtc = 0;
         sd_bus_message_read(call, "uu", &serial, &crtc);
-        if (serial != m_serial || crtc >= m_sizes.size() || (habit == Habit::refusing && member == "SetCrtcGamma")) {
-            ++refused;
+        if (serial != m_serial || crtc >= m_sizes.size() || (habit == Habit::refusing && member == "SetCrtcGamma"))
             return sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "stale");
-        }
         return member == "SetCrtcGamma" ? takeTables(call, crtc) : answerTables(call, crtc);
     }
 
@@ -151,36 +145,34 @@ private:
         sd_bus_message *reply = nullptr;
         sd_bus_message_new_method_return(call, &reply);
         const SdBusMessage owner(reply);
-        const std::vector<std::uint16_t> huge(5'000'000);
-        for (const auto &table : m_tables[crtc]) {
-            const auto &told = habit == Habit::hugeTables ? huge : table;
-            sd_bus_message_append_array(reply, 'q', told.data(), habit == Habit::noTables ? 0 : 2 * told.size());
-        }
+        const Levels told = habit == Habit::hugeTables ? Levels(15'000'000) : m_shown[crtc];
+        const std::size_t size = habit == Habit::noTables ? 0 : told.size() / 3;
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            sd_bus_message_append_array(reply, 'q', told.data() + channel * size, 2 * size);
         return sd_bus_send(nullptr, reply, nullptr);
     }
 
     int takeTables(sd_bus_message *call, std::uint32_t crtc)
     {
-        Tables taken;
-        for (auto &table : taken) {
+        Levels taken;
+        for (std::size_t channel = 1; channel <= 3; ++channel) {
             const void *levels = nullptr;
             std::size_t size = 0;
             sd_bus_message_read_array(call, 'q', &levels, &size);
-            table.resize(size / 2);
-            if (size > 0)
-                std::memcpy(table.data(), levels, size);
+            const auto *const first = static_cast<const std::uint16_t *>(levels);
+            taken.insert(taken.end(), first, first + size / 2);
+            if (size == 0 || taken.size() != channel * (size / 2))
+                ++malformed;
         }
-        if (taken[0].empty() || taken[1].size() != taken[0].size() || taken[2].size() != taken[0].size())
-            ++malformed;
         ++written;
-        m_tables[crtc] = std::move(taken);
+        m_shown[crtc] = std::move(taken);
         return sd_bus_reply_method_return(call, "");
     }
 
     const std::vector<std::size_t> m_sizes;
     mutable std::mutex m_lock; ///< guards what follows
     const SdBusConnection m_bus = openSdBus(SdBusKind::session);
-    std::vector<Tables> m_tables;
+    std::vector<Levels> m_shown;
     std::atomic<std::uint32_t> m_serial = 7;
     std::uint32_t m_temperature = 6500;
     std::jthread m_thread;

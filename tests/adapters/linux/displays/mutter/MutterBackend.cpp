@@ -11,7 +11,6 @@
 #include <sys/prctl.h>
 #include <sys/wait.h>
 
-#include <cmath>
 #include <csignal>
 #include <iostream>
 
@@ -30,25 +29,12 @@ GammaTables tint(float blue)
     return tables;
 }
 
-/// Straight lines up to the given levels.
-bool shows(const FakeMutter::Tables &tables, std::array<double, 3> tops)
-{
-    for (std::size_t channel = 0; channel < 3; ++channel) {
-        const auto &levels = tables[channel];
-        for (std::size_t i = 0; i < levels.size(); ++i) {
-            const double expected =
-                65535 * tops[channel] * static_cast<double>(i) / static_cast<double>(levels.size() - 1);
-            if (std::abs(levels[i] - expected) > 1)
-                return false;
-        }
-    }
-    return true;
-}
-
-bool isTinted(const FakeMutter &mutter, double blue, std::size_t crtcs = 2)
+bool isTinted(const FakeMutter &mutter, float blue, std::size_t crtcs = 2)
 {
     for (std::size_t crtc = 0; crtc < crtcs; ++crtc) {
-        if (!shows(mutter.tables(crtc), {1, 1, blue}))
+        const auto shown = mutter.shown(crtc);
+        const GammaRamp expected(tint(blue), static_cast<std::uint16_t>(shown.size() / 3));
+        if (!std::ranges::equal(shown, expected.levels()))
             return false;
     }
     return true;
@@ -60,6 +46,11 @@ BackendDisplayServices makeServices()
         [] { return std::make_unique<MutterBackend>(AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian"); });
 }
 
+void setTint(DisplayServices &services, float blue)
+{
+    services.setTransferTables(services.activeDisplays(), tint(blue));
+}
+
 /// A copy of the application: shows each level of blue that it reads, and at 1 restores the displays.
 int runCopy()
 {
@@ -67,17 +58,11 @@ int runCopy()
     services.restoreSystemColours(); // and it has connected
     for (float level = 0; std::cin >> level; std::cout << level << std::endl) {
         if (level < 1)
-            services.setTransferTables(services.activeDisplays(), tint(level));
+            setTint(services, level);
         else
             services.restoreSystemColours();
     }
     return 0;
-}
-
-/// Of a guardian whose application has ended.
-bool hasEnded(pid_t guardian)
-{
-    return QTest::qWaitFor([guardian] { return waitpid(guardian, nullptr, WNOHANG) == guardian; });
 }
 
 class Copy : public QProcess
@@ -90,6 +75,14 @@ public:
         while (state() != NotRunning && !canReadLine())
             waitForReadyRead(100);
         readAll();
+    }
+    /// False when its guardian stays for long.
+    bool end()
+    {
+        const auto guardian = childOf(static_cast<pid_t>(processId()), "AmbertideGuardian");
+        kill();
+        waitForFinished();
+        return QTest::qWaitFor([guardian] { return waitpid(guardian, nullptr, WNOHANG) == guardian; });
     }
 };
 
@@ -119,22 +112,19 @@ private Q_SLOTS:
         auto services = makeServices();
         QTRY_COMPARE(services.activeDisplays().size(), 2U); // the third one shows no picture
         for (int pass = 0; pass < 20; ++pass) {
-            services.setTransferTables(services.activeDisplays(), tint(0.5));
+            setTint(services, 0.5);
             QTRY_VERIFY(isTinted(mutter, 0.5));
         }
         QCOMPARE(mutter.written.load(), 2);
-        mutter.setBlue(1, 77); // and no signal tells of it
-        QTRY_VERIFY((services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)));
-        QCOMPARE(mutter.written.load(), 3);
-
-        for (int i = 0; i < 12; ++i) {
-            mutter.setBlue(1, 77);
-            QTRY_VERIFY((services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)));
+        for (int i = 0; i < 13; ++i) {
+            mutter.writeOver(1); // and no signal tells of it
+            QTRY_VERIFY((setTint(services, 0.5), isTinted(mutter, 0.5)));
+            QCOMPARE(mutter.written.load(), 3 + i);
         }
         QCOMPARE(m_console.lines.size(), 1U);
 
         mutter.makeSerialStale();
-        services.setTransferTables(services.activeDisplays(), tint(0.25));
+        setTint(services, 0.25);
         QTRY_VERIFY(isTinted(mutter, 0.25));
         services.restoreSystemColours();
         QVERIFY(isTinted(mutter, 1, 3));
@@ -145,7 +135,7 @@ private Q_SLOTS:
     {
         FakeMutter mutter({256, 256});
         auto services = makeServices();
-        services.setTransferTables(services.activeDisplays(), tint(0.5));
+        setTint(services, 0.5);
         QTRY_VERIFY(isTinted(mutter, 0.5));
         mutter.changeMonitors();
         QTRY_VERIFY(isTinted(mutter, 0.5));
@@ -171,50 +161,42 @@ private Q_SLOTS:
         QCOMPARE(mutter.malformed.load(), 0);
     }
 
-    void aMutterThatMisbehavesIsOutlivedAndAskedNoFaster_data()
-    {
-        QTest::addColumn<Habit>("habit");
-        QTest::newRow("silent") << Habit::silent;
-        QTest::newRow("refusing") << Habit::refusing;
-        QTest::newRow("replies of other types") << Habit::wrongTypes;
-        QTest::newRow("thousands of CRTCs") << Habit::thousandsOfCrtcs;
-        QTest::newRow("huge tables") << Habit::hugeTables;
-        QTest::newRow("no tables") << Habit::noTables;
-    }
     void aMutterThatMisbehavesIsOutlivedAndAskedNoFaster()
     {
-        QFETCH(const Habit, habit);
-        FakeMutter mutter({256, 256});
-        auto services = makeServices();
-        QTRY_COMPARE(services.activeDisplays().size(), 2U);
-        mutter.habit = habit;
-        mutter.changeMonitors();
-        const int before = mutter.calls;
-        constexpr int writes = 300;
-        for (int i = 0; i < writes; ++i)
-            services.setTransferTables(std::array<DisplayIdentifier, 3>{0, 1, 999}, tint(static_cast<float>(i) / 1000));
-        services.restoreSystemColours();
-        mutter.habit = Habit::regular;
-        // A write has at most two refused attempts, of three calls each.
-        QTest::qWait(50);
-        QVERIFY2(mutter.calls - before <= 6 * writes, qPrintable(QString::number(mutter.calls - before)));
-        mutter.changeMonitors();
-        QTRY_VERIFY_WITH_TIMEOUT(
-            (services.setTransferTables(services.activeDisplays(), tint(0.5)), isTinted(mutter, 0.5)), 30000);
-        QCOMPARE(mutter.malformed.load(), 0);
+        for (const auto habit : {Habit::silent, Habit::refusing, Habit::wrongTypes, Habit::thousandsOfCrtcs,
+                                 Habit::hugeTables, Habit::noTables}) {
+            FakeMutter mutter({256, 256});
+            auto services = makeServices();
+            QTRY_COMPARE(services.activeDisplays().size(), 2U);
+            mutter.habit = habit;
+            mutter.changeMonitors();
+            const int before = mutter.calls;
+            constexpr int writes = 300;
+            for (int i = 0; i < writes; ++i)
+                services.setTransferTables(std::array<DisplayIdentifier, 3>{0, 1, 999},
+                                           tint(static_cast<float>(i) / 1000));
+            services.restoreSystemColours();
+            mutter.habit = Habit::regular;
+            // A write has at most two refused attempts, of three calls each.
+            QTest::qWait(50);
+            QVERIFY2(mutter.calls - before <= 6 * writes, qPrintable(QString::number(mutter.calls - before)));
+            mutter.changeMonitors();
+            QTRY_VERIFY_WITH_TIMEOUT((setTint(services, 0.5), isTinted(mutter, 0.5)), 30000);
+            QCOMPARE(mutter.malformed.load(), 0);
+        }
     }
 
     void onlyTheNewestTintIsKeptForASlowMutter()
     {
         FakeMutter mutter({256});
         auto services = makeServices();
-        services.setTransferTables(services.activeDisplays(), tint(0.5));
+        setTint(services, 0.5);
         QTRY_VERIFY(isTinted(mutter, 0.5, 1));
         mutter.habit = Habit::silent;
         for (int i = 1; i <= 100; ++i)
-            services.setTransferTables(services.activeDisplays(), tint(static_cast<float>(i) / 200));
+            setTint(services, static_cast<float>(i) / 200);
         const int before = mutter.calls;
-        services.setTransferTables(services.activeDisplays(), tint(0.25));
+        setTint(services, 0.25);
         mutter.habit = Habit::regular;
         QTRY_VERIFY(isTinted(mutter, 0.25, 1));
         QVERIFY(mutter.calls - before <= 4);
@@ -222,17 +204,17 @@ private Q_SLOTS:
 
     void aBusThatComesBackIsUsedAgain()
     {
-        auto mutter = std::make_unique<FakeMutter>(std::vector<std::size_t>{256});
+        std::optional<FakeMutter> mutter;
+        mutter.emplace(std::vector<std::size_t>{256});
         auto services = makeServices();
-        services.setTransferTables(services.activeDisplays(), tint(0.5));
+        setTint(services, 0.5);
         QTRY_VERIFY(isTinted(*mutter, 0.5, 1));
         m_session.stop();
         mutter.reset();
         services.restoreSystemColours();
         m_session.start();
-        mutter = std::make_unique<FakeMutter>(std::vector<std::size_t>{256});
-        QTRY_VERIFY_WITH_TIMEOUT(
-            (services.setTransferTables(services.activeDisplays(), tint(0.25)), isTinted(*mutter, 0.25, 1)), 10'000);
+        mutter.emplace(std::vector<std::size_t>{256});
+        QTRY_VERIFY_WITH_TIMEOUT((setTint(services, 0.25), isTinted(*mutter, 0.25, 1)), 10'000);
     }
 
     void displaysAreGivenBackWhateverEndsTheApplicationUnlessAnotherCopyTints()
@@ -250,23 +232,16 @@ private Q_SLOTS:
         }
         Copy old;
         QTRY_VERIFY((old.show("0.5"), isTinted(mutter, 0.5)));
-        const auto guardian = childOf(static_cast<pid_t>(old.processId()), "AmbertideGuardian");
-        QVERIFY(guardian > 0);
         Copy young;
         QTRY_VERIFY((young.show("0.25"), isTinted(mutter, 0.25)));
-        old.kill();
-        old.waitForFinished();
-        QVERIFY(hasEnded(guardian));
+        QVERIFY(old.end());
         QVERIFY(isTinted(mutter, 0.25));
         young.show("1");
         QTRY_VERIFY(isTinted(mutter, 1));
         young.show("1"); // the first of them is over by now
-        mutter.setBlue(0, 77);
-        const auto youngGuardian = childOf(static_cast<pid_t>(young.processId()), "AmbertideGuardian");
-        young.kill();
-        young.waitForFinished();
-        QVERIFY(hasEnded(youngGuardian));
-        QCOMPARE(mutter.tables(0)[2][5], 77); // what was given back is left alone
+        mutter.writeOver(0);
+        QVERIFY(young.end());
+        QCOMPARE(mutter.shown(0)[5], 77); // what was given back is left alone
         QCOMPARE(mutter.malformed.load(), 0);
     }
 };

@@ -65,12 +65,12 @@ std::optional<std::string> read(const std::string &file)
     if (source.get() < 0)
         return errno == ENOENT ? std::optional(std::string()) : std::nullopt;
     struct stat status = {};
-    const bool isKnown = fstat(source.get(), &status) == 0;
-    if (!isKnown || !S_ISREG(status.st_mode)) {
-        errno = EINVAL;
+    const bool isFile = fstat(source.get(), &status) == 0 && S_ISREG(status.st_mode);
+    if (!isFile || status.st_size > mostBytes) {
+        errno = isFile ? EFBIG : EINVAL;
         return std::nullopt;
     }
-    std::string text(mostBytes + 1, '\0');
+    std::string text(static_cast<std::size_t>(status.st_size), '\0');
     std::size_t size = 0;
     while (size < text.size()) {
         const auto length = ::read(source.get(), text.data() + size, text.size() - size);
@@ -82,12 +82,7 @@ std::optional<std::string> read(const std::string &file)
             break;
         size += static_cast<std::size_t>(length);
     }
-    if (size > mostBytes) {
-        errno = EFBIG;
-        return std::nullopt;
-    }
     text.resize(size);
-    text.shrink_to_fit();
     return text;
 }
 

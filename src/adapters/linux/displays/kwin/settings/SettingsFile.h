@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <optional>
 #include <string>
 
@@ -7,7 +9,7 @@
 namespace ambertide::settings_file {
 
 /// Bytes. More is no file of settings.
-inline constexpr std::size_t mostBytes = 1024 * 1024;
+inline constexpr off_t mostBytes = 1024 * 1024;
 
 /// The whole file; empty when there is none. Nothing when it cannot be read (errno says why), is larger than that
 /// (EFBIG) or no file at all (EINVAL).
