@@ -4,8 +4,6 @@ repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev qt6-tools-dev qt6-l10n-tools libxcb1-dev
     libxcb-randr0-dev libsystemd-dev libglib2.0-dev libsodium-dev libwayland-dev liblcms2-dev python3)
-# The panel beside its icon on Wayland. Debian 12 has it for Qt 5 only.
-[ "$(. /etc/os-release && echo "$VERSION_ID")" = 12 ] || build_packages+=(liblayershellqtinterface-dev)
 run_packages=(dbus-daemon libqt6gui6 xvfb hicolor-icon-theme)
 test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils systemd wlsunset
     colord openssl)
@@ -14,6 +12,10 @@ desktop_packages=(openbox xfce4-panel lxqt-panel tint2 adwaita-icon-theme at-spi
 picture_packages=(fonts-inter optipng util-linux)
 check_packages=(clang-format git)
 package_packages=(dpkg-dev lintian appstream desktop-file-utils file git)
+if [ "$(. /etc/os-release && echo "${VERSION_ID:-}")" != 12 ]; then
+    build_packages+=(liblayershellqtinterface-dev) # the panel beside its icon on Wayland; Debian 12 has it for Qt 5 only
+    desktop_packages+=(qt6-svg-plugins) # what draws icons in LXQt's panel; Debian 12 has it with the library
+fi
 
 # install_packages <package>...: installs those that are missing.
 install_packages() {
