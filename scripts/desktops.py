@@ -101,6 +101,7 @@ class Desktop:
                              "there is no compositor")
         os.environ["WAYLAND_DISPLAY"] = sockets[0].name
         del os.environ["DISPLAY"]
+        output("dbus-update-activation-environment", "DISPLAY=", f"WAYLAND_DISPLAY={sockets[0].name}")
 
     def end(self):
         for process in reversed(self.processes):

@@ -128,6 +128,10 @@ void PanelWindow::paintEvent(QPaintEvent *)
         return painter.fillRect(rect(), theme.panel);
     const QRectF surface = contentsRect();
     if (m_isSeeThrough) {
+        // Qt 6.8 on Wayland may keep what was painted before, to which another shadow would be added.
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(rect(), Qt::transparent);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         drawShadow(painter, surface, m_cornerRadius, theme.isDark);
         fillRounded(painter, surface, m_cornerRadius, theme.panel);
     } else {
