@@ -2,7 +2,6 @@
 plain, drag, ends, plugging, kills:<number>."""
 import itertools
 import pathlib
-import re
 import signal
 import subprocess
 import sys
@@ -64,6 +63,10 @@ class Screen(Hardware):
                    default=1)
 
 
+def is_given_back():
+    return settings() == untouched and content(STATE) == b""
+
+
 def milliseconds_until(condition, moment):
     """Since that moment; None when it does not come true."""
     return 1000 * (time.monotonic() - moment) if wait_for(condition, 3) else None
@@ -106,11 +109,6 @@ class KWin(Job):
         application = self.start()
         for before, kelvin in itertools.pairwise((6500, 2700, 3400, 2000, 4500, 5500, 6000)):
             self.ramp(before, kelvin)
-        tool("set", "6040")
-        asked = time.monotonic()
-        arrived = wait_for(lambda: time.monotonic() > asked + 2 and night_light("currentTemperature") ==
-                           re.search(rb"NightTemperature=(\d+)", content(KWINRC)).group(1).decode(), 9)
-        row("40 K more: arrived after", time.monotonic() - asked if arrived else None, "s", 6)
         set_temperature(3400)
         self.hardware.rested()
         self.back_since(set_temperature(6500), "neutral")
@@ -136,36 +134,6 @@ class KWin(Job):
         for number in (signal.SIGTERM, signal.SIGKILL):
             self.back_since(self.tinted().end(number), number.name, 100)
 
-        application = self.tinted()
-        guardian = subprocess.run(["pgrep", "-x", "AmbertideGuardi"], capture_output=True, text=True).stdout.split()
-        subprocess.run(["kill", "-KILL", str(application.process.pid), *guardian])
-        application.process.wait()
-        time.sleep(1)
-        row("power cut: settings still borrowed", b"Constant" in content(KWINRC) and content(STATE) != b"")
-        seen = []
-        watcher = threading.Thread(target=lambda: seen.append(wait_for(lambda: settings() == untouched, 20)))
-        watcher.start()
-        application = self.start()
-        watcher.join()
-        row("power cut: settings back at the next start", seen == [True])
-        wait_for(lambda: settings() != untouched, 5)
-        application.quit()
-        row("power cut: settings back after that one quits", wait_for(is_given_back, 5))
-
-        application = self.tinted()
-        output("kwriteconfig6", "--file", "kwinrc", "--group", "NightColor", "--key", "NightTemperature", "--notify",
-               "5000")
-        time.sleep(1)
-        told, theirs = len(announced), content(KWINRC)
-        application.quit()
-        row("changed by the user: left alone",
-            content(KWINRC) == theirs and len(announced) == told and b"5000" in theirs)
-        row("changed by the user: nothing left borrowed", content(STATE) == b"")
-        KWINRC.write_bytes(original)
-        output("busctl", "--user", "emit", "/kwinrc", "org.kde.kconfig.notify", "ConfigChanged", "a{saay}", "1",
-               "NightColor", "1", "6", *"65 99 116 105 118 101".split())
-        time.sleep(3)
-
     def plugging(self):
         application = self.tinted()
         plug(1, True)
@@ -182,10 +150,6 @@ class KWin(Job):
         row("screen neutral in the end",
             self.hardware.settled(time.monotonic(), self.hardware.is_neutral) is not None)
         row("nothing left borrowed", is_given_back())
-
-
-def is_given_back():
-    return settings() == untouched and content(STATE) == b""
 
 
 screen = Screen(2)

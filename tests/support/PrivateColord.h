@@ -13,6 +13,7 @@
 
 #include <cmath>
 #include <csignal>
+#include <fstream>
 
 namespace ambertide {
 
@@ -78,7 +79,7 @@ public:
                 mount("none", "/var/lib/colord", "tmpfs", 0, nullptr);
         });
         m_process.start(QLatin1String(program), {});
-        return QTest::qWaitFor([this] { return call(QStringLiteral("GetDevices")).startsWith(u"ao"); });
+        return QTest::qWaitFor([this] { return !addDisplay(QStringLiteral("another")).isEmpty(); });
     }
     ~PrivateColord()
     {
@@ -90,23 +91,17 @@ public:
     QString addDisplay(const QString &output)
     {
         return call(QStringLiteral("CreateDevice ssa{ss} d%1 normal 2 Kind display XRANDR_name %2")
-                        .arg(QString::number(++m_number), output))
-            .section(u'"', 1, 1);
+                        .arg(QString::number(++m_number), output));
     }
     /// Makes a file of that content the display's default profile.
     void setProfile(const QString &display, const QByteArray &content)
     {
-        const auto name = QString::number(++m_number);
-        QFile file(m_folder.filePath(name + QStringLiteral(".icc")));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("No profile could be written");
-        file.close();
+        const auto file = m_folder.filePath(QString::number(++m_number) + QStringLiteral(".icc"));
+        std::ofstream(file.toStdString()).write(content.data(), content.size());
         const auto profile =
-            call(QStringLiteral("CreateProfile ssa{ss} p%1 normal 1 Filename %2").arg(name, file.fileName()))
-                .section(u'"', 1, 1);
-        const auto device = display + QStringLiteral(" org.freedesktop.ColorManager.Device ");
-        run(device + QStringLiteral("AddProfile so hard ") + profile);
-        run(device + QStringLiteral("MakeProfileDefault o ") + profile);
+            call(QStringLiteral("CreateProfile ssa{ss} p%1 normal 1 Filename %2").arg(QString::number(m_number), file));
+        call(QStringLiteral("AddProfile so hard ") + profile, display, QStringLiteral(".Device"));
+        call(QStringLiteral("MakeProfileDefault o ") + profile, display, QStringLiteral(".Device"));
     }
     /// One that does not answer.
     void suspend() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGSTOP); }
@@ -114,19 +109,17 @@ public:
 private:
     static constexpr char program[] = "/usr/libexec/colord";
 
-    static QString call(const QString &arguments)
+    /// The object in the answer.
+    static QString call(const QString &arguments,
+                        const QString &object = QStringLiteral("/org/freedesktop/ColorManager"),
+                        const QString &interface = {})
     {
-        return run(QStringLiteral("/org/freedesktop/ColorManager org.freedesktop.ColorManager ") + arguments);
-    }
-    static QString run(const QString &arguments)
-    {
+        constexpr char command[] = "--system call org.freedesktop.ColorManager %1 org.freedesktop.ColorManager%2 %3";
         QProcess busctl;
-        busctl.setProcessChannelMode(QProcess::MergedChannels);
         busctl.start(QStringLiteral("busctl"),
-                     QStringLiteral("--system call org.freedesktop.ColorManager ").split(u' ', Qt::SkipEmptyParts) +
-                         QProcess::splitCommand(arguments));
+                     QProcess::splitCommand(QString::fromLatin1(command).arg(object, interface, arguments)));
         busctl.waitForFinished();
-        return QString::fromUtf8(busctl.readAll()).trimmed();
+        return QString::fromUtf8(busctl.readAll()).section(u'"', 1, 1);
     }
 
     const PrivateBus m_bus{"DBUS_SYSTEM_BUS_ADDRESS"};

@@ -45,13 +45,14 @@ public:
         if (m_bus)
             announceNightLight(m_emit, m_bus);
     }
-    std::optional<NightLightAccess::State> state()
+    std::optional<NightLightState> state()
     {
         int isRunning = 0;
         std::uint32_t temperature = 0;
         if (!m_bus || !get("running", 'b', &isRunning) || !get("currentTemperature", 'u', &temperature))
             return std::nullopt;
-        return NightLightAccess::State{isRunning != 0, static_cast<int>(std::min(temperature, 10'000U))};
+        return NightLightState{.isRunning = isRunning != 0,
+                               .temperature = static_cast<int>(std::min(temperature, 10'000U))};
     }
 
 private:

@@ -1,7 +1,6 @@
 #include "adapters/linux/displays/kwin/KWinBackend.h"
 
 #include "adapters/linux/displays/kwin/NightLightTemperature.h"
-#include "adapters/linux/displays/kwin/settings/giveNightLightBack.h"
 #include "base/Console.h"
 
 #include <algorithm>
@@ -16,10 +15,7 @@ using namespace std::chrono_literals;
 constexpr auto betweenRequests = 1s;
 /// KWin goes in steps of 50 K, at intervals that suit whole steps: two of 2 s for a change of 99 K.
 constexpr auto longestRamp = 4500ms;
-constexpr int largestIgnoredChange = 50; ///< kelvin
-constexpr int detour = 150;              ///< kelvin, of which KWin shows one step within a second
-constexpr int coolest = 6500;
-constexpr int warmest = 1000;
+constexpr int detour = 150; ///< kelvin, of which KWin shows one step within a second
 
 bool isIgnored(int from, int to) { return from != to && std::abs(to - from) <= largestIgnoredChange; }
 
@@ -114,7 +110,7 @@ int KWinBackend::stepTowards(int temperature)
         return temperature;
     m_mayDetour = false;
     const int away = temperature > state->temperature ? -detour : detour;
-    return std::clamp(state->temperature + away, warmest, coolest);
+    return std::clamp(state->temperature + away, warmestNightLight, neutralNightLight);
 }
 
 /// A request that comes when KWin's ramp is by chance near to its target only ends that ramp.
@@ -129,12 +125,7 @@ void KWinBackend::checkArrival()
 void KWinBackend::giveBack()
 {
     const NightLightAccess kwin{.announce = [this] { m_service.announceChange(); },
-                                .state = [this]() -> std::optional<NightLightAccess::State> {
-                                    const auto state = m_service.state();
-                                    if (!state)
-                                        return std::nullopt;
-                                    return NightLightAccess::State{state->isRunning, state->temperature};
-                                }};
+                                .state = [this] { return m_service.state(); }};
     switch (giveNightLightBack(m_loan, 0ms, kwin)) {
     case NightLightLoan::End::nothingBorrowed:
     case NightLightLoan::End::givenBack:

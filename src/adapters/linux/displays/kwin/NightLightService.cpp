@@ -51,7 +51,7 @@ void NightLightService::disconnect()
     m_changes = {};
 }
 
-std::optional<NightLightService::State> NightLightService::state()
+std::optional<NightLightState> NightLightService::state()
 {
     sd_bus_message *call = nullptr;
     if (!connect() || sd_bus_message_new_method_call(m_bus.get(), &call, name, path, propertiesInterface, "GetAll") < 0)
@@ -64,10 +64,10 @@ std::optional<NightLightService::State> NightLightService::state()
     if (!properties)
         return std::nullopt;
     const auto temperature = integerValue(*properties, "currentTemperature").value_or(0);
-    return State{.isAvailable = isTrue(*properties, "available"),
-                 .isRunning = isTrue(*properties, "running"),
-                 .isInhibited = isTrue(*properties, "inhibited"),
-                 .temperature = std::in_range<int>(temperature) ? static_cast<int>(temperature) : 0};
+    return NightLightState{.isAvailable = isTrue(*properties, "available"),
+                           .isRunning = isTrue(*properties, "running"),
+                           .isInhibited = isTrue(*properties, "inhibited"),
+                           .temperature = std::in_range<int>(temperature) ? static_cast<int>(temperature) : 0};
 }
 
 void NightLightService::announceChange()

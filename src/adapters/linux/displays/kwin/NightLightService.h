@@ -1,6 +1,7 @@
 #pragma once
 
 #include "adapters/linux/bus/SdBus.h"
+#include "adapters/linux/displays/kwin/settings/giveNightLightBack.h"
 
 #include <optional>
 
@@ -13,13 +14,6 @@ class NightLightService
 public:
     static constexpr std::chrono::milliseconds patience{300};
 
-    struct State
-    {
-        bool isAvailable = false;
-        bool isRunning = false;   ///< switched on and not suspended
-        bool isInhibited = false; ///< suspended by the user or by a program
-        int temperature = 0;      ///< kelvin; what it shows now
-    };
     struct Changes
     {
         std::optional<bool> isInhibited; ///< as it has become
@@ -35,7 +29,7 @@ public:
     void disconnect();
 
     /// Nothing when it is not there or does not answer.
-    std::optional<State> state();
+    std::optional<NightLightState> state();
     /// Has it read its settings anew.
     void announceChange();
 

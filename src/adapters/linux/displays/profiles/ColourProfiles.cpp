@@ -31,29 +31,15 @@ std::string readText(const SdBusMessage &reply, char type)
     return sd_bus_message_read_basic(reply.get(), type, static_cast<void *>(&text)) > 0 ? text : "";
 }
 
-/// For each object its property, where there is an object.
-class Properties
+/// For each object, where there is one.
+std::vector<SdBusMessage> getProperties(sd_bus *bus, const std::vector<std::string> &objects, const char *interface,
+                                        const char *name)
 {
-public:
-    Properties(sd_bus *bus, const std::vector<std::string> &objects, const char *interface, const char *name)
-        : m_batch(bus, calls(bus, objects, interface, name))
-    {
-    }
-
-    const std::vector<SdBusMessage> &wait(SdBusDeadline deadline) { return m_batch.wait(deadline); }
-
-private:
-    static std::vector<SdBusMessage> calls(sd_bus *bus, const std::vector<std::string> &objects, const char *interface,
-                                           const char *name)
-    {
-        std::vector<SdBusMessage> calls;
-        for (const auto &object : objects)
-            calls.push_back(object.empty() ? nullptr : getProperty(bus, service, object.c_str(), interface, name));
-        return calls;
-    }
-
-    CallBatch m_batch;
-};
+    std::vector<SdBusMessage> calls;
+    for (const auto &object : objects)
+        calls.push_back(object.empty() ? nullptr : getProperty(bus, service, object.c_str(), interface, name));
+    return calls;
+}
 
 } // namespace
 
@@ -83,7 +69,7 @@ std::vector<ColourProfile> readColourProfiles(sd_bus *systemBus, const std::vect
             objects[i] = readText(found[i], 'o');
     }
 
-    Properties lists(systemBus, objects, deviceInterface, "Profiles");
+    CallBatch lists(systemBus, getProperties(systemBus, objects, deviceInterface, "Profiles"));
     const auto &listed = lists.wait(deadline);
     for (std::size_t i = 0; i < profiles.size(); ++i) {
         objects[i].clear();
@@ -96,7 +82,7 @@ std::vector<ColourProfile> readColourProfiles(sd_bus *systemBus, const std::vect
             profiles[i].knowledge = Knowledge::none;
     }
 
-    Properties files(systemBus, objects, profileInterface, "Filename");
+    CallBatch files(systemBus, getProperties(systemBus, objects, profileInterface, "Filename"));
     const auto &named = files.wait(deadline);
     for (std::size_t i = 0; i < profiles.size(); ++i) {
         if (isError(named[i]))

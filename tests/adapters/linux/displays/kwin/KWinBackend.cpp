@@ -17,9 +17,10 @@
 
 #include <cmath>
 #include <csignal>
-#include <iostream>
+#include <thread>
 
 using namespace ambertide;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -44,52 +45,93 @@ bool hasKWin6()
     return process.waitForFinished() && process.readAll().startsWith("kwin 6");
 }
 
-/// Serves KWin's interface in a process of its own, without ramps, but like KWin it makes no change of 50 K or less.
-/// "hostile" gives wrong types.
-struct StandIn
+/// Serves KWin's interface without ramps, but like KWin it makes no change of 50 K or less.
+class StandIn
 {
-    std::string kind;
-    bool isInhibited = false;
-    bool isRunning = false;
-    int shown = 6500;
+public:
+    enum class Kind { good, unavailable, hostile };
 
+    explicit StandIn(Kind kind) : m_kind(kind)
+    {
+        sd_bus_add_object(m_bus.get(), nullptr, path, answer, this);
+        sd_bus_request_name(m_bus.get(), "org.kde.KWin", 0);
+        m_thread = std::jthread([this](const std::stop_token &stop) {
+            while (!stop.stop_requested() && sd_bus_is_open(m_bus.get()) > 0)
+                processUntil(m_bus.get(), std::chrono::steady_clock::now() + 5ms, [] { return false; });
+        });
+    }
+
+    std::atomic<int> changes = 0; ///< told of
+
+private:
     static int answer(sd_bus_message *call, void *context, sd_bus_error *)
     {
         auto &self = *static_cast<StandIn *>(context);
-        auto *const bus = sd_bus_message_get_bus(call);
         if (sd_bus_message_is_method_call(call, nullptr, "Suspend") > 0) {
-            self.isInhibited = true;
-            sd_bus_emit_signal(bus, path, "org.freedesktop.DBus.Properties", "PropertiesChanged", "sa{sv}as",
-                               "org.kde.KWin.NightLight", 1, "inhibited", "b", 1, 0);
+            self.m_isInhibited = true;
+            sd_bus_emit_signal(sd_bus_message_get_bus(call), path, "org.freedesktop.DBus.Properties",
+                               "PropertiesChanged", "sa{sv}as", "org.kde.KWin.NightLight", 1, "inhibited", "b", 1, 0);
         }
-        if (self.kind == "hostile")
+        if (self.m_kind == Kind::hostile)
             return sd_bus_reply_method_return(call, "a{sv}", 3, "available", "s", "true", "inhibited", "as", 1, "x",
                                               "currentTemperature", "x", INT64_MAX);
-        return sd_bus_reply_method_return(call, "a{sv}", 4, "available", "b", int(self.kind != "unavailable"),
-                                          "inhibited", "b", int(self.isInhibited), "running", "b", int(self.isRunning),
-                                          "currentTemperature", "u", self.shown);
+        return sd_bus_reply_method_return(call, "a{sv}", 4, "available", "b", int(self.m_kind == Kind::good),
+                                          "inhibited", "b", int(self.m_isInhibited), "running", "b",
+                                          int(self.m_isRunning), "currentTemperature", "u", self.m_shown);
     }
     static int noteChange(sd_bus_message *, void *context, sd_bus_error *)
     {
         auto &self = *static_cast<StandIn *>(context);
         const KConfigGroup settings(*settings_file::read(NightLightLoan::filesOfUser().kwinrc), "NightColor");
-        self.isRunning = settings.value("Active") == "true" && !self.isInhibited;
-        const int target = self.isRunning ? std::stoi(settings.value("NightTemperature").value_or("4500")) : 6500;
-        if (std::abs(target - self.shown) > 50)
-            self.shown = target;
-        std::cout << "changed" << std::endl;
+        self.m_isRunning = settings.value("Active") == "true" && !self.m_isInhibited;
+        const int target = self.m_isRunning ? std::stoi(settings.value("NightTemperature").value_or("4500")) : 6500;
+        if (std::abs(target - self.m_shown) > 50)
+            self.m_shown = target;
+        ++self.changes;
         return 0;
     }
-    void serve()
+
+    const Kind m_kind;
+    const SdBusConnection m_bus = openSdBus(SdBusKind::session);
+    const SdBusSlot m_match = addMatch(m_bus.get(), "path='/kwinrc'", noteChange, this);
+    bool m_isInhibited = false;
+    bool m_isRunning = false;
+    int m_shown = 6500;
+    std::jthread m_thread;
+};
+
+/// A private bus and files of its own, with a stand-in of that kind.
+struct Session
+{
+    explicit Session(std::optional<StandIn::Kind> kind = StandIn::Kind::good)
     {
-        const auto bus = openSdBus(SdBusKind::session);
-        sd_bus_add_object(bus.get(), nullptr, path, answer, this);
-        const auto match = addMatch(bus.get(), "path='/kwinrc'", noteChange, this);
-        sd_bus_request_name(bus.get(), "org.kde.KWin", 0);
-        std::cout << "ready" << std::endl;
-        processUntil(bus.get(), SdBusDeadline::max(), [] { return false; });
+        for (const char *variable : {"HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
+            qputenv(variable, home.path().toLocal8Bit());
+        if (kind)
+            standIn.emplace(*kind);
+    }
+
+    const QTemporaryDir home;
+    PrivateBus bus;
+    CapturedConsole console;
+    std::optional<StandIn> standIn;
+
+    static int temperature() { return NightLightService().state().value_or(NightLightState{}).temperature; }
+    static std::string settings()
+    {
+        return settings_file::read(NightLightLoan::filesOfUser().kwinrc).value_or("unreadable");
     }
 };
+
+/// As the thread of BackendDisplayServices does.
+void serve(KWinBackend &backend)
+{
+    if (const auto due = backend.due(); due && *due <= DisplayBackend::Clock::now())
+        backend.process();
+    pollfd source{backend.descriptor(), POLLIN, 0};
+    if (poll(&source, 1, 1) > 0)
+        backend.process();
+}
 
 } // namespace
 
@@ -98,59 +140,6 @@ class KWinBackendTest : public QObject
     Q_OBJECT
 
     using Wait = DisplayBackend::Wait;
-
-    /// A private bus with KWin ("KWin"), a stand-in of that kind or ("") nothing on it.
-    struct Session
-    {
-        QTemporaryDir home;
-        std::optional<PrivateBus> bus;
-        QProcess kwin;
-        CapturedConsole console;
-        int told = 0;
-
-        explicit Session(const QString &kind)
-        {
-            for (const char *variable : {"HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
-                qputenv(variable, home.path().toLocal8Bit());
-            bus.emplace();
-            if (kind == QStringLiteral("KWin"))
-                kwin.start(QStringLiteral("kwin_wayland"),
-                           {QStringLiteral("--virtual"), QStringLiteral("--no-lockscreen"),
-                            QStringLiteral("--no-global-shortcuts")});
-            else if (!kind.isEmpty())
-                kwin.start(QCoreApplication::applicationFilePath(), {QStringLiteral("stand-in"), kind});
-            if (!kind.isEmpty() && !QTest::qWaitFor([] { return NightLightService().state().has_value(); }, 20'000))
-                qFatal("No Night Light on the private bus");
-        }
-        ~Session()
-        {
-            kwin.kill();
-            kwin.waitForFinished();
-        }
-        static int temperature()
-        {
-            return NightLightService().state().value_or(NightLightService::State{}).temperature;
-        }
-        static std::string settings()
-        {
-            return settings_file::read(NightLightLoan::filesOfUser().kwinrc).value_or("unreadable");
-        }
-        int changesTold()
-        {
-            kwin.waitForReadyRead(20);
-            told += static_cast<int>(kwin.readAll().count("changed"));
-            return told;
-        }
-    };
-    /// As the thread of BackendDisplayServices does.
-    static void serve(KWinBackend &backend)
-    {
-        if (const auto due = backend.due(); due && *due <= DisplayBackend::Clock::now())
-            backend.process();
-        pollfd source{backend.descriptor(), POLLIN, 0};
-        if (poll(&source, 1, 1) > 0)
-            backend.process();
-    }
 
 private Q_SLOTS:
     void temperaturesAreTheNearest()
@@ -172,65 +161,70 @@ private Q_SLOTS:
 
     void sessionsWithoutNightLightAreRefused()
     {
-        const auto refusalIn = [](const char *kind) {
-            const Session session(QString::fromLatin1(kind));
-            return QByteArray::fromStdString(KWinBackend::refusal());
+        const auto refusalIn = [](std::optional<StandIn::Kind> kind) {
+            const Session session(kind);
+            return KWinBackend::refusal();
         };
-        QCOMPARE(refusalIn(""), QByteArray("KWin's Night Light is not on the session bus"));
-        QCOMPARE(refusalIn("unavailable"), QByteArray("KWin's Night Light is not available for these displays"));
-        QCOMPARE(refusalIn("hostile"), QByteArray("KWin's Night Light is not available for these displays"));
-        QCOMPARE(refusalIn("good"), QByteArray());
+        QCOMPARE(refusalIn({}), "KWin's Night Light is not on the session bus");
+        QCOMPARE(refusalIn(StandIn::Kind::unavailable), "KWin's Night Light is not available for these displays");
+        QCOMPARE(refusalIn(StandIn::Kind::hostile), "KWin's Night Light is not available for these displays");
+        QCOMPARE(refusalIn(StandIn::Kind::good), "");
     }
 
     void nightLightIsDrivenAndGivenBack_data()
     {
-        QTest::addColumn<QString>("kind");
-        QTest::newRow("KWin") << QStringLiteral("KWin");
-        QTest::newRow("stand-in") << QStringLiteral("good");
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("KWin") << true;
+        QTest::newRow("stand-in") << false;
     }
     void nightLightIsDrivenAndGivenBack()
     {
-        QFETCH(QString, kind);
-        if (kind == QStringLiteral("KWin") && !hasKWin6())
+        QFETCH(bool, isReal);
+        if (isReal && !hasKWin6())
             QSKIP("KWin 6 (package kwin-wayland) is not installed");
-        Session session(kind);
+        Session session(isReal ? std::nullopt : std::optional(StandIn::Kind::good));
+        QProcess kwin;
+        if (isReal)
+            kwin.start(QStringLiteral("kwin_wayland"),
+                       QStringLiteral("--virtual --no-lockscreen --no-global-shortcuts").split(u' '));
+        QTRY_VERIFY_WITH_TIMEOUT(NightLightService().state(), 20'000);
         KWinBackend backend(guardianFile);
         QVERIFY(!backend.write({}, warm, Wait::Never));
-        QVERIFY(backend.write({}, warm, Wait::Allowed));
-        QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 2700, 9000);
-        backend.write({}, tablesWith(0.6820F, 0.3587F), Wait::Allowed); // 2740: too little for KWin to go there at once
-        QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 2740, 15'000);
-        backend.restore();
-        QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 6500, 9000);
-        QVERIFY(!QByteArray::fromStdString(Session::settings()).contains("NightColor")); // KWin writes other groups
-
-        // All but neutral, from where KWin would not go back by itself.
-        for (const auto &tables : {tablesWith(0.952F, 0.9066F), tablesWith(0.9975F, 0.9955F)}) {
-            backend.write({}, tables, Wait::Allowed);
-            const int target = nearestNightLightTemperature(tables);
-            QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), target, 15'000);
+        // 2740 is too little of a change for KWin to go there at once, and the last all but neutral, from where it
+        // would not go back by itself.
+        const std::vector<GammaTables> roads[]{{warm, tablesWith(0.6820F, 0.3587F)},
+                                               {tablesWith(0.952F, 0.9066F), tablesWith(0.9975F, 0.9955F)}};
+        for (const auto &road : roads) {
+            for (const auto &tables : road) {
+                QVERIFY(backend.write({}, tables, Wait::Allowed));
+                const int target = nearestNightLightTemperature(tables);
+                QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), target, 15'000);
+            }
+            backend.restore();
+            QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 6500, 9000);
+            QVERIFY(!QByteArray::fromStdString(Session::settings()).contains("NightColor")); // KWin writes other groups
         }
-        backend.restore();
-        QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 6500, 9000);
         QVERIFY(session.console.lines.empty());
+        kwin.kill();
+        kwin.waitForFinished();
     }
 
     void aDragTellsKWinOnceASecondAndTheLastValueAlways()
     {
-        Session session(QStringLiteral("good"));
+        Session session;
         KWinBackend backend(guardianFile);
         for (int i = 0; i <= 30; ++i)
             backend.write({}, i % 2 == 0 ? warm : warmer, Wait::Allowed);
         backend.write({}, warmer, Wait::Allowed);
         QTRY_COMPARE((serve(backend), Session::temperature()), 2000);
-        QCOMPARE(session.changesTold(), 2);
+        QCOMPARE(session.standIn->changes.load(), 2);
         backend.write({}, warmer, Wait::Allowed); // changes nothing
-        QCOMPARE(session.changesTold(), 2);
+        QCOMPARE(session.standIn->changes.load(), 2);
     }
 
     void whatTheUserDoesMeanwhileHolds()
     {
-        Session session(QStringLiteral("good"));
+        Session session;
         KWinBackend backend(guardianFile);
         backend.write({}, warm, Wait::Allowed);
         backend.write({}, warmer, Wait::Allowed); // is still to come
@@ -256,12 +250,12 @@ private Q_SLOTS:
 
     void aBusThatIsStuckOrGoneHoldsNobodyUp()
     {
-        Session session(QStringLiteral("good"));
+        Session session;
         KWinBackend backend(guardianFile);
-        session.bus->freeze();
+        session.bus.freeze();
         backend.write({}, warm, Wait::Allowed);
         QVERIFY(QByteArray::fromStdString(Session::settings()).contains("Constant"));
-        session.bus->stop();
+        session.bus.stop();
         for (int i = 0; i < 10; ++i)
             serve(backend);
         backend.restore();
@@ -270,43 +264,34 @@ private Q_SLOTS:
 
     void settingsComeBackWhateverEndsTheApplication()
     {
-        Session session(QStringLiteral("good"));
-        for (const int signal : {SIGTERM, SIGKILL}) {
+        Session session;
+        for (const int signal : {SIGTERM, SIGKILL, 0}) {
             QProcess copy;
             copy.start(QCoreApplication::applicationFilePath(), {QStringLiteral("tint")});
             QTRY_COMPARE(Session::temperature(), 2700);
-            const int told = signal == SIGTERM ? 0 : 2;
-            QTRY_COMPARE(session.changesTold(), told + 1);
-            ::kill(static_cast<pid_t>(copy.processId()), signal);
-            QTRY_COMPARE(Session::settings(), std::string());
-            QTRY_COMPARE(session.changesTold(), told + 2);
+            const auto process = static_cast<pid_t>(copy.processId());
+            if (signal == 0) // the guardian dies with it: the next start looks
+                ::kill(childOf(process, "AmbertideGuardian"), SIGKILL);
+            ::kill(process, signal == 0 ? SIGKILL : signal);
             copy.waitForFinished();
+            if (signal == 0) {
+                QVERIFY(Session::settings() != std::string());
+                const KWinBackend next(guardianFile);
+            }
+            QTRY_COMPARE(Session::settings(), std::string());
+            QTRY_COMPARE(Session::temperature(), 6500);
         }
-        // The guardian dies with it: the next start looks.
-        QProcess copy;
-        copy.start(QCoreApplication::applicationFilePath(), {QStringLiteral("tint")});
-        QTRY_COMPARE(Session::temperature(), 2700);
-        const auto process = static_cast<pid_t>(copy.processId());
-        ::kill(childOf(process, "AmbertideGuardian"), SIGKILL);
-        ::kill(process, SIGKILL);
-        copy.waitForFinished();
-        QVERIFY(Session::settings() != std::string());
-        const KWinBackend next(guardianFile);
-        QCOMPARE(Session::settings(), std::string());
     }
 };
 
 int main(int argc, char *argv[])
 {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (argc == 3 && qstrcmp(argv[1], "stand-in") == 0)
-        return StandIn{.kind = argv[2]}.serve(), 0;
     if (argc == 2 && qstrcmp(argv[1], "tint") == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         KWinBackend backend(guardianFile);
         backend.write({}, warm, DisplayBackend::Wait::Allowed);
         return pause();
     }
-    prctl(PR_SET_PDEATHSIG, 0);
     const QCoreApplication application(argc, argv);
     KWinBackendTest test;
     return QTest::qExec(&test, argc, argv);

@@ -5,6 +5,7 @@
 #include "support/CapturedConsole.h"
 #include "support/ChildProcess.h"
 #include "support/PrivateBus.h"
+#include "support/Tint.h"
 
 #include <QTest>
 
@@ -19,22 +20,10 @@ using Habit = FakeMutter::Habit;
 
 namespace {
 
-GammaTables tint(float blue)
-{
-    GammaTables tables;
-    for (std::size_t i = 0; i < GammaTables::size; ++i) {
-        tables.red[i] = tables.green[i] = static_cast<float>(i) / 255;
-        tables.blue[i] = blue * tables.red[i];
-    }
-    return tables;
-}
-
 bool isTinted(const FakeMutter &mutter, float blue, std::size_t crtcs = 2)
 {
     for (std::size_t crtc = 0; crtc < crtcs; ++crtc) {
-        const auto shown = mutter.shown(crtc);
-        const GammaRamp expected(tint(blue), static_cast<std::uint16_t>(shown.size() / 3));
-        if (!std::ranges::equal(shown, expected.levels()))
+        if (!isTint(mutter.shown(crtc), blue))
             return false;
     }
     return true;

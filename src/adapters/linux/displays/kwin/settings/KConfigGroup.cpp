@@ -149,15 +149,15 @@ void KConfigGroup::makeGroup()
 void KConfigGroup::setLine(std::string_view key, const std::optional<std::string> &line)
 {
     const auto index = find(key);
-    if (index != nowhere && line)
+    if (index != nowhere && line) {
         m_lines[index] = *line;
-    else if (index != nowhere)
+    } else if (index != nowhere) {
         m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(index));
-    if (index != nowhere || !line)
-        return;
-    if (!exists())
-        makeGroup();
-    m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(lastUsedLine(lastHeader()) + 1), *line);
+    } else if (line) {
+        if (!exists())
+            makeGroup();
+        m_lines.insert(m_lines.begin() + static_cast<std::ptrdiff_t>(lastUsedLine(lastHeader()) + 1), *line);
+    }
 }
 
 void KConfigGroup::setValue(std::string_view key, std::string_view value)

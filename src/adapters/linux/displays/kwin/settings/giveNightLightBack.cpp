@@ -6,12 +6,12 @@ namespace ambertide {
 
 namespace {
 
-constexpr int neutral = 6500; ///< kelvin; what KWin shows with its Night Light off
-constexpr int warmest = 1000; ///< to which its first steps follow each other in 20 ms
-constexpr int largestIgnoredChange = 50;
 constexpr int mostLooks = 40;
 
-bool isNearlyNeutral(int temperature) { return temperature < neutral && temperature >= neutral - largestIgnoredChange; }
+bool isNearlyNeutral(int temperature)
+{
+    return temperature < neutralNightLight && temperature >= neutralNightLight - largestIgnoredChange;
+}
 
 } // namespace
 
@@ -23,7 +23,8 @@ NightLightLoan::End giveNightLightBack(NightLightLoan &loan, std::chrono::millis
         return end;
     kwin.announce();
     auto state = kwin.state();
-    if (!state || state->isRunning || !isNearlyNeutral(state->temperature) || !loan.borrow(warmest))
+    // The first steps to the warmest follow each other in 20 ms.
+    if (!state || state->isRunning || !isNearlyNeutral(state->temperature) || !loan.borrow(warmestNightLight))
         return end;
     kwin.announce();
     for (int looks = 0; looks < mostLooks && state && isNearlyNeutral(state->temperature); ++looks) {

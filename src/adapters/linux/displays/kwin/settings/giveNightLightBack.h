@@ -6,18 +6,26 @@
 
 namespace ambertide {
 
+/// Kelvin; KWin makes no change that is not larger.
+inline constexpr int largestIgnoredChange = 50;
+inline constexpr int warmestNightLight = 1000; ///< kelvin
+inline constexpr int neutralNightLight = 6500; ///< kelvin; what KWin shows with its Night Light off
+
+struct NightLightState
+{
+    bool isAvailable = false;
+    bool isRunning = false;   ///< switched on and not suspended
+    bool isInhibited = false; ///< suspended by the user or by a program
+    int temperature = 0;      ///< kelvin; what it shows now
+};
+
 /// How KWin is told and asked, by whoever has a bus.
 struct NightLightAccess
 {
-    struct State
-    {
-        bool isRunning = false; ///< switched on and not suspended
-        int temperature = 0;    ///< kelvin; what it shows now
-    };
     /// Has it read its settings anew.
     std::function<void()> announce;
-    /// After all that was announced before; nothing when it does not answer.
-    std::function<std::optional<State>()> state;
+    /// After all that was announced before, `isRunning` and `temperature` at least; nothing when it does not answer.
+    std::function<std::optional<NightLightState>()> state;
 };
 
 /// Gives the loan back and has KWin follow. KWin makes no change of 50 K or less, so a tint that has only just begun
