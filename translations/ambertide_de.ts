@@ -470,6 +470,14 @@
         <source>Schedule</source>
         <translation>Zeitplan</translation>
     </message>
+    <message>
+        <source>Settings cannot be saved in %1.</source>
+        <translation>Die Einstellungen lassen sich nicht in %1 speichern.</translation>
+    </message>
+    <message>
+        <source>If Ambertide is killed, the displays stay tinted: its guardian cannot be started.</source>
+        <translation>Wird Ambertide gewaltsam beendet, bleiben die Bildschirme eingefärbt: Der Wächterprozess lässt sich nicht starten.</translation>
+    </message>
 </context>
 <context>
     <name>ambertide::TemperatureSlider</name>
