@@ -225,7 +225,9 @@ void BackendDisplayServices::Worker::show(std::span<const DisplayIdentifier> dis
         ask(Tint{{displays.begin(), displays.end()}, tables});
     }
     const std::unique_lock backendLock(m_backendLock, std::try_to_lock);
-    if (!backendLock || !m_backend || !perform(DisplayBackend::Wait::Never))
+    const bool isDone = backendLock && m_backend && perform(DisplayBackend::Wait::Never);
+    // The thread has to watch a guardian that has been started here.
+    if (!isDone || (m_backend->guardian() && m_backend->guardian()->hasStarted()))
         wake();
 }
 

@@ -38,6 +38,7 @@ public:
     void renew();
     /// One is needed and none can be had.
     bool isMissing() const { return m_isMissing; }
+    bool hasStarted() const { return m_started != 0; }
     /// The process since the last call that said so; 0 when it is the same or there is none.
     pid_t takeStarted() { return std::exchange(m_started, 0); }
 
