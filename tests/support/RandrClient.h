@@ -58,6 +58,14 @@ public:
         return {table(xcb_randr_get_crtc_gamma_red(reply.get())), table(xcb_randr_get_crtc_gamma_green(reply.get())),
                 table(xcb_randr_get_crtc_gamma_blue(reply.get()))};
     }
+    void takeSelection(std::string_view name)
+    {
+        const auto atom = xcb_intern_atom(m_xcb, 0, static_cast<std::uint16_t>(name.size()), name.data());
+        const auto window = xcb_generate_id(m_xcb);
+        xcb_create_window(m_xcb, 0, window, m_root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0, nullptr);
+        xcb_set_selection_owner(m_xcb, window, answered(xcb_intern_atom_reply(m_xcb, atom, nullptr))->atom, 0);
+        crtcs(); // and the server has done it
+    }
     /// Whether each CRTC shows levels as they are, to within a rounding.
     bool showsIdentityEverywhere()
     {

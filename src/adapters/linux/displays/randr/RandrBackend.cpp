@@ -27,19 +27,23 @@ RandrBackend::RandrBackend(std::string display, std::filesystem::path guardian)
 
 bool RandrBackend::write(std::span<const DisplayIdentifier> displays, const GammaTables &tables, Wait wait)
 {
-    if (wait == Wait::Never && (!m_claim || !m_server->isReadyToWrite()))
+    if (wait == Wait::Never && (!m_claim || m_server->hasLostSelection() || !m_server->isReadyToWrite()))
         return false;
     if (wait == Wait::Allowed) {
         if (!connect())
             return true;
         readDisplays();
+        if (!ownsDisplays())
+            return true;
     }
     std::vector<GammaRamp> ramps; // one for each size that occurs
     for (const auto display : displays) {
         const auto *const crtc = m_server->find(display);
         if (!crtc || crtc->tableSize == 0)
             continue;
-        beginTint();
+        // The guardian has to know before the first tint can reach the server.
+        m_guardian.guard(m_claim->window());
+        m_isRestored = false;
         if (const auto curve = m_calibrations.curves().find(crtc->output); curve != m_calibrations.curves().end()) {
             m_server->setGamma(crtc->identifier, GammaRamp(calibrated(tables, curve->second), crtc->tableSize));
             continue;
@@ -58,10 +62,13 @@ void RandrBackend::restore()
 {
     if (!connect())
         return;
+    if (!ownsDisplays()) {
+        m_guardian.dismiss();
+        return;
+    }
     if (m_mustReadCalibrations)
         readCalibrations();
     m_server->restoreEverywhere(m_calibrations.curves());
-    m_claim.reset();
     m_isRestored = true;
     if (m_server->synchronise())
         m_guardian.dismiss();
@@ -113,7 +120,7 @@ bool RandrBackend::process()
         mustWrite = readCalibrations() || mustWrite;
         hasCalibrations = hasCalibrations || !m_calibrations.curves().empty();
     }
-    if (mustWrite && m_isRestored && hasCalibrations) {
+    if (mustWrite && m_isRestored && hasCalibrations && !m_server->hasLostSelection()) {
         m_server->restoreEverywhere(m_calibrations.curves());
         m_server->flush();
     }
@@ -184,15 +191,31 @@ void RandrBackend::report(State state)
     }
 }
 
-/// The guardian has to know before the first tint can reach the server, and to find the claim there when it looks.
-void RandrBackend::beginTint()
+/// Claims them where nobody has since this copy did. Waits for the server then, so that a guardian that looks finds
+/// the claim there.
+bool RandrBackend::ownsDisplays()
 {
-    m_isRestored = false;
+    if (m_claim && !m_server->hasLostSelection())
+        return true;
     if (!m_claim) {
         m_claim.emplace(m_server->xcb(), m_server->root(), m_selection);
-        m_server->synchronise();
+    } else {
+        const auto newest = TintClaim::newest(m_server->xcb(), m_selection);
+        const bool isAnothers = newest != XCB_NONE && newest != m_claim->window();
+        if (isAnothers != std::exchange(m_hasYielded, isAnothers)) {
+            console::print("The displays of the X server " + m_display +
+                           (isAnothers ? " are another Ambertide's now; this one leaves them alone."
+                                       : " are this Ambertide's again."));
+        }
+        if (isAnothers) {
+            m_isRestored = false;
+            return false;
+        }
+        m_claim->renew();
     }
-    m_guardian.guard(m_claim->window());
+    m_server->settleLostSelection();
+    m_server->synchronise();
+    return true;
 }
 
 } // namespace ambertide

@@ -21,6 +21,9 @@ namespace ambertide {
 /// The system's own colours are a display's calibration, where colord has one for it, and the identity elsewhere; a
 /// tint goes through the calibration. While a tint is on, a process of its own stands by to restore them; the
 /// end of this object has it do so if restore() has not been called.
+///
+/// Of several copies the one that was the last to begin has the displays; the others leave them alone until it has
+/// ended, which each says in one line.
 class RandrBackend final : public DisplayBackend
 {
 public:
@@ -42,18 +45,19 @@ private:
     bool readCalibrations();
     std::string obstacle() const;
     void report(RandrConnection::State state);
-    void beginTint();
+    bool ownsDisplays();
 
     const std::string m_display;
     GuardianProcess m_guardian;
     std::optional<RandrConnection> m_server;
-    std::optional<TintClaim> m_claim; ///< while this connection tints
+    std::optional<TintClaim> m_claim; ///< from the first write or restore of this connection on
     xcb_atom_t m_selection = XCB_NONE;
     Calibrations m_calibrations;
     std::vector<std::string> m_outputs; ///< whose calibrations are known or asked for
     PollSet m_sources;                  ///< the server and the calibrations
     bool m_mustReadCalibrations = false;
     bool m_isRestored = false; ///< by this object, after whatever else
+    bool m_hasYielded = false; ///< to another copy
     std::vector<DisplayIdentifier> m_displays;
     bool m_hasChanges = false; ///< received with an answer that was waited for, so that the descriptor does not tell
     RandrConnection::State m_reported = RandrConnection::State::usable;

@@ -144,8 +144,12 @@ bool RandrConnection::hasChanges()
 /// again, or a CRTC that refuses every write (leased to another program) would be written to without end.
 void RandrConnection::note(const xcb_generic_event_t &event)
 {
-    m_isStale = true;
     const auto type = event.response_type & 0x7F;
+    if (type == XCB_SELECTION_CLEAR) {
+        m_hasLostSelection = true;
+        return;
+    }
+    m_isStale = true;
     const auto first = xcb_get_extension_data(m_xcb.get(), &xcb_randr_id)->first_event;
     if (type == first + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == first + XCB_RANDR_NOTIFY)
         m_hasChanged = true;

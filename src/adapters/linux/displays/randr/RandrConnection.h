@@ -51,6 +51,9 @@ public:
     bool takeEvents();
     /// The same for what has been received already; takeEvents() tells of it as well.
     bool hasChanges();
+    /// Whether another client has taken a selection that this one owned, until it is said to be settled.
+    bool hasLostSelection() const { return m_hasLostSelection; }
+    void settleLostSelection() { m_hasLostSelection = false; }
     /// What was last read about a CRTC; null when it is not among those.
     const Crtc *find(xcb_randr_crtc_t identifier) const;
 
@@ -88,6 +91,7 @@ private:
     bool m_isWatching = false; ///< the server tells of changes
     bool m_isStale = true;     ///< m_crtcs has to be read anew
     bool m_hasChanged = false; ///< displays may have changed since takeEvents() said so
+    bool m_hasLostSelection = false;
     std::vector<Crtc> m_crtcs;
 };
 

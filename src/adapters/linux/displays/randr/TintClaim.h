@@ -4,15 +4,19 @@
 
 namespace ambertide {
 
-/// Says on an X server that this connection tints its displays, for as long as the object lives: the newest claim owns
-/// a selection, through a window of its own. The server drops a claim whose connection ends, after all else that it
-/// sent.
+/// Says on an X server that its displays are this connection's to tint, for as long as the object lives: the newest
+/// claim owns a selection, through a window of its own. The server drops a claim whose connection ends, after all else
+/// that it sent.
+///
+/// Any client can own a selection. A claim counts only if the server knows the process behind it, and that is a running
+/// Ambertide of this user: not that of another machine, nor one that another container hides.
 class TintClaim
 {
 public:
     /// The name of the selection. One round trip.
     static xcb_atom_t selectionAtom(xcb_connection_t *connection);
-    /// The window of the newest claim that still stands; XCB_NONE where there is none. One round trip.
+    /// The window of the newest claim that counts and still stands; XCB_NONE where there is none. Two round trips, and
+    /// one more for the first time.
     static xcb_window_t newest(xcb_connection_t *connection, xcb_atom_t selection);
 
     /// Queues the claim. `root` is the root window of any screen. The connection must outlive the claim.
@@ -22,11 +26,15 @@ public:
     TintClaim(const TintClaim &) = delete;
     TintClaim &operator=(const TintClaim &) = delete;
 
+    /// Queues it as the newest once more.
+    void renew();
+
     xcb_window_t window() const { return m_window; }
 
 private:
     xcb_connection_t *m_connection;
     xcb_window_t m_window;
+    xcb_atom_t m_selection;
 };
 
 } // namespace ambertide

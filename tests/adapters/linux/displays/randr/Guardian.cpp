@@ -17,15 +17,16 @@ using namespace ambertide;
 
 namespace {
 
-/// A copy of the application, in a process group of its own.
+/// A copy of the application, in a process group and by a program of its own.
 class Copy : public QProcess
 {
 public:
     explicit Copy(const PrivateXServer &server)
     {
+        const auto program = m_folder.filePath(QStringLiteral("Ambertide"));
+        QFile::copy(QCoreApplication::applicationFilePath(), program);
         setChildProcessModifier([] { setpgid(0, 0); });
-        start(QCoreApplication::applicationFilePath(),
-              {QStringLiteral("tint"), QString::fromStdString(server.display())});
+        start(program, {QStringLiteral("tint"), QString::fromStdString(server.display())});
     }
     /// Shows this level of blue, and at 1 restores the displays.
     void show(const QByteArray &level)
@@ -35,12 +36,18 @@ public:
             waitForReadyRead(100);
         readAll();
     }
-    void signalGroup(int signal)
+    /// Whether its guardian ends in time when it is ended like this.
+    bool endsGuarded(int signal = SIGKILL)
     {
+        const auto process = guardian();
         ::kill(-static_cast<pid_t>(processId()), signal);
         waitForFinished();
+        return process > 0 && QTest::qWaitFor([process] { return waitpid(process, nullptr, WNOHANG) == process; }, 500);
     }
     pid_t guardian() const { return childOf(static_cast<pid_t>(processId()), "AmbertideGuardian"); }
+
+private:
+    QTemporaryDir m_folder;
 };
 
 int runCopy(const char *display)
@@ -58,12 +65,6 @@ int runCopy(const char *display)
             services.restoreSystemColours();
     }
     return 0;
-}
-
-/// Of a guardian whose application has ended.
-bool endsInTime(pid_t guardian)
-{
-    return QTest::qWaitFor([guardian] { return waitpid(guardian, nullptr, WNOHANG) == guardian; }, 500);
 }
 
 } // namespace
@@ -97,9 +98,8 @@ private Q_SLOTS:
                 QCOMPARE(kill(guardian, harmless), 0);
             if (signal == 0)
                 copy.closeWriteChannel(); // and it returns from main
-            copy.signalGroup(signal);
             // An application that can still does so waits for its guardian.
-            QVERIFY(signal == 0 ? kill(guardian, 0) != 0 : endsInTime(guardian));
+            QVERIFY(signal == 0 ? copy.waitForFinished() && kill(guardian, 0) != 0 : copy.endsGuarded(signal));
             QVERIFY(m_client.showsIdentityEverywhere());
         }
     }
@@ -111,9 +111,7 @@ private Q_SLOTS:
         copy.show("1");
         m_server.xrandr(QStringLiteral("--output screen --gamma 0.5:0.8:0.9"));
         const auto foreign = m_client.ramp(m_display);
-        const auto guardian = copy.guardian();
-        copy.signalGroup(SIGKILL);
-        QVERIFY(endsInTime(guardian));
+        QVERIFY(copy.endsGuarded());
         QCOMPARE(m_client.ramp(m_display), foreign);
         QVERIFY(!m_client.showsIdentityEverywhere());
     }
@@ -140,24 +138,45 @@ private Q_SLOTS:
 
         copy.show("0.5");
         QTRY_COMPARE(shown(), (std::array{0, 32768}));
-        const auto guardian = copy.guardian();
-        copy.signalGroup(SIGKILL);
-        QVERIFY(endsInTime(guardian));
+        QVERIFY(copy.endsGuarded());
         QCOMPARE(shown(), (std::array{square, identity}));
     }
 
-    void anotherCopyThatHasTakenOverKeepsItsTintAndAGuardian()
+    void aStrangersClaimDoesNotCount()
+    {
+        Copy copy(m_server);
+        copy.show("0.5");
+        QTRY_VERIFY(copy.guardian() > 0);
+        m_client.takeSelection("_ME_TOVANU_AMBERTIDE");
+        copy.show("0.25");
+        QTRY_COMPARE(m_client.ramp(m_display)[2][0], 16384);
+        m_client.takeSelection("_ME_TOVANU_AMBERTIDE");
+        QVERIFY(copy.endsGuarded());
+        QVERIFY(m_client.showsIdentityEverywhere());
+    }
+
+    void theNewestCopyHasTheDisplaysAndAGuardian()
     {
         Copy old(m_server);
         old.show("0.5");
         QTRY_VERIFY(old.guardian() > 0);
-        const auto oldGuardian = old.guardian();
+        {
+            Copy brief(m_server);
+            brief.show("0.25");
+            QTRY_COMPARE(m_client.ramp(m_display)[2][0], 16384);
+            old.show("0.75");
+            old.show("1");
+            QCOMPARE(m_client.ramp(m_display)[2][0], 16384);
+            QVERIFY(brief.endsGuarded());
+            QVERIFY(m_client.showsIdentityEverywhere());
+        }
+        old.show("0.5");
+        QTRY_COMPARE(m_client.ramp(m_display)[2][0], 32768);
         Copy young(m_server);
         young.show("0.25");
         QTRY_VERIFY(young.guardian() > 0);
         const auto youngGuardian = young.guardian();
-        old.signalGroup(SIGKILL);
-        QVERIFY(endsInTime(oldGuardian));
+        QVERIFY(old.endsGuarded());
         QTRY_COMPARE(m_client.ramp(m_display)[2][0], 16384);
 
         // A guardian that dies is replaced at once, one that is stopped with the next write.
@@ -166,9 +185,7 @@ private Q_SLOTS:
         const auto secondGuardian = young.guardian();
         kill(secondGuardian, SIGSTOP); // takes effect some time later
         QTRY_VERIFY((young.show("0.5"), young.guardian() != 0 && young.guardian() != secondGuardian));
-        const auto newGuardian = young.guardian();
-        young.signalGroup(SIGKILL);
-        QVERIFY(endsInTime(newGuardian));
+        QVERIFY(young.endsGuarded());
         QVERIFY(m_client.showsIdentityEverywhere());
     }
 };
