@@ -33,7 +33,11 @@ AmbertideApp::AmbertideApp(SystemPorts system)
                   .wake = m_system.wake,
                   .userDefaults = m_system.userDefaults,
                   .executor = m_system.executor,
-                  .terminate = [this] { m_isSuperfluous = true; },
+                  .terminate =
+                      [this] {
+                          m_ending = Ending::Superfluous;
+                          quit();
+                      },
                   .bringSettingsForward = [this] { bringSettingsForward(); }})
 {
     AccessibleApplication::install();
@@ -55,7 +59,7 @@ AmbertideApp::~AmbertideApp()
 bool AmbertideApp::launch()
 {
     m_delegate.applicationDidFinishLaunching();
-    if (m_isSuperfluous)
+    if (m_ending == Ending::Superfluous)
         return false;
     CLIInstaller::makeShared(m_system.mainBundle, m_system.privilegedRunner);
     LaunchHelper::makeShared(m_system.loginItem);

@@ -27,7 +27,8 @@ class AmbertideApp final : public QObject
 public:
     enum class Ending {
         Quit,
-        Restart ///< an update has been installed
+        Superfluous, ///< another copy runs
+        Restart      ///< an update has been installed
     };
 
     explicit AmbertideApp(SystemPorts system);
@@ -62,7 +63,6 @@ private:
     std::optional<AppearanceFollower> m_appearance;
     std::optional<MenuBarExtra> m_menuBarExtra;
     QPointer<SettingsView> m_settings;
-    bool m_isSuperfluous = false; ///< another copy runs
     Ending m_ending = Ending::Quit;
 };
 

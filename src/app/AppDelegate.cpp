@@ -37,6 +37,10 @@ void AppDelegate::applicationDidFinishLaunching()
         return;
     }
     m_hasLaunchedBefore = true;
+    m_othersObservation = m_ports.runningApplications.observeOthers([this] {
+        if (!ensureSingleInstance())
+            m_ports.terminate();
+    });
     m_wakeObservation = m_ports.wake.observe([this] { handleWakeNotification(); });
     console::print("Registering for CLI temperature notifications...");
     m_cliObservation = m_ports.distributedNotifications.observe(

@@ -38,7 +38,8 @@ public:
     AppDelegate(const AppDelegate &) = delete;
     AppDelegate &operator=(const AppDelegate &) = delete;
 
-    /// Once, after the models are made. Asks for termination, and does nothing else, when another copy runs.
+    /// Once, after the models are made. Asks for termination, and does nothing else, when another copy runs. Asks for
+    /// it later, too, should another copy have become the running one.
     void applicationDidFinishLaunching();
     /// Once, when the application is about to end. The displays are not given back here.
     void applicationWillTerminate();
@@ -62,6 +63,7 @@ private:
     int m_posts = 0;                  ///< since that loop's last turn
     std::shared_ptr<std::optional<long long>> m_requested =
         std::make_shared<std::optional<long long>>(); ///< to be stored
+    Observation m_othersObservation;
     Observation m_instanceObservation;
     Observation m_wakeObservation;
     Observation m_cliObservation;

@@ -46,6 +46,10 @@ AmbertideApp::Ending run(const std::filesystem::path &program, int argc, char *a
                               {"settings", [&app] { app->showSettings(); }},
                               {"check-for-updates", [&app] { app->checkForUpdates(); }}}});
     const auto ending = app->run();
+    if (ending == AmbertideApp::Ending::Superfluous) {
+        userDefaults.flush(300ms);
+        std::_Exit(EXIT_SUCCESS);
+    }
     system.stopServing();
     app.reset();
     process::ignoreEndingSignals(); // their handler must not meet what is being taken down

@@ -31,6 +31,14 @@ bool isOwn(sd_bus *bus, const std::string &connection)
 
 } // namespace
 
+DBusRunningApplications::DBusRunningApplications(DBusSession &session)
+    : m_session(session), m_connecting(m_session.install([this](sd_bus *) {
+          m_isAsked = false;
+          return SdBusSlot();
+      }))
+{
+}
+
 std::vector<RunningApplication> DBusRunningApplications::withIdentifier(std::string_view bundleIdentifier)
 {
     const RunningApplication self{currentProcessIdentifier()};
@@ -40,6 +48,7 @@ std::vector<RunningApplication> DBusRunningApplications::withIdentifier(std::str
     const auto deadline = std::chrono::steady_clock::now() + timeLimit;
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         claimName();
+        m_isAsked = m_session.bus() != nullptr;
         sd_bus *bus = m_session.readyBus(deadline);
         const auto owner = bus != nullptr ? ownerOfName(bus, m_name, deadline) : std::nullopt;
         if (!owner || isOwn(bus, *owner))
@@ -62,8 +71,10 @@ void DBusRunningApplications::noteClaim(sd_bus_message *reply)
     if (!result)
         return;
     const bool isOwner = result == primaryOwner || result == alreadyOwner;
-    if (std::exchange(m_ownsName, isOwner) && !isOwner)
-        console::print("Another program has taken the name " + m_name + " on the session bus");
+    if (isOwner || m_isAsked)
+        return;
+    console::print("Another program has taken the name " + m_name + " on the session bus");
+    m_session.afterMessage([this] { m_others.notify(); });
 }
 
 std::optional<std::int64_t> DBusRunningApplications::processOf(sd_bus *bus, const std::string &connection,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "adapters/linux/bus/DBusSession.h"
+#include "base/Observers.h"
 #include "ports/RunningApplications.h"
 
 #include <optional>
@@ -15,9 +16,10 @@ class DBusRunningApplications final : public RunningApplications
 {
 public:
     /// `session` must outlive this.
-    explicit DBusRunningApplications(DBusSession &session) : m_session(session) {}
+    explicit DBusRunningApplications(DBusSession &session);
 
     std::vector<RunningApplication> withIdentifier(std::string_view bundleIdentifier) override;
+    Observation observeOthers(std::function<void()> handler) override { return m_others.observe(std::move(handler)); }
     /// The copy that withIdentifier() has found. It gets the activation token that this process was started with,
     /// without which a compositor would not let it come to the front.
     void activate(const RunningApplication &application) override;
@@ -30,8 +32,10 @@ private:
 
     DBusSession &m_session;
     std::string m_name;
+    Observation m_connecting;
     Observation m_claim;
-    bool m_ownsName = false;
+    bool m_isAsked = false; ///< by the application, since there is this connection
+    Observers<> m_others;
 };
 
 } // namespace ambertide

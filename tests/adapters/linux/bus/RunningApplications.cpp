@@ -1,6 +1,6 @@
-#include "adapters/linux/bus/DBusNotificationCenter.h"
 #include "adapters/linux/bus/DBusRunningApplications.h"
 #include "adapters/linux/services/DBusApplicationObject.h"
+#include "support/CapturedConsole.h"
 #include "support/PrivateBus.h"
 
 #include <QTest>
@@ -28,21 +28,22 @@ class RunningApplicationsTest : public QObject
     PrivateBus m_bus;
 
 private Q_SLOTS:
-    void copiesAreFoundWhileTheyLiveAndAskingLosesNoPost()
+    void copiesAreFoundWhileTheyLiveAndWhenTheBusReturns()
     {
-        auto first = std::make_unique<Copy>();
-        Copy second;
-        DBusNotificationCenter center(second.session);
-        bool isReceived = false;
-        const auto observation = center.observe("Name", Delivery::standard, [&](const auto &) { isReceived = true; });
-        QCOMPARE(first->found(), 1U);
-        QCOMPARE(first->found(), 1U);
-        center.post({"Name", std::nullopt}, Delivery::standard);
-        // Its answers come after the post, which is therefore read with them.
-        QCOMPARE(second.found(), 2U);
-        QTRY_VERIFY(isReceived);
-        first.reset();
-        QCOMPARE(second.found(), 1U);
+        const CapturedConsole console;
+        Copy first;
+        QCOMPARE(first.found(), 1U);
+        std::vector<std::size_t> found;
+        const auto told = first.applications.observeOthers([&] { found.push_back(first.found()); });
+        m_bus.stop();
+        QTRY_COMPARE(console.lines.size(), 1U); // it has noticed
+        m_bus.start();
+        {
+            Copy second; // is there before the other has tried again
+            QCOMPARE(second.found(), 1U);
+            QTRY_COMPARE(found, std::vector<std::size_t>{2});
+        }
+        QCOMPARE(first.found(), 1U);
     }
 
     void activationsReachTheRunningCopyWithTheirToken()
