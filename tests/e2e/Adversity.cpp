@@ -87,7 +87,8 @@ private Q_SLOTS:
     void aFloodOfHostilePostsNeitherStopsNorFeedsIt()
     {
         PrivateSession session;
-        ApplicationProcess application(true);
+        // Without the panel, which otherwise opens some seconds later and takes a megabyte.
+        ApplicationProcess application({QStringLiteral("--at-login")});
         QTRY_COMPARE_WITH_TIMEOUT(runTool("get"), QByteArray("6500\n"), patience);
         DBusSession bus(SdBusKind::session);
         DBusNotificationCenter center(bus);
@@ -108,11 +109,11 @@ private Q_SLOTS:
             sd_bus_flush(bus.bus());
             QTRY_COMPARE_WITH_TIMEOUT(runTool("get"), QByteArray::number(last) + '\n', 60'000);
         };
-        flood(10'000, 3200); // the queue has been as long as it becomes
+        flood(1'000, 3200);
         [[maybe_unused]] const auto before = privateMemory(application.processIdentifier());
-        flood(10'000, 3300);
+        flood(9'000, 3300);
 #ifndef __SANITIZE_ADDRESS__ // which keeps freed memory to itself
-        QVERIFY(privateMemory(application.processIdentifier()) - before < 2048);
+        QVERIFY(privateMemory(application.processIdentifier()) - before < 256);
 #endif
         QTRY_VERIFY_WITH_TIMEOUT(session.shows(3300), patience);
     }

@@ -78,13 +78,10 @@ private:
 class ApplicationProcess
 {
 public:
-    /// What it prints must be read, else the application waits for that before it prints more.
-    explicit ApplicationProcess(bool isOutputDiscarded = false)
+    explicit ApplicationProcess(const QStringList &arguments = {})
     {
         m_process.setProcessChannelMode(QProcess::MergedChannels);
-        if (isOutputDiscarded)
-            m_process.setStandardOutputFile(QProcess::nullDevice());
-        m_process.start(QStringLiteral(AMBERTIDE_BUNDLE "/Contents/MacOS/Ambertide"), {});
+        m_process.start(QStringLiteral(AMBERTIDE_BUNDLE "/Contents/MacOS/Ambertide"), arguments);
         m_process.waitForStarted();
     }
     ~ApplicationProcess()
