@@ -31,20 +31,6 @@ class PostedSignalTest : public QObject
     }
 
 private Q_SLOTS:
-    void whatIsPostedArrivesUnchanged()
-    {
-        const Notification full = {"Some.Name", UserInfo{{"", true},
-                                                         {"temperature", std::int64_t{3400}},
-                                                         {"least", std::numeric_limits<std::int64_t>::min()},
-                                                         {"fraction", 3450.5},
-                                                         {"text", std::string("warm \u2600")}}};
-        for (const auto &posted : {Notification{"Some.Name", std::nullopt}, full}) {
-            const auto notification = received(posted_signal::encode(m_bus.get(), posted));
-            QVERIFY(notification && notification->name == posted.name && notification->userInfo == posted.userInfo);
-        }
-        QVERIFY(!posted_signal::encode(m_bus.get(), {"Name", UserInfo{{"no UTF-8", std::string("\xff")}}}));
-    }
-
     void valuesOfOtherProgramsAreReadAndMessagesOfAnotherShapeAreNothing()
     {
         const auto isRead = [this](const UserInfoValue &expected, const char *type, auto... values) {
