@@ -259,8 +259,8 @@
         <translation>Keiner der Bildschirme hier lässt sich einfärben.</translation>
     </message>
     <message>
-        <source>Night Light is suspended. The tint comes once it is resumed.</source>
-        <translation>Das Nachtlicht ist ausgesetzt. Die Färbung kommt, sobald es fortgesetzt wird.</translation>
+        <source>Night Light is suspended, and so is the tint.</source>
+        <translation>Mit dem Nachtlicht ruht auch die Färbung.</translation>
     </message>
 </context>
 <context>

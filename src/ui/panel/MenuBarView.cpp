@@ -57,7 +57,7 @@ int hundreds(double temperature) { return static_cast<int>(temperature / 100); }
 
 MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     : m_viewModel(viewModel), m_haptics(haptics), m_scheduleEnabled(viewModel.scheduleEnabled()),
-      m_temperature(viewModel.temperature()), m_title(new TextLabel(QStringLiteral("Ambertide"), TextStyle::Title3)),
+      m_temperature(viewModel.temperature()), m_title(new TextLabel({}, TextStyle::Title3)),
       m_temperatureLabel(new TextLabel({}, TextStyle::Subheadline)),
       m_slider(new TemperatureSlider(AppViewModel::minTemperature, AppViewModel::maxTemperature,
                                      AppViewModel::temperatureStep)),
@@ -173,7 +173,7 @@ QString MenuBarView::refusalText(const std::optional<TintRefusal> &refusal)
     case TintRefusal::Reason::Suspended:
         break;
     }
-    return tr("Night Light is suspended. The tint comes once it is resumed.");
+    return tr("Night Light is suspended, and so is the tint.");
 }
 
 QString MenuBarView::statusText(const AppViewModel &viewModel)
@@ -208,7 +208,11 @@ void MenuBarView::follow()
 
 void MenuBarView::showTemperature()
 {
-    m_temperatureLabel->setText(temperatureText(m_temperature));
+    const QString text = temperatureText(m_temperature);
+    const bool hasFrame = !window()->windowFlags().testFlag(Qt::FramelessWindowHint); // and the name in it
+    m_title->setText(hasFrame ? text : QStringLiteral("Ambertide"));
+    m_temperatureLabel->setText(text);
+    m_temperatureLabel->setVisible(!hasFrame);
     m_slider->follow(m_temperature);
 }
 
@@ -220,17 +224,15 @@ void MenuBarView::showNotices()
 }
 
 // A focus proxy would catch every round of Tab.
-void MenuBarView::showEvent(QShowEvent *)
-{
-    m_title->setVisible(window()->windowFlags().testFlag(Qt::FramelessWindowHint)); // else it is in the frame
-    m_slider->setFocus(Qt::PopupFocusReason);
-}
+void MenuBarView::showEvent(QShowEvent *) { m_slider->setFocus(Qt::PopupFocusReason); }
 
 bool MenuBarView::event(QEvent *event)
 {
     const bool isHandled = QWidget::event(event);
     if (event->type() == QEvent::ApplicationFontChange)
         fitWidth();
+    else if (event->type() == QEvent::ParentChange)
+        showTemperature();
     return isHandled;
 }
 

@@ -33,13 +33,13 @@ Qt::WindowFlags flagsFor(PanelPlacement::Manner manner)
 
 PanelWindow::PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlacement::Manner manner)
     : QWidget(nullptr, flagsFor(manner)), m_placement(placement), m_manner(manner),
-      m_cornerRadius(placement.cornerRadius()), m_isSeeThrough(!isFramed() && placement.hasTransparency())
+      m_cornerRadius(placement.cornerRadius()), m_isSeeThrough(!isFramed() && placement.hasTransparency()),
+      m_shadow(m_isSeeThrough ? shadowMargins : QMargins())
 {
     setWindowTitle(QStringLiteral("Ambertide"));
     setAttribute(Qt::WA_TranslucentBackground, m_isSeeThrough);
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins({});
-    setContentsMargins(m_isSeeThrough ? shadowMargins : QMargins());
+    layout->setContentsMargins(m_shadow); // of the window they would count in the width for which it is laid out
     layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addWidget(content);
 }
@@ -58,7 +58,7 @@ void PanelWindow::moveBesideIcon(std::optional<QPoint> place)
     adjustSize();
     if (m_manner == PanelPlacement::Manner::Layer) {
         create();
-        m_placement.anchor(*windowHandle(), contentsMargins(), place);
+        m_placement.anchor(*windowHandle(), m_shadow, place);
         return;
     }
     if (m_manner == PanelPlacement::Manner::Window)
@@ -67,9 +67,9 @@ void PanelWindow::moveBesideIcon(std::optional<QPoint> place)
     if (screen == nullptr)
         screen = QGuiApplication::primaryScreen();
     if (screen != nullptr)
-        move(panelPosition(contentsRect().size(), place, screen->geometry(), screen->availableGeometry(),
-                           m_placement.gap()) -
-             contentsRect().topLeft());
+        move(
+            panelPosition(surface().size(), place, screen->geometry(), screen->availableGeometry(), m_placement.gap()) -
+            surface().topLeft());
 }
 
 bool PanelWindow::event(QEvent *event)
@@ -90,7 +90,7 @@ void PanelWindow::keyPressEvent(QKeyEvent *event)
 
 void PanelWindow::mousePressEvent(QMouseEvent *event)
 {
-    if (!contentsRect().contains(event->position().toPoint()))
+    if (!surface().contains(event->position().toPoint()))
         close(); // what is pressed there is beside the panel
 }
 
@@ -126,18 +126,18 @@ void PanelWindow::paintEvent(QPaintEvent *)
     QPainter painter(this);
     if (isFramed())
         return painter.fillRect(rect(), theme.panel);
-    const QRectF surface = contentsRect();
+    const QRectF panel = surface();
     if (m_isSeeThrough) {
         // Qt 6.8 on Wayland may keep what was painted before, to which another shadow would be added.
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.fillRect(rect(), Qt::transparent);
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        drawShadow(painter, surface, m_cornerRadius, theme.isDark);
-        fillRounded(painter, surface, m_cornerRadius, theme.panel);
+        drawShadow(painter, panel, m_cornerRadius, theme.isDark);
+        fillRounded(painter, panel, m_cornerRadius, theme.panel);
     } else {
-        painter.fillRect(surface, theme.panel);
+        painter.fillRect(panel, theme.panel);
     }
-    strokeRounded(painter, surface, m_cornerRadius, theme.buttonOutline);
+    strokeRounded(painter, panel, m_cornerRadius, theme.buttonOutline);
 }
 
 } // namespace ambertide

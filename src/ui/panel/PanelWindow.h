@@ -2,6 +2,7 @@
 
 #include "ports/PanelPlacement.h"
 
+#include <QMargins>
 #include <QWidget>
 
 #include <optional>
@@ -9,7 +10,7 @@
 namespace ambertide {
 
 /// The window around the panel's content, as the desktop lets it stand. Where a window can be see-through, the panel is
-/// its contentsRect(), and its contentsMargins() hold a shadow. Escape closes it, and so does a press elsewhere
+/// all of it but the margins of its layout, which hold a shadow. Escape closes it, and so does a press elsewhere
 /// unless it is an ordinary window. Its owner deletes it when it has closed.
 class PanelWindow final : public QWidget
 {
@@ -35,12 +36,14 @@ protected:
 
 private:
     bool isFramed() const { return m_manner == PanelPlacement::Manner::Window; }
+    QRect surface() const { return rect().marginsRemoved(m_shadow); }
     void moveBesideIcon(std::optional<QPoint> place);
 
     PanelPlacement &m_placement;
     PanelPlacement::Manner m_manner;
     int m_cornerRadius;
-    bool m_isSeeThrough = false;
+    bool m_isSeeThrough;
+    QMargins m_shadow;
 };
 
 } // namespace ambertide
