@@ -89,7 +89,7 @@ void DisplayManager::start(SystemWake &wake)
 bool DisplayManager::isShowing(double temperature)
 {
     const std::scoped_lock lock(m_transitionLock);
-    return m_isTransitioning || m_temperature == std::clamp(temperature, minTemperature, maxTemperature);
+    return m_target == std::clamp(temperature, minTemperature, maxTemperature);
 }
 
 void DisplayManager::setTemperature(double temperature)
@@ -103,6 +103,7 @@ void DisplayManager::setTemperature(double temperature)
         if (m_isTransitioning && std::abs(target - m_temperature) < 100.0)
             return;
         m_transitionTask.cancel();
+        m_target = target;
         m_isTransitioning = false;
         m_executor.blockThread(50ms); // gives the cancelled ramp a moment to stop
         from = m_currentTransitionTemp;
@@ -122,6 +123,10 @@ void DisplayManager::reapplyCurrentTemperature()
 void DisplayManager::reset()
 {
     m_transitionTask.cancel();
+    {
+        const std::scoped_lock lock(m_transitionLock);
+        m_target = neutralTemperature;
+    }
     m_transitionTask.store(Task::start(m_executor, [self = shared_from_this()](TaskContext context) -> Async {
         self->restoreSystemColours();
         if (context.isCancelled())

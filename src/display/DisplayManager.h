@@ -38,7 +38,7 @@ public:
     /// The committed temperature: that of the last ramp which came to its end, or 6500 after a reset.
     double temperature() const { return m_temperature; }
 
-    /// Whether `temperature` is committed, as far as it can be shown, or a ramp runs, whose target is not looked at.
+    /// Whether the newest request that was not dropped was for `temperature`, as far as it can be shown.
     bool isShowing(double temperature);
 
     /// Starts a ramp from what is shown now to `temperature`, held to 2000 to 6500, in place of the running one. Blocks
@@ -79,9 +79,10 @@ private:
 
     std::atomic<double> m_temperature = neutralTemperature; ///< written under the lock by a ramp, read without it
     double m_currentTransitionTemp = neutralTemperature;    ///< the last value that a ramp has shown
+    double m_target = neutralTemperature;                   ///< of the newest ramp or reset
     const bool m_shouldRun = true;                          ///< not used
     bool m_isTransitioning = false;                         ///< a ramp has been scheduled and has not ended
-    std::mutex m_transitionLock; ///< guards the three above; never held across a display call or a suspension
+    std::mutex m_transitionLock; ///< guards the four above; never held across a display call or a suspension
     TaskSlot m_transitionTask;   ///< the running ramp or the running reset
     TaskSlot m_maintenanceTask;
     Observation m_wakeObservation;

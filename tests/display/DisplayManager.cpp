@@ -164,6 +164,7 @@ private Q_SLOTS:
         manager->setTemperature(3400);
         shownIn(600ms);
         QVERIFY(rampsFrom(5500, 2000)); // while the entry temperature was held
+        QVERIFY(manager->isShowing(2000) && !manager->isShowing(3400));
         const double last = shownIn(1s).back();
         QVERIFY(rampsFrom(last, 6000));
     }
