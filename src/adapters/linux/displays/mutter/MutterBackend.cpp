@@ -23,14 +23,14 @@ namespace {
 
 constexpr auto patienceForBus = 300ms;
 constexpr auto betweenAttempts = 2s;
-/// When a socket is full.
+/// While a socket is full.
 constexpr auto betweenFlushes = 10ms;
 /// Mutter writes its own tables once more when it has read a display's profile, and nothing tells when.
 constexpr std::array looksAfterChange{1500ms, 1000ms, 750ms, 500ms, 300ms, 150ms, 50ms};
 /// Handled at one time, so that a flood holds nobody up.
 constexpr int mostMessages = 200;
-/// For a restore in all; where that is not enough it is tried again, or its guardian does it. On a machine that is busy
-/// colord takes half of it, and tables without its calibration would be a flash of other colours.
+/// For a whole restore; where that is not enough, it is tried again, or the guardian does it. On a busy machine colord
+/// takes half of it, and tables without its calibration would be a flash of other colours.
 constexpr auto longestRestore = 900ms;
 constexpr auto betweenRestores = 300ms;
 constexpr int mostRestores = 10;

@@ -14,8 +14,8 @@ namespace {
 constexpr std::uint32_t smallestTable = 2;
 constexpr std::uint32_t largestTable = std::numeric_limits<std::uint16_t>::max();
 
-/// A file of exactly these bytes that nobody can change any more, at its beginning: some compositors read from where
-/// it stands, and some accept nothing but the exact length. -1 when the system has no file left.
+/// A file that holds just these bytes, sealed against changes, with its offset at 0: some compositors read from the
+/// present offset, and some refuse any other length. -1 when the system has no file left.
 int makeFile(std::span<const std::uint16_t> levels)
 {
     const int file = memfd_create("ambertide", MFD_CLOEXEC | MFD_ALLOW_SEALING);

@@ -91,7 +91,7 @@ bool WlrootsCompositor::takeEvents()
     return std::exchange(m_hasNews, false);
 }
 
-/// Draws the consequences of what a control has been told.
+/// Acts on what the compositor has told a control.
 void WlrootsCompositor::settle(Output &output)
 {
     if (!output.control || output.control->state() == output.seen)

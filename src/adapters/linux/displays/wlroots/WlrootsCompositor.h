@@ -52,13 +52,13 @@ public:
     bool refusesAll() const;
     /// Whether show() would write to each of them, or leave it out, and not ask for a control.
     bool hasAskedFor(std::span<const DisplayIdentifier> displays) const;
-    /// Asks for the controls that are missing, and waits for the answers, that long at most. restore() reaches what
-    /// was had by then.
+    /// Asks for the missing controls and waits that long at most for the answers. restore() acts on those that were
+    /// granted by then.
     void takeControls(std::chrono::milliseconds patience);
     /// Gives those of the outputs that are there and ready the tables, unless they have them. Never waits: false when
     /// the compositor takes no more for now, and the same has to be shown again.
     bool show(std::span<const DisplayIdentifier> displays, const GammaTables &tables);
-    /// Waits for the compositor to take what show() could not send. False when it has not in that time.
+    /// Waits for the compositor to take what show() could not send; false when it does not in that time.
     bool flush(std::chrono::milliseconds patience) { return m_connection.flush(patience); }
     /// Has the next tables be written even where they are as before.
     void forgetTables();
@@ -71,7 +71,7 @@ private:
     {
         WaylandObject<wl_output> object;
         std::optional<GammaControl> control{};
-        GammaControl::State seen = GammaControl::State::awaitingSize; ///< what has been made of the control's state
+        GammaControl::State seen = GammaControl::State::awaitingSize; ///< the control's state that has been acted on
         std::optional<Clock::time_point> nextAttempt{};               ///< since the control was refused
         bool hasTables = true;
         std::optional<ColourMatrices::Factors> matrix{}; ///< stands in for the tables

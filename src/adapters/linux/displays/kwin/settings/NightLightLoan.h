@@ -51,7 +51,7 @@ public:
     bool isActive() const { return m_isActive; }
     /// False when somebody has changed what is borrowed.
     bool isUntouched() const;
-    /// Whoever borrowed them, if that copy does no longer run; waits so long for its end.
+    /// Gives back what this copy, or one that no longer runs, has borrowed; waits that long for such a copy's end.
     End giveBack(std::chrono::milliseconds patience);
 
     /// Why the last call failed: the end of a sentence.
