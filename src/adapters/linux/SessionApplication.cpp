@@ -5,6 +5,8 @@
 #include <QLoggingCategory>
 #include <QOpenGLContext>
 
+#include <atomic>
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -15,27 +17,39 @@ namespace {
 /// Windows are drawn without GL, but platform themes make a context of it, of 20 MB and more.
 constexpr const char *glChoices[] = {"QT_XCB_GL_INTEGRATION", "QT_WAYLAND_CLIENT_BUFFER_INTEGRATION"};
 
+QtMessageHandler toolkitsHandler = nullptr;
+std::atomic<bool> isToolkitHeard = true;
+
+void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    // The toolkit would wait for that thread for ever, on the main one.
+    if (text.startsWith(QStringLiteral("QThread::start: Thread creation error")))
+        std::terminate();
+    if (isToolkitHeard)
+        toolkitsHandler(type, context, text);
+    else if (type == QtFatalMsg)
+        console::print(text.toStdString());
+}
+
 bool isWaylandSession() { return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"); }
 
 /// False when somebody else has chosen. The toolkit may come to nothing without ending the application: it then runs
 /// without windows.
 bool choosePlatform()
 {
+    toolkitsHandler = qInstallMessageHandler(handleMessage);
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return false;
     qputenv("QT_QPA_PLATFORM", isWaylandSession() ? "wayland;xcb;offscreen" : "xcb;offscreen");
     // The display adapter and explainPlatform() say in one line what these would say in several.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false\nqt.qpa.xcb.warning=false"));
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
-        if (type == QtFatalMsg)
-            console::print(text.toStdString());
-    });
+    isToolkitHeard = false;
     return true;
 }
 
 void explainPlatform()
 {
-    qInstallMessageHandler(nullptr);
+    isToolkitHeard = true;
     const auto platform = QGuiApplication::platformName();
     if (!isWaylandSession() || platform.startsWith(QStringLiteral("wayland")))
         return;
