@@ -7,9 +7,12 @@
 #include "ui/controls/TextLabel.h"
 
 #include <QDesktopServices>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace ambertide {
 
@@ -39,7 +42,10 @@ QUrl webPage(const MainBundle &bundle)
 
 } // namespace
 
-AboutView::AboutView(const MainBundle &bundle, bool hasFeed) : m_checkForUpdates(new Button(tr("Check for Updates...")))
+AboutView::AboutView(const MainBundle &bundle, bool hasFeed)
+    : m_description(new TextLabel(tr("A simple solution to controling your display color temperature."),
+                                  TextStyle::Body, &Theme::secondaryText)),
+      m_checkForUpdates(new Button(tr("Check for Updates...")))
 {
     const QUrl page = webPage(bundle);
     auto *link =
@@ -51,11 +57,9 @@ AboutView::AboutView(const MainBundle &bundle, bool hasFeed) : m_checkForUpdates
 
     auto *version = new TextLabel(appVersion(bundle), TextStyle::Body, &Theme::secondaryText);
     version->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto *description = new TextLabel(tr("A simple solution to controling your display color temperature."),
-                                      TextStyle::Body, &Theme::secondaryText);
-    description->setWordWrap(true);
-    description->setAlignment(Qt::AlignHCenter);
-    description->setFixedWidth(descriptionWidth);
+    m_description->setWordWrap(true);
+    m_description->setAlignment(Qt::AlignHCenter);
+    fitDescription();
 
     auto *column = new QVBoxLayout;
     column->setSpacing(0);
@@ -67,7 +71,7 @@ AboutView::AboutView(const MainBundle &bundle, bool hasFeed) : m_checkForUpdates
     column->addSpacing(gapInBlock);
     auto *line = new QHBoxLayout; // an alignment would ask for the height at the whole width
     line->addStretch();
-    line->addWidget(description);
+    line->addWidget(m_description);
     line->addStretch();
     column->addLayout(line);
     column->addSpacing(gapInBlock + gapAboveButton);
@@ -78,6 +82,18 @@ AboutView::AboutView(const MainBundle &bundle, bool hasFeed) : m_checkForUpdates
     grid->addWidget(link, 0, 0, Qt::AlignTop | Qt::AlignRight);
     grid->addLayout(column, 0, 0);
     setTabOrder(link, m_checkForUpdates);
+}
+
+void AboutView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        fitDescription();
+}
+
+void AboutView::fitDescription()
+{
+    m_description->setFixedWidth(qRound(descriptionWidth * std::max(1.0, textScale())));
 }
 
 void AboutView::setCanCheckForUpdates(bool canCheck) { m_checkForUpdates->setEnabled(canCheck); }

@@ -7,6 +7,7 @@ namespace ambertide {
 
 class Button;
 class MainBundle;
+class TextLabel;
 
 /// What this program is: icon, name, version, what it is for, its page on the web and the way to a newer version.
 class AboutView final : public QWidget
@@ -22,7 +23,13 @@ public:
 Q_SIGNALS:
     void checkForUpdatesPressed();
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
+    void fitDescription();
+
+    TextLabel *m_description = nullptr;
     Button *m_checkForUpdates = nullptr;
 };
 

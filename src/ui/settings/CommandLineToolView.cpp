@@ -42,7 +42,9 @@ CommandLineToolView::CommandLineToolView()
 
     auto *title = new QVBoxLayout;
     title->setSpacing(lineGap);
-    title->addWidget(new TextLabel(tr("Command Line Tool"), TextStyle::Headline));
+    auto *name = new TextLabel(tr("Command Line Tool"), TextStyle::Headline);
+    name->setWordWrap(true); // large text
+    title->addWidget(name);
     title->addWidget(caption(tr("Control Ambertide from Terminal")));
     auto *head = new QHBoxLayout;
     head->setSpacing(0);
