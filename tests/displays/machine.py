@@ -180,7 +180,8 @@ class Application:
 
     def __init__(self, **environment):
         with self.LOG.open("a") as log:
-            self.process = as_user(PROGRAMS / "Ambertide", environment=environment, stdout=log,
+            # Else the panel would open some seconds later, since nothing here shows tray icons.
+            self.process = as_user(PROGRAMS / "Ambertide", "--at-login", environment=environment, stdout=log,
                                    stderr=subprocess.STDOUT)
         if not wait_for(lambda: tool("get").strip().isdigit(), 60):
             raise RuntimeError("the application does not come up")
