@@ -13,7 +13,9 @@ target_compile_options(ambertide_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
   $<$<BOOL:${AMBERTIDE_WERROR}>:-Werror>)
 target_compile_definitions(ambertide_options INTERFACE
-  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS)
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS
+  # Else whatever includes a header of Qt, such as the precompiled ones do, needs its library.
+  QT_NO_VERSION_TAGGING)
 if(AMBERTIDE_SANITIZE)
   target_compile_options(ambertide_options INTERFACE -fsanitize=${AMBERTIDE_SANITIZE} -fno-omit-frame-pointer)
   target_link_options(ambertide_options INTERFACE -fsanitize=${AMBERTIDE_SANITIZE})

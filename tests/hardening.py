@@ -1,5 +1,6 @@
 """hardening.py <folder>: fails unless each program in it was built to withstand faults in memory, as the file itself
-tells: by its dynamic section, the functions that it imports and, where it has debug information, its compiler's words."""
+tells: by its dynamic section, the functions that it imports and, where it has debug information, its compiler's words.
+Those that wait or run as root have to do without Qt."""
 
 import pathlib
 import re
@@ -15,6 +16,8 @@ def lacks(program):
                           "stack protector": "__stack_chk_fail"}.items():
         if not re.search(pattern, tables):
             yield name
+    if program.name not in ("Ambertide", "AmbertideCLI") and "libQt" in tables:
+        yield "independence of Qt"
     producers = set(re.findall(rb"GNU C\+\+[^\0]*", program.read_bytes()))
     for producer in producers:
         for flag in FLAGS:
