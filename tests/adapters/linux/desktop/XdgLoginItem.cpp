@@ -9,7 +9,6 @@
 #include <sys/stat.h>
 
 #include <fstream>
-#include <regex>
 
 using namespace ambertide;
 namespace fs = std::filesystem;
@@ -96,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(m_item.status(), Enabled);
         // What an earlier version wrote is brought up to date, but nothing else.
         const std::string current = entry();
-        const std::string earlier = std::regex_replace(current, std::regex(" --at-login"), "");
+        const std::string earlier = QString::fromStdString(current).remove(QStringLiteral(" --at-login")).toStdString();
         for (const auto &[before, after] :
              {std::pair(earlier, current), {start, start}, {earlier + "Hidden=true\n", earlier + "Hidden=true\n"}}) {
             std::ofstream(m_entry) << before;
