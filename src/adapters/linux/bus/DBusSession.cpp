@@ -18,7 +18,7 @@ namespace ambertide {
 namespace {
 
 /// How long a flood of messages may keep the main thread from other work at a time.
-constexpr std::chrono::milliseconds longestTurn{10};
+constexpr std::chrono::milliseconds longestTurn{30};
 
 /// D-Bus Specification, "org.freedesktop.DBus.RequestName".
 constexpr std::uint32_t doNotQueue = 4;
