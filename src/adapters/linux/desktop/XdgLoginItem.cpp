@@ -26,7 +26,7 @@ namespace {
 
 constexpr char mainGroup[] = G_KEY_FILE_DESKTOP_GROUP;
 /// Far larger than any entry that a person or a desktop wrote.
-constexpr qint64 maximumEntrySize = 64 * 1024;
+constexpr qint64 maximumEntrySize = qint64{64} * 1024;
 
 using KeyFile = std::unique_ptr<GKeyFile, Release<&g_key_file_unref>>;
 using Text = std::unique_ptr<char, Release<&g_free>>;
