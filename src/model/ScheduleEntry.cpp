@@ -105,10 +105,10 @@ void sortByTimeOfDay(std::vector<ScheduleEntry> &entries, const Calendar &calend
     // The calendar is asked once for each entry: looking up the time zone is the expensive part.
     std::vector<std::pair<DateComponents, ScheduleEntry>> timed;
     timed.reserve(entries.size());
-    for (auto &entry : entries)
-        timed.emplace_back(calendar.timeOfDay(entry.time), std::move(entry));
+    for (const auto &entry : entries)
+        timed.emplace_back(calendar.timeOfDay(entry.time), entry);
     std::ranges::stable_sort(timed, ScheduleEntry::timeIsBefore, &decltype(timed)::value_type::first);
-    std::ranges::move(timed | std::views::values, entries.begin());
+    std::ranges::copy(timed | std::views::values, entries.begin());
 }
 
 std::optional<ScheduleEntry> entryInForce(std::vector<ScheduleEntry> entries, const DateComponents &now,
