@@ -102,7 +102,7 @@ class KWin(Job):
         if before == 6500:
             row("length of the session's first ramp on the screen", length, "s")
         else:
-            row(f"length of a ramp of {'1000 K or more' if abs(kelvin - before) >= 1000 else 'less'}", length, "s", 2.1)
+            row(f"length of a ramp of {'at least' if abs(kelvin - before) >= 1000 else 'less than'} 1000 K", length, "s", 2.1)
         self.levels(kelvin)
 
     def plain(self):
