@@ -32,7 +32,7 @@ double milliseconds(const timeval &time)
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
 }
 
-/// Of children that have ended.
+/// The CPU time of children that have ended.
 double childrenMilliseconds()
 {
     rusage usage{};
@@ -61,7 +61,7 @@ Column ambertideColumn(Session &session)
     session.store("3400");
     session.start();
     session.waitUntilReached();
-    std::this_thread::sleep_for(8s); // a tray is waited for during the first five
+    std::this_thread::sleep_for(8s); // it waits for a tray during the first five
     session.settle();
     const auto guardian = childOf(session.process(), "AmbertideGuardian");
     idle(column, {session.process(), guardian});

@@ -2,8 +2,8 @@
 
 namespace ambertide {
 
-/// Ambertide beside the other programs for this that are installed, each alone on the same private X server: a table in
-/// Markdown.
+/// Prints a table in Markdown that compares Ambertide with the other programs for this that are installed, each run
+/// alone on the same private X server.
 void compare();
 
 } // namespace ambertide

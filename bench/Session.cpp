@@ -27,7 +27,7 @@ Session::Session()
 void Session::start()
 {
     m_application.setStandardOutputFile(QProcess::nullDevice());
-    // Else the panel would open some seconds later, since nothing here shows tray icons.
+    // Otherwise the panel would open some seconds later, since nothing here shows tray icons.
     m_application.start(programs + QStringLiteral("Ambertide"), {QStringLiteral("--at-login")});
     m_application.waitForStarted();
 }

@@ -27,11 +27,11 @@ public:
     void stop();
     int tool(const QStringList &arguments);
     RandrClient::Ramp shown() { return m_client.ramp(m_client.crtcs().front()); }
-    /// Until no table has changed for half a second.
+    /// Waits until no table has changed for half a second.
     void settle();
     pid_t process() const { return static_cast<pid_t>(m_application.processId()); }
     std::string display() const { return m_server.display(); }
-    /// While the application does not run.
+    /// Writes the temperature to the settings file. Only while the application does not run.
     void store(const char *temperature);
 
 private:

@@ -80,8 +80,8 @@ void closeFrontWindow(const char *key)
     std::this_thread::sleep_for(400ms); // a click that comes too soon counts as the one that has closed the panel
 }
 
-/// One drag of 2 s over the whole slider and back, at 125 moves a second. Gives the longest time for which the main
-/// thread did not answer, until the pointer is let go, and whether the tables have rested so long.
+/// What is measured during a drag of 2 s over the whole slider and back, at 125 moves a second, until the button is
+/// released: the longest time for which the main thread did not answer, and whether the tables have stayed the same.
 struct Drag
 {
     double longestWait = 0;

@@ -1,6 +1,6 @@
 // ambertide_bench [tables] [ramps] [application] [bus] [windows]: prints the figures of docs/figures.md, each beside
-// what it has to reach. All of them take some five minutes, half of which the application spends doing nothing under
-// observation. ambertide_bench compare: the table beside other programs.
+// what it has to reach. All of them together take some five minutes, half of which is spent watching the application do
+// nothing. ambertide_bench compare: prints the table that compares it with other programs.
 
 #include "Compare.h"
 #include "Measuring.h"
@@ -35,7 +35,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Keeps the optimiser from seeing what becomes of a value.
+/// Keeps the optimiser from removing a value that is not used.
 void use(const void *value) { asm volatile("" : : "g"(value) : "memory"); }
 
 void measureTables()
@@ -116,7 +116,7 @@ Ramp measureRamp(const PrivateXServer &server, std::size_t displayCount)
     BackendDisplayServices randr([&server] {
         return std::make_unique<RandrBackend>(server.display(), AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
     });
-    randr.restoreSystemColours(); // and it has connected
+    randr.restoreSystemColours(); // returns when the server has been connected to
     if (randr.activeDisplays().size() != displayCount)
         throw std::runtime_error("the X server shows another number of displays");
     TimedDisplays displays(randr);
@@ -210,7 +210,7 @@ void measureApplication()
     session.store("6500");
     session.start();
     session.waitUntilReached();
-    std::this_thread::sleep_for(8s); // a tray is waited for during the first five
+    std::this_thread::sleep_for(8s); // it waits for a tray during the first five
     print("memory, no window opened: proportional set size",
           static_cast<double>(memoryOf(session.process(), "Pss:")) / 1024, 22, "MB");
     measureIdle(session, "neutral", 60, 2);

@@ -13,7 +13,7 @@ import re
 import sys
 import textwrap
 
-# Of what is not released yet: the date of the build, which SOURCE_DATE_EPOCH sets.
+# The date of what is not released yet: that of the build, which SOURCE_DATE_EPOCH sets.
 TODAY = datetime.datetime.fromtimestamp(
     int(os.environ.get("SOURCE_DATE_EPOCH", datetime.datetime.now().timestamp())), datetime.timezone.utc)
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the commands of README.md, CONTRIBUTING.md and docs/ (the lines of their ```sh blocks), in a session of its own with
-Ambertide, as far as they can be run twice: of what needs a reader's machine or half an hour it looks whether it is
-there. A command of which this does not know how to check it is an error, and so is a link to a file that does not exist.
+Ambertide, as far as they can be run repeatedly. Where a command needs the reader's own machine or half an hour, only
+checks that its program exists. A command that this cannot check is an error, and so is a link to a missing file.
 """
 import os
 import pathlib
@@ -59,7 +59,7 @@ def finds_tests(command):
 
 
 def sign(command):
-    """In the home folder, with a file for each that is signed."""
+    """Runs it in the home folder, with a file made for each name that is to be signed."""
     words = command.replace(" [DAYS]", "").split()
     for name in words[3:]:
         file = pathlib.Path.home() / name

@@ -48,12 +48,12 @@ def is_on_bus(name):
 
 
 class Desktop:
-    """`place` is where the icon comes to be: to the left of the right edge and below the top, or above the foot when
-    negative; logical pixels."""
+    """`place` is where the icon appears, in logical pixels: how far left of the right edge, and how far below the top
+    or, when negative, above the bottom. None where the desktop shows no icons."""
 
     place = None
     environment = {}
-    opens_menu = False  # and no panel, at a click
+    opens_menu = False  # at a click, and not the panel
     title_bar = 0  # of the panel, less the line that it spares there
 
     def __init__(self, name, scale):
@@ -96,7 +96,7 @@ class Desktop:
         os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={self.run}/system"
 
     def enter_wayland(self):
-        """From here on programs are Wayland's."""
+        """Programs that are started after this use the Wayland compositor."""
         sockets = wait_until(lambda: [found for found in self.run.glob("wayland-*") if found.suffix != ".lock"],
                              "there is no compositor")
         os.environ["WAYLAND_DISPLAY"] = sockets[0].name
@@ -134,7 +134,7 @@ class Desktop:
     def application(self):
         self.ambertide = self.start(str(PROGRAMS / "Ambertide"), log="application.log")
         wait_until(lambda: is_on_bus("me.tovanu.Ambertide"), "the application does not come up")
-        time.sleep(7 if self.place else 15)  # until a desktop without icons is known for one
+        time.sleep(7 if self.place else 15)  # the application waits before it takes a desktop for one without icons
 
     def call(self, action):
         output("busctl", "--user", "--auto-start=no", "call", "me.tovanu.Ambertide", "/me/tovanu/Ambertide",
@@ -152,7 +152,7 @@ class Desktop:
         time.sleep(1)
 
     def search(self, words):
-        """Types them where the desktop searches; nothing where it does not."""
+        """Types the words where the desktop searches. False where it has no search."""
         return False
 
 
@@ -196,7 +196,7 @@ class PlasmaWayland(Plasma):
 
 
 class Gnome(Desktop):
-    # A mutter in a window dies of a gamma table.
+    # A mutter in a window crashes when it is given a gamma table.
     environment = {"XDG_CURRENT_DESKTOP": "GNOME", "XDG_SESSION_TYPE": "wayland", "XDG_MENU_PREFIX": "gnome-",
                    "AMBERTIDE_DISPLAY": "none"}
     extensions = "[]"
@@ -277,7 +277,7 @@ DESKTOPS = {"plasma-x11": Plasma, "plasma-wayland": PlasmaWayland, "gnome": Gnom
 
 
 def changed_area(before, after):
-    """x, y, width and height of the largest part in which two pictures differ, by more than a shadow makes up."""
+    """x, y, width and height of the largest part in which two pictures differ by more than a shadow."""
     listing = output("convert", before, after, "-compose", "difference", "-composite", "-colorspace", "gray", "-threshold",
                      "20%", "-morphology", "close", "square:4", "-define", "connected-components:verbose=true",
                      "-connected-components", "8", "null:")
@@ -298,7 +298,7 @@ def temperature():
 
 
 def use(desktop, scale_only=False):
-    """The outcome of each step, in a word or a few."""
+    """Goes through the steps; returns the outcome of each, in a few words."""
     desktop.application()
     before = desktop.picture("start")
     if not desktop.place:  # the panel is a window, and open

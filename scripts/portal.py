@@ -1,4 +1,4 @@
-"""Says on the session bus, for as long as it runs, that people want dark windows."""
+"""Stands in for the desktop portal on the session bus: for as long as it runs, the colour scheme is dark."""
 
 from gi.repository import Gio, GLib
 

@@ -28,7 +28,7 @@ build, folder, scale, theme = sys.argv[1], pathlib.Path(sys.argv[2]), int(sys.ar
 
 
 def take(name, window=None):
-    """Of a window by its title, or of the corner of the desktop with icon and panel."""
+    """Takes the picture of the window with this title, or of the corner of the desktop with icon and panel."""
     title = window or "Ambertide"
     identifier, = wait_until(lambda: desktop.xdotool("search", "--onlyvisible", "--name", f"^{title}$"), title)
     shown = dict(line.split("=") for line in desktop.xdotool("getwindowgeometry", "--shell", identifier))
@@ -50,7 +50,8 @@ def take(name, window=None):
 
 
 def start(tool=":"):
-    """The folder of the command-line tool is empty, but for what that command puts there. The bundle has a key."""
+    """Starts the application. /usr/local/bin is empty for it, but for what the shell command `tool` puts there, and the
+    bundle has a public key."""
     plist = desktop.bundle / "Contents/Info.plist"
     keyed = desktop.home / "Info.plist"
     key = base64.b64encode(bytes(32)).decode()

@@ -29,7 +29,7 @@ def content(path):
 
 
 def settings():
-    """The user's, of Night Light; KWin itself writes others into the same file."""
+    """The Night Light settings in kwinrc; KWin itself writes others into the same file."""
     lines = content(KWINRC).split(b"[NightColor]", 1)[-1].split(b"\n[", 1)[0].split(b"\n")
     return sorted(line.strip() for line in lines if line.strip())
 
@@ -43,7 +43,7 @@ def night_light(name):
 
 
 def note_announcements():
-    """When somebody told KWin of a change."""
+    """Notes each moment at which somebody tells KWin of a change of kwinrc."""
     monitor = as_user("dbus-monitor", "--profile", "path=/kwinrc", stdout=subprocess.PIPE, text=True)
     for line in monitor.stdout:
         if "ConfigChanged" in line:
@@ -51,8 +51,8 @@ def note_announcements():
 
 
 class Screen(Hardware):
-    """Errors are of the shares of green and blue, of red, by the levels of a dark grey: KWin 6.7 keeps the luminance of
-    all that it can and so cuts off red in bright ones."""
+    """Errors are those of green and blue as shares of red, read from a dark grey: KWin 6.7 preserves luminance where it
+    can, and so cuts off red in bright greys."""
 
     TOLERANCE, UNIT = 0.023, "of 1"
 
@@ -68,7 +68,7 @@ def is_given_back():
 
 
 def milliseconds_until(condition, moment):
-    """Since that moment; None when it does not come true."""
+    """How long after `moment` the condition came true; None when it did not."""
     return 1000 * (time.monotonic() - moment) if wait_for(condition, 3) else None
 
 
@@ -77,7 +77,7 @@ class KWin(Job):
     PLUGGED, KILLED = None, 100
 
     def back_since(self, moment, what, reach=None):
-        """Shown when neutral, quit or a signal came at that moment."""
+        """Rows for the way back, which began at `moment` with neutral, quit or a signal."""
         row(f"{what}: settings back after", milliseconds_until(lambda: settings() == untouched, moment), "ms", reach)
         wait_for(lambda: self.hardware.history[-1][0] > moment, 5)
         last = self.hardware.rested()
@@ -93,7 +93,7 @@ class KWin(Job):
         return application
 
     def ramp(self, before, kelvin):
-        """KWin's own, in steps of 50 K and a part of one: of a small change the parts count."""
+        """Measures KWin's own ramp, in steps of 50 K and a last part of one, which makes small ones longer."""
         asked = set_temperature(kelvin)
         wait_for(lambda: settings() != untouched and self.hardware.history[-1][0] > asked, 5)
         self.hardware.rested()

@@ -17,7 +17,7 @@ NEUTRAL = (65535, 65535, 65535)
 
 
 def wait_for(condition, seconds=30):
-    """What the condition returned once it was true, else its last value."""
+    """Waits until the condition returns something true. Returns that, or the last value when the time is over."""
     end = time.monotonic() + seconds
     while not (value := condition()) and time.monotonic() < end:
         time.sleep(0.002)
@@ -25,7 +25,7 @@ def wait_for(condition, seconds=30):
 
 
 def row(what, value, unit="", reach=None):
-    """A number and the most that it may be, or whether something is so."""
+    """Prints a row: a number and the most that it may be, or whether something is true."""
     missed = value is None or value is False or (reach is not None and value > reach)
     text = "yes" if value is True else "no" if value is False else "never" if value is None else f"{value:.4g} {unit}"
     print(f"| {what} | {text.strip()} | {'' if reach is None else f'{reach} {unit}'.strip()} |"
@@ -41,7 +41,7 @@ class Hardware:
 
     TOLERANCE, UNIT = 1, "of 65535"  # of the errors below
     BARE = {255: NEUTRAL}  # of a CRTC without a table
-    MISS = 0.15  # seconds within which a table that was not caught, since it was being replaced, is there again
+    MISS = 0.15  # seconds: a table that seems gone may only have been read while it was replaced, and is back by then
 
     def __init__(self, outputs):
         subprocess.run(["sh", SHARE / "vkms-many.sh", str(outputs)], check=True)
@@ -49,7 +49,7 @@ class Hardware:
         self.log = open(SHARE / "hardware.log", "w", encoding="utf8")
 
     def start(self):
-        # It polls, and is not to take the compositor's time.
+        # It polls, so it runs at low priority to leave the compositor its time.
         reader = subprocess.Popen(["nice", "-n", "15", "kmsdump", "-w", "100000"], stdout=subprocess.PIPE, text=True)
         threading.Thread(target=lambda: [self._note(line) for line in reader.stdout], daemon=True).start()
         plugged = sum(file.read_text().strip() == "1" for file in CARD.glob("connectors/*/status"))
@@ -74,12 +74,12 @@ class Hardware:
             print(seconds, {name: levels[max(levels)] for name, levels in crtcs.items()}, file=self.log, flush=True)
 
     def _lost(self, entries):
-        """The CRTCs whose table was there before the last reading."""
+        """The CRTCs that had a table up to the last reading, in which it is missing."""
         before, last = [crtcs for _, crtcs in entries[-2:]] if len(entries) > 1 else ({}, {})
         return [name for name, levels in last.items() if levels == self.BARE != before.get(name, self.BARE)]
 
     def _sure(self, entries):
-        """Without a last one of which it is not known yet whether it is a miss."""
+        """The entries, without the last one while it may still turn out to be a miss."""
         return entries[:-1] if self._lost(entries) and time.monotonic() - entries[-1][0] < self.MISS else entries
 
     def since(self, start):
@@ -89,7 +89,7 @@ class Hardware:
         return self._sure(self.history[-2:])[-1]
 
     def rested(self, quiet=0.8):
-        """The newest entry, once there has been no other for that many seconds from now on."""
+        """Waits until nothing has changed for `quiet` seconds, counted from now; returns the newest entry."""
         start = time.monotonic()
         wait_for(lambda: time.monotonic() - max(start, self.history[-1][0]) > quiet, 30)
         return self.history[-1]
@@ -102,7 +102,7 @@ class Hardware:
         return set(self.whites(entry)) == {NEUTRAL}
 
     def settled(self, start, condition, seconds=10, for_seconds=0.3):
-        """Milliseconds from then until the condition held for an entry and all later ones; None when it does not."""
+        """Milliseconds from `start` until the condition held for good; None when it does not come to that in time."""
         end = time.monotonic() + seconds
         while time.monotonic() < end:
             wait_for(lambda: condition(self.newest()), end - time.monotonic())
@@ -116,7 +116,7 @@ class Hardware:
         return None
 
     def worst_error(self, kelvin, entry=None):
-        """How far a level of any CRTC is from the temperature's straight line, at the levels that are told."""
+        """How far a level of any CRTC is at most from the temperature's straight line, at the indices that are read."""
         white = white_point(kelvin)
         return max((abs(level - factor * index / max(levels) * 65535)
                     for levels in (entry or self.newest())[1].values()
@@ -130,7 +130,7 @@ class Hardware:
 
 
 def differs(one, other):
-    """How far apart two states of the hardware are at most."""
+    """The largest difference between two states of the hardware."""
     if one.keys() != other.keys():
         return 65535.0
     return float(max(abs(a - b) for crtc in one for i in one[crtc].keys() & other[crtc].keys()
@@ -143,7 +143,7 @@ def white_point(kelvin):
 
 
 def as_user(*command, environment=None, **options):
-    """A process of the session's user."""
+    """Starts a process as the session's user."""
     variables = {"PATH": os.environ["PATH"], "HOME": USER.pw_dir, "LC_ALL": "C.UTF-8", "XDG_RUNTIME_DIR": RUNTIME,
                  "DBUS_SESSION_BUS_ADDRESS": f"unix:path={RUNTIME}/bus", "LD_LIBRARY_PATH": SHARE / "lib",
                  **(environment or {})}
@@ -180,14 +180,14 @@ class Application:
 
     def __init__(self, **environment):
         with self.LOG.open("a") as log:
-            # Else the panel would open some seconds later, since nothing here shows tray icons.
+            # Otherwise the panel would open some seconds later, since nothing here shows tray icons.
             self.process = as_user(PROGRAMS / "Ambertide", "--at-login", environment=environment, stdout=log,
                                    stderr=subprocess.STDOUT)
         if not wait_for(lambda: tool("get").strip().isdigit(), 60):
             raise RuntimeError("the application does not come up")
 
     def end(self, signal):
-        """The moment when it was sent."""
+        """Sends the signal, waits for the end, and returns the moment when it was sent."""
         moment = time.monotonic()
         self.process.send_signal(signal)
         self.process.wait()
@@ -199,7 +199,7 @@ class Application:
         return moment
 
     def wakeups(self):
-        """Of all its threads, so far."""
+        """Wake-ups of all its threads so far."""
         texts = [(task / "status").read_text() for task in pathlib.Path(f"/proc/{self.process.pid}/task").iterdir()]
         return sum(int(re.search(r"^voluntary_ctxt_switches:\s+(\d+)", text, re.M).group(1)) for text in texts)
 
@@ -226,7 +226,7 @@ asker = None  # that process
 
 
 def ask(what):
-    """The moment when it was asked for, by a process that runs already: programs start slowly in the machine."""
+    """Asks through a process that runs already, as programs start slowly in the machine. Returns when it was asked."""
     global asker
     asker = asker or as_user("python3", "-c", ASK, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
     moment = time.monotonic()

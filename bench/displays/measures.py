@@ -25,7 +25,7 @@ class Job:
         print(f"\n{printed}\n\n| what | measured | reach |\n|---|---|---|", flush=True)
 
     def run(self, arguments):
-        """The parts that are named, `part` or `part:number`, in their order."""
+        """Runs the parts that are named, as `part` or `part:number`, in this order."""
         for argument in arguments:
             name, _, number = argument.partition(":")
             getattr(self, name)(*([int(number)] if number else []))
@@ -75,11 +75,11 @@ class Job:
         application.quit()
 
     def restored_to(self, own):
-        """A function of a moment: how many milliseconds later the hardware showed that again, for good."""
+        """Returns a function of a moment: how many milliseconds later the hardware showed `own` again, for good."""
         return lambda moment: self.hardware.settled(moment, lambda entry: differs(entry[1], own) <= 1)
 
     def ends(self, what="plain", kills=3):
-        """Each way to end gives back what is shown without the application."""
+        """Checks that each way to end brings back what is shown without the application."""
         own = self.hardware.rested(2.5)[1]
         restored = self.restored_to(own)
         application = self.start()
@@ -125,7 +125,7 @@ class Job:
         application.quit()
 
     def kills(self, count):
-        """At random moments."""
+        """Kills the application at random moments."""
         restored, delays, tinted = self.restored_to(self.hardware.rested(2.5)[1]), [], 0
         for _ in range(count):
             application = self.start()

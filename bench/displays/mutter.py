@@ -21,12 +21,12 @@ Gio.Settings.sync()"""
 
 
 def night_light(kelvin):
-    """0 switches it off. It comes by a ramp of the settings daemon's own."""
+    """Sets Night Light to a temperature, to which the settings daemon makes a ramp of its own; 0 switches it off."""
     as_user("python3", "-c", SETTINGS, str(kelvin)).wait()
 
 
 def write_profile():
-    """A display's, of version 2, with a curve for each channel."""
+    """Writes a display profile of ICC version 2, with a calibration curve for each channel."""
     def fixed(*values):
         return b"".join(struct.pack(">i", round(value * 65536)) for value in values)
     tags = [(b"desc", b"desc\0\0\0\0" + struct.pack(">I", 4) + b"lab\0" + bytes(78)), (b"cprt", b"text\0\0\0\0none\0"),
@@ -66,7 +66,7 @@ class Mutter(Job):
         return all(abs(white[2] - .9 * 65535) < 2 for white in self.hardware.whites())
 
     def without(self, kelvin, start):
-        """The longest time, in milliseconds, for which the hardware has shown something else."""
+        """The longest time since `start`, in milliseconds, for which the hardware showed something else."""
         longest, since = 0.0, None
         for entry in self.hardware.since(start):
             if not self.hardware.shows(kelvin, entry):

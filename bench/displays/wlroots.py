@@ -55,7 +55,7 @@ class Wlroots(Job):
 class Hyprland(Wlroots):
     @staticmethod
     def switch(is_there):
-        """Aquamarine announces no output that is plugged in where the card has no GPU: the compositor is told."""
+        """On a card without a GPU Aquamarine announces no output that is plugged in, so the compositor is told."""
         state = f"disabled = {str(not is_there).lower()}"
         rule = f'hl.monitor({{output = "Virtual-2", mode = "preferred", position = "auto", {state}}})'
         as_user("hyprctl", "-i", "0", "eval", rule, stdout=subprocess.DEVNULL).wait()

@@ -1,5 +1,5 @@
-// check-feed FEED PACKAGE: whether every copy of an older release would take this feed and install this package, by the
-// same reading and with the key that are in the application.
+// check-feed FEED PACKAGE: checks that every copy of an older release would accept this feed and install this package,
+// with the same code and the same key as in the application.
 
 #include "update/Appcast.h"
 #include "update/SignedFeed.h"

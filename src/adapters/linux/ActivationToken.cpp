@@ -9,7 +9,7 @@ namespace ambertide::activation_token {
 namespace {
 
 constexpr std::string_view name = "XDG_ACTIVATION_TOKEN=";
-/// A variable of the environment, as the C library takes it.
+/// The variable as putenv() takes it, which does not copy it.
 constinit std::array<char, 2048> variable = {};
 
 } // namespace
@@ -20,7 +20,7 @@ void offer(std::string_view token)
         return;
     const auto end = std::ranges::copy(token, std::ranges::copy(name, variable.begin()).out).out;
     *end = '\0';
-    // The toolkit takes the variable away along with the token.
+    // The toolkit removes the variable when it takes the token.
     if (std::getenv("XDG_ACTIVATION_TOKEN") != variable.data() + name.size())
         putenv(variable.data());
 }

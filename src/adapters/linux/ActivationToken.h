@@ -6,8 +6,8 @@
 /// window asks for that.
 namespace ambertide::activation_token {
 
-/// Puts a token there for the next window that asks. The environment's own table, which other threads read, stays where
-/// it is, and no memory is spent: all tokens share one place. Too long a token is none. Main thread.
+/// Puts a token there for the next window that asks. All tokens share one buffer, so memory does not grow, and the
+/// environment's table, which other threads read, stays where it is. A token that is too long is ignored. Main thread.
 void offer(std::string_view token);
 
 } // namespace ambertide::activation_token

@@ -30,7 +30,7 @@
 
 namespace ambertide {
 
-/// In the order in which they are made. They go in the opposite one: the tasks before what they work on.
+/// In the order of construction. They are destroyed in the reverse order: the tasks before what they work on.
 struct LinuxSystem::Adapters
 {
     std::unique_ptr<BackendDisplayServices> displays;

@@ -26,7 +26,7 @@ public:
         std::map<std::string, std::function<void()>> actions; ///< by the names that launchers know
     };
 
-    /// The file that this process runs. To be asked for at the start: an update may put another in its place.
+    /// The file that this process runs. To be called at the start, since an update may replace the file later.
     static std::filesystem::path runningProgram();
 
     /// Connects to the displays, then starts the toolkit, then the rest. `program` lies in the bundle's program folder;
@@ -45,7 +45,7 @@ public:
     /// See BackendDisplayServices::end(). Any thread.
     void endDisplays(std::chrono::milliseconds limit);
 
-    /// See ThreadTaskExecutor, for the executor of everything but the installer.
+    /// See ThreadTaskExecutor. This is about the executor of everything but the installer.
     bool waitUntilIdle(std::chrono::milliseconds limit);
 
 private:

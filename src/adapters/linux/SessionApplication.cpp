@@ -14,7 +14,7 @@ namespace ambertide {
 
 namespace {
 
-/// Windows are drawn without GL, but platform themes make a context of it, of 20 MB and more.
+/// Our windows are drawn without GL, but platform themes would create a GL context, of 20 MB and more.
 constexpr const char *glChoices[] = {"QT_XCB_GL_INTEGRATION", "QT_WAYLAND_CLIENT_BUFFER_INTEGRATION"};
 
 QtMessageHandler toolkitsHandler = nullptr;
@@ -22,7 +22,7 @@ std::atomic<bool> isToolkitHeard = true;
 
 void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    // The toolkit would wait for that thread for ever, on the main one.
+    // The toolkit would go on to wait for that thread for ever, on the main thread.
     if (text.startsWith(QStringLiteral("QThread::start: Thread creation error")))
         std::terminate();
     if (isToolkitHeard)
@@ -33,7 +33,7 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
 
 bool isWaylandSession() { return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"); }
 
-/// False when somebody else has chosen. The toolkit may come to nothing without ending the application: it then runs
+/// False when the user has chosen. If neither Wayland nor X11 can be used, the application is not ended but runs
 /// without windows.
 bool choosePlatform()
 {
@@ -61,7 +61,8 @@ void explainPlatform()
 
 } // namespace
 
-/// Those that the user has not set, until this object goes: programs that are started later are to have GL.
+/// Switches GL off, where the user has made no choice, for as long as this object lives: programs that are started
+/// later should have GL.
 class SessionApplication::WithoutGL
 {
 public:
@@ -92,7 +93,8 @@ SessionApplication::SessionApplication(int &argc, char **argv)
 SessionApplication::SessionApplication(bool isPlatformOurChoice, const WithoutGL &, int &argc, char **argv)
     : QApplication(argc, argv)
 {
-    QOpenGLContext::supportsThreadedOpenGL(); // on Wayland GL is looked for at the first use
+    // Has the toolkit look for GL now, while it is switched off; on Wayland it would do so only at the first use.
+    QOpenGLContext::supportsThreadedOpenGL();
     if (isPlatformOurChoice)
         explainPlatform();
     setDesktopFileName(QStringLiteral("me.tovanu.Ambertide"));

@@ -4,8 +4,8 @@
 
 namespace ambertide {
 
-/// The toolkit's application, on the first that answers of Wayland, X11 and no windows at all, unless
-/// `QT_QPA_PLATFORM` names another, and without GL. Says in one line when a Wayland session is not reached as such.
+/// The toolkit's application, without GL, on whichever answers first of Wayland, X11 and no windows at all, unless
+/// `QT_QPA_PLATFORM` names a platform. One line says when the compositor of a Wayland session cannot be used.
 class SessionApplication : public QApplication
 {
 public:

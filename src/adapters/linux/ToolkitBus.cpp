@@ -23,7 +23,7 @@ void keepToolkitOffMuteBus()
     const bool isSet = qEnvironmentVariableIsSet(addressVariable);
     const auto address = qgetenv(addressVariable);
     qputenv(addressVariable, "disabled:");
-    QDBusConnection::sessionBus(); // the toolkit keeps it for good, failed as it is
+    QDBusConnection::sessionBus(); // the toolkit keeps this connection, which fails, for good
     if (isSet)
         qputenv(addressVariable, address);
     else

@@ -9,18 +9,18 @@
 
 namespace ambertide {
 
-/// Work that is done on a thread of its own, some time after the first request for it, and once for all requests that
-/// came meanwhile. Any thread; no call waits for the work except as said.
+/// Does work on a thread of its own, `gatheringTime` after the first request for it, once for all requests that have
+/// come by then. Any thread; only finish() and the destructor wait for the work.
 class GatheredWork
 {
 public:
     /// `work` may make requests itself.
     GatheredWork(std::chrono::milliseconds gatheringTime, std::function<void()> work);
-    /// Does at once, and waits for, what is still waiting.
+    /// Does at once what has been requested, and waits for that.
     ~GatheredWork() = default;
 
     void request();
-    /// Has what is waiting done at once, and waits for that, for at most `limit`.
+    /// Has what has been requested done at once, and waits for that, for at most `limit`.
     void finish(std::chrono::milliseconds limit);
 
 private:

@@ -49,9 +49,9 @@ SettingsFile::Content SettingsFile::read(const Stamp &stamp) const
     const auto bytes = file.read(largestFile);
     if (!isText(bytes))
         return {Health::Foreign, {}};
-    // QSettings keeps what it has read by the file's name, and takes it for new only if size or time differ. Two states
-    // of one length within the file system's tick would be one to it, so it gets a name that it has never seen.
-    // Without room for that the file itself has to do.
+    // QSettings caches what it has read by the file's name, and reads again only if size or time differ. It would miss
+    // a change that keeps the length within one tick of the file system's clock, so it is given a copy, under a name
+    // that it has never seen. When there is no room for a copy, the file itself has to do.
     QTemporaryFile copy;
     const bool isCopied = copy.open() && copy.write(bytes) == bytes.size() && copy.flush();
     const QSettings parsed(isCopied ? copy.fileName() : m_path, QSettings::IniFormat);
@@ -74,14 +74,14 @@ std::optional<QString> SettingsFile::setAside() const
 
 bool SettingsFile::replace(const Values &values) const
 {
-    // QSettings would wait for a lock of its own without limit, so it gets a file in a folder that nobody else writes
-    // to, which then takes the place of the other.
+    // QSettings would wait for its own lock file without limit, so it is given a file in a folder that nobody else
+    // writes to. That file then replaces the old one.
     const QFileInfo old(m_path);
     QDir().mkpath(old.path());
     const auto path = old.exists() ? old.canonicalFilePath() : m_path;
     const auto folder = path + QStringLiteral(".new");
     const auto freshPath = folder + QStringLiteral("/defaults.ini");
-    QFile::remove(folder); // should it be a link, then not what it leads to
+    QFile::remove(folder); // if it is a link, only that, and not what it leads to
     QDir(folder).removeRecursively();
     if (!QDir().mkdir(folder))
         return false;

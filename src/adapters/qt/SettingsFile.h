@@ -15,8 +15,8 @@ class SettingsFile
 {
 public:
     using Values = std::map<QString, QVariant>;
-    /// Damaged: text of which some can be read. Foreign: nothing that this class can have written, such as a binary
-    /// file, one that is not UTF-8 or over 1 MiB, or no regular file.
+    /// Damaged: text of which some can be read. Foreign: something that this class cannot have written, such as a
+    /// binary file, one that is not UTF-8 or over 1 MiB, or not a regular file.
     enum class Health { Good, Damaged, Foreign, Unreadable };
     struct Content
     {
@@ -38,9 +38,10 @@ public:
     Stamp stamp() const;
     /// A file that does not exist is good and empty.
     Content read(const Stamp &stamp) const;
-    /// Moves the file to a free name beside it, which is returned; nothing when that fails.
+    /// Renames the file to a free name beside it, and returns that name; nothing when that fails.
     std::optional<QString> setAside() const;
-    /// Atomically; makes the folder, too. A link to the settings stays a link. False when it fails.
+    /// Replaces the content atomically, and makes the folder if it is missing. A link to the settings stays a link.
+    /// False when that fails.
     bool replace(const Values &values) const;
 
 private:

@@ -26,8 +26,8 @@ QString SettingsUserDefaults::standardPath()
 SettingsUserDefaults::SettingsUserDefaults(QString path)
     : m_file(std::move(path)), m_writing(200ms, [this] { write(); })
 {
-    // What this class of the toolkit keeps is made with its first object, and goes the sooner at exit() the later it
-    // was made: it has to last until the last flush().
+    // QSettings makes its static data with its first object, and exit() destroys static data in the reverse order of
+    // its making. Made this early, it lasts until the last flush().
     QSettings(QStringLiteral("/dev/null"), QSettings::IniFormat);
 }
 
@@ -37,7 +37,7 @@ double SettingsUserDefaults::doubleValue(std::string_view key) { return value(ke
 
 bool SettingsUserDefaults::boolValue(std::string_view key)
 {
-    // QVariant would take any other text for true.
+    // QVariant::toBool() would take almost any other text for true.
     const auto text = value(key).toString();
     return text == QLatin1String("true") || text == QLatin1String("1");
 }

@@ -6,13 +6,13 @@
 
 namespace ambertide {
 
-/// The user defaults in a settings file, kept in memory while the file stays the same. A thread of its own writes,
-/// 200 ms after the first change and together with what has changed since; a value that is the present one is no
-/// change. Nothing waits for a write under way.
+/// The user defaults in a settings file, cached in memory while the file stays the same. A thread of its own writes,
+/// 200 ms after the first change, everything that has changed by then; setting the present value is no change. No
+/// reader or writer of a value waits for the disk while that thread writes.
 ///
 /// A file that this class cannot have written is moved to a free name beside it and reported, never overwritten; what
-/// could be read of it is kept. A file that cannot be written is reported once and tried again after every read.
-/// Of two programs that write in the same moment one wins.
+/// could be read of it is kept. A file that cannot be written is reported once, and writing is tried again after every
+/// read. If two programs write at the same moment, one of them wins.
 class SettingsUserDefaults final : public UserDefaults
 {
 public:
@@ -32,7 +32,7 @@ public:
     void setInteger(std::string_view key, long long value) override { set(key, value); }
     void setBool(std::string_view key, bool value) override { set(key, value); }
     void setData(std::string_view key, std::string_view bytes) override;
-    /// Takes no lock that is held while somebody waits for the disk.
+    /// Takes no lock that is held during a write.
     void flush(std::chrono::milliseconds limit) override { m_writing.finish(limit); }
     std::optional<std::string> unusableFile() override;
 
@@ -51,7 +51,7 @@ private:
     SettingsFile::Values m_unwritten;
     SettingsFile::Stamp m_readStamp; ///< of the file as last read
     SettingsFile::Health m_health = SettingsFile::Health::Good;
-    bool m_isWriting = false; ///< the file is the writer's alone
+    bool m_isWriting = false; ///< only the writing thread may touch the file
     bool m_hasWriteFailed = false;
     bool m_isInTrouble = false;
     GatheredWork m_writing; ///< last, so that it ends before what it uses

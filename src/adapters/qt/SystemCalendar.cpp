@@ -10,7 +10,7 @@ namespace {
 
 /// 2001-01-01 00:00:00 UTC in seconds since 1970-01-01 00:00:00 UTC.
 constexpr double referenceDate = 978307200;
-/// Some 30 million years: far beyond what a calendar says anything about, far inside of what time_t holds.
+/// Some 30 million years: far beyond any calendar, far within the range of time_t.
 constexpr double farthestDate = 1e15;
 
 } // namespace
@@ -37,7 +37,7 @@ DateComponents SystemCalendar::timeOfDay(Date date) const
 std::optional<Date> SystemCalendar::date(const DateComponents &timeOfDay) const
 {
     const DateComponents wanted = {.hour = timeOfDay.hour.value_or(0), .minute = timeOfDay.minute.value_or(0)};
-    // 2001-01-01, or where the clocks leave that time out, the day after.
+    // On 2001-01-01 or, where the clocks were put forward over that time, on the day after.
     for (const int day : {1, 2}) {
         std::tm local = {};
         local.tm_year = 2001 - 1900;

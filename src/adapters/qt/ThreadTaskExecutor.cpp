@@ -18,7 +18,8 @@ ThreadTaskExecutor::~ThreadTaskExecutor()
     }
     m_changed.notify_one();
     m_thread.join();
-    // Whatever is dropped may call back into this object as it goes, so the lists must be whole and unlocked by then.
+    // A task that is dropped may call back into this object while it is destroyed, so by then the lists must be intact
+    // and unlocked.
     for (;;) {
         QCoreApplication::removePostedEvents(&m_main);
         std::deque<Continuation> ready;
@@ -47,7 +48,7 @@ void ThreadTaskExecutor::resumeAfter(std::chrono::nanoseconds delay, Continuatio
     bool mustWake = false;
     {
         const std::scoped_lock lock(m_lock);
-        // A cancellation from here on finds the task among the sleepers; an earlier one is seen in its mark.
+        // A cancellation from here on finds the task among the sleepers; an earlier one shows in its `isCancelled`.
         const bool isCancelled = continuation.task()->isCancelled;
         const auto due = isCancelled ? Clock::time_point::min() : Clock::now() + delay;
         m_sleepers.push_back({due, std::move(continuation)});
@@ -59,7 +60,7 @@ void ThreadTaskExecutor::resumeAfter(std::chrono::nanoseconds delay, Continuatio
 
 void ThreadTaskExecutor::resumeOnMain(Continuation continuation)
 {
-    // Shared because such a call must be copyable.
+    // Shared, because invokeMethod() needs a function that can be copied.
     QMetaObject::invokeMethod(
         &m_main, [held = std::make_shared<Continuation>(std::move(continuation))] { held->resume(); },
         Qt::QueuedConnection);

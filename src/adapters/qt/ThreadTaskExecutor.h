@@ -15,11 +15,11 @@
 namespace ambertide {
 
 /// Runs every task on one background thread, which sleeps until the next is due: a tick of a task is one wake-up of the
-/// process. Tasks that block (a display server that does not answer) hold the others up, never the main thread. What
-/// goes on on the main thread does so from Qt's event loop.
+/// process. Tasks that block (on a display server that does not answer) hold up the others, but never the main thread.
+/// What continues on the main thread is run by Qt's event loop.
 ///
-/// Create and destroy on the main thread. Destroying it waits for the task that is running to suspend and destroys all
-/// others where they stand.
+/// Create and destroy on the main thread. Destroying it waits until the task that is running suspends, and destroys all
+/// others where they are suspended.
 class ThreadTaskExecutor final : public TaskExecutor
 {
 public:
@@ -57,7 +57,7 @@ private:
     Clock::time_point m_wakesAt = Clock::time_point::max();
     bool m_isRunning = false;
     bool m_shouldEnd = false;
-    QObject m_main; ///< what is to go on on the main thread waits among its events
+    QObject m_main; ///< receives the events that continue tasks on the main thread
     std::thread m_thread;
 };
 

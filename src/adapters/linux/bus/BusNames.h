@@ -12,13 +12,13 @@ inline constexpr char postedMember[] = "Posted";
 /// The programming interface of the application, at the same path.
 inline constexpr char temperatureInterface[] = "me.tovanu.Ambertide1";
 
-/// Where the desktops' searches look for answers.
+/// The objects at which KRunner and GNOME Shell search.
 inline constexpr char runnerPath[] = "/runner";
 inline constexpr char searchProviderPath[] = "/me/tovanu/Ambertide/SearchProvider";
 
 /// Desktop Entry Specification, "D-Bus Activation".
 inline constexpr char applicationInterface[] = "org.freedesktop.Application";
-/// Keys of that interface's platform data: the token under Wayland, and its X11 ancestor.
+/// Keys in that interface's platform data: Wayland's activation token, and its predecessor on X11.
 inline constexpr char activationTokenKey[] = "activation-token";
 inline constexpr char startupIdentifierKey[] = "desktop-startup-id";
 

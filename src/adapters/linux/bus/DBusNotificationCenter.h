@@ -10,8 +10,8 @@
 
 namespace ambertide {
 
-/// Notifications as signals on the session bus, which never delays any. Each observed name has a match rule of its own,
-/// so that posts of other names do not wake the process up.
+/// Notifications as signals on the session bus. The bus holds none of them back, so every delivery is immediate. Each
+/// observed name has a match rule of its own, so that posts under other names do not wake the process up.
 class DBusNotificationCenter final : public DistributedNotificationCenter
 {
 public:

@@ -16,7 +16,7 @@ namespace ambertide {
 namespace {
 
 constexpr std::chrono::milliseconds timeLimit{500};
-/// The owner may end between two questions about it; the name is then claimed anew.
+/// The owner may exit between two queries about it; the name is then claimed again.
 constexpr int mostAttempts = 3;
 
 /// D-Bus Specification, "org.freedesktop.DBus.RequestName".
@@ -85,7 +85,7 @@ std::optional<std::int64_t> DBusRunningApplications::processOf(sd_bus *bus, cons
     const auto process = reply ? SdBusReader(reply.get()).uint32() : std::nullopt;
     if (!process)
         return std::nullopt;
-    // Copies in different sandboxes may have the same number.
+    // A copy in another sandbox may have the same number as this one; 0 stands for unknown.
     return process == currentProcessIdentifier() ? 0 : std::int64_t{*process};
 }
 

@@ -9,8 +9,8 @@
 
 namespace ambertide {
 
-/// The running copy is the owner of the well-known name that equals the bundle identifier. Asking for the copies claims
-/// that name for this one, so the bus itself decides which was first. Other copies are never asked anything, so one
+/// The running copy is the owner of the well-known name that equals the bundle identifier. withIdentifier() claims that
+/// name for this process, so the bus itself decides which copy was first. Other copies are never asked anything, so one
 /// that hangs cannot delay this one.
 class DBusRunningApplications final : public RunningApplications
 {
@@ -20,8 +20,8 @@ public:
 
     std::vector<RunningApplication> withIdentifier(std::string_view bundleIdentifier) override;
     Observation observeOthers(std::function<void()> handler) override { return m_others.observe(std::move(handler)); }
-    /// The copy that withIdentifier() has found. It gets the activation token that this process was started with,
-    /// without which a compositor would not let it come to the front.
+    /// Activates the copy that withIdentifier() found, whichever is passed, and hands it the activation token that this
+    /// process was started with: without one, a compositor would not let it come to the front.
     void activate(const RunningApplication &application) override;
     std::int64_t currentProcessIdentifier() const override;
 

@@ -115,7 +115,7 @@ Observation DBusSession::watchName(std::string_view name, std::function<void(boo
                                   {"arg0", name}});
     return match(rule, [this, changed = std::move(changed)](sd_bus_message *signal) {
         SdBusReader reader(signal);
-        const bool isRead = reader.text() && reader.text(); // the name and its owner so far
+        const bool isRead = reader.text() && reader.text(); // the name and its previous owner
         if (const auto owner = isRead ? reader.text() : std::nullopt)
             afterMessage([changed, isOwned = !owner->empty()] { changed(isOwned); });
     });
@@ -145,7 +145,8 @@ sd_bus *DBusSession::readyBus(SdBusDeadline deadline)
 {
     if (!m_bus)
         return nullptr;
-    // What has been received so far, or will be during calls, waits inside sd-bus, where no notifier sees it.
+    // Messages that sd-bus has read already, or will read during calls, wait in its own queue, where no notifier sees
+    // them.
     m_nextTurn.start(0);
     if (waitUntilReady(m_bus.get(), deadline))
         return m_bus.get();

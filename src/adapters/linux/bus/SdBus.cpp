@@ -18,8 +18,8 @@ std::uint64_t microsecondsUntil(SdBusDeadline deadline)
     return static_cast<std::uint64_t>(std::max(left, microseconds(0)).count());
 }
 
-/// A refused rule leaves its observer without posts, which nobody can act on; sd-bus by itself would end the
-/// connection.
+/// If the bus refuses a match, its observer gets no signals, and nobody can do anything about that. Without this
+/// handler, sd-bus would close the connection.
 int ignoreReply(sd_bus_message *, void *, sd_bus_error *) { return 0; }
 
 } // namespace
@@ -55,7 +55,7 @@ bool waitUntilReady(sd_bus *bus, SdBusDeadline deadline)
 SdBusMessage callUntil(sd_bus *bus, sd_bus_message *call, SdBusDeadline deadline, int *error)
 {
     sd_bus_message *reply = nullptr;
-    const auto left = microsecondsUntil(deadline); // to sd-bus, 0 stands for its own default
+    const auto left = microsecondsUntil(deadline); // sd-bus takes 0 for its own default
     const int result = left > 0 ? sd_bus_call(bus, call, left, nullptr, &reply) : -ETIMEDOUT;
     if (error != nullptr)
         *error = result < 0 ? -result : 0;

@@ -15,10 +15,10 @@
 
 namespace ambertide {
 
-/// Letting go of a connection never waits; what it has not sent by then is lost.
+/// Closing a connection never waits; messages that have not been sent by then are lost.
 using SdBusConnection = std::unique_ptr<sd_bus, Release<&sd_bus_close_unref>>;
 using SdBusMessage = std::unique_ptr<sd_bus_message, Release<&sd_bus_message_unref>>;
-/// A match, an exported object or a call under way: ends when let go.
+/// A match, an exported object or a pending call, which ends with its owner.
 using SdBusSlot = std::unique_ptr<sd_bus_slot, Release<&sd_bus_slot_unref>>;
 
 using SdBusDeadline = std::chrono::steady_clock::time_point;
@@ -29,23 +29,24 @@ enum class SdBusKind { session, system };
 /// such bus.
 SdBusConnection openSdBus(SdBusKind kind);
 
-/// Handles messages until `isDone`. False when the deadline came first or the connection has ended.
+/// Handles messages until `isDone` returns true. False when the deadline came first or the connection has ended.
 bool processUntil(sd_bus *bus, SdBusDeadline deadline, const std::function<bool()> &isDone);
 
-/// Waits until the bus has answered, after which calls keep to their time-outs; before it, sd-bus waits for up to 90 s.
+/// Waits until the bus has answered. Only then do calls keep to their time-outs: before, sd-bus waits for up to 90 s.
 bool waitUntilReady(sd_bus *bus, SdBusDeadline deadline);
 
-/// Sends `call` on a connection that is ready and waits for its reply. Null on any failure, whose errno (positive) goes
-/// to `error`; ETIMEDOUT is the deadline.
+/// Sends `call` on a connection that is ready and waits for its reply. Null on any failure; `error` then receives the
+/// (positive) errno, which is ETIMEDOUT when the deadline came first.
 SdBusMessage callUntil(sd_bus *bus, sd_bus_message *call, SdBusDeadline deadline, int *error = nullptr);
 
 /// The unique name of the connection that owns `name`: empty when nobody does, nothing when the bus did not say.
 std::optional<std::string> ownerOfName(sd_bus *bus, const std::string &name, SdBusDeadline deadline);
 
-/// The rule that finds signals by these conditions, such as {"member", "Posted"}; those without a value are left out.
+/// The match rule for signals that meet these conditions, such as {"member", "Posted"}. A condition without a value is
+/// left out.
 std::string signalRule(std::initializer_list<std::pair<const char *, std::string_view>> conditions);
 
-/// Calls `handler` for the messages of the rule. Does not wait for the bus to confirm it.
+/// Calls `handler` for the messages that match. Does not wait for the bus to confirm the match.
 SdBusSlot addMatch(sd_bus *bus, const std::string &rule, sd_bus_message_handler_t handler, void *context);
 
 } // namespace ambertide

@@ -40,8 +40,8 @@ ApplicationConnection::Outcome SdBusApplicationConnection::post(const Notificati
 {
     if (const auto outcome = connect(); outcome != Outcome::done)
         return outcome;
-    // The bus keeps the order of what one connection sends: the application answers the ping after it has taken the
-    // post.
+    // The bus delivers the messages of one connection in order, so once the application answers the ping, it has
+    // received the post.
     const auto ping =
         SdBusWriter::call(m_bus.get(), m_owner.c_str(), bus_names::applicationPath, "org.freedesktop.DBus.Peer", "Ping")
             .take();

@@ -9,8 +9,8 @@
 
 namespace ambertide {
 
-/// Reaches the application over the session bus, which it connects to at the first call. The time limit holds from the
-/// construction on.
+/// Reaches the application over the session bus, to which each call makes a connection. The time limit runs from the
+/// construction of this object.
 class SdBusApplicationConnection final : public ApplicationConnection
 {
 public:
@@ -20,7 +20,7 @@ public:
     Answer request(const Notification &notification, std::string_view answer) override;
 
 private:
-    /// On success `m_owner` is the application's connection.
+    /// On success `m_owner` is the unique name of the application's connection.
     Outcome connect();
 
     SdBusDeadline m_deadline = std::chrono::steady_clock::now() + timeLimit;

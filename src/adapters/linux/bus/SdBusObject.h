@@ -7,13 +7,13 @@
 
 namespace ambertide {
 
-/// How an object's member functions become the handlers in a table of sd-bus (`sd_bus_vtable`), whose context is the
-/// object. Refusals are texts for the caller and live for ever.
+/// Turns functions on an object into handlers for a table of sd-bus (`sd_bus_vtable`), whose context is the object. A
+/// refusal is a text for the caller, with static lifetime.
 
 inline constexpr const char *noRefusal = nullptr;
 inline constexpr const char *malformedCall = "The call is malformed or too large";
 
-/// Reads the arguments and writes the reply, which is sent when the call is not refused.
+/// Reads the arguments and writes the reply. Returns a refusal, or noRefusal to have the reply sent.
 template <typename Object>
 using SdBusMethod = const char *(*)(Object &object, SdBusReader &arguments, SdBusWriter &reply);
 /// Writes the property's value.

@@ -113,7 +113,7 @@ std::optional<UserInfoValue> SdBusReader::variant()
     const char *contents = nullptr;
     if (sd_bus_message_peek_type(m_message, &type, &contents) <= 0 || type != 'v')
         return std::nullopt;
-    const std::string signature = contents; // the next look at the message invalidates it
+    const std::string signature = contents; // copied, since the next call on the message invalidates it
     std::optional<UserInfoValue> value;
     const bool isRead = container('v', signature.c_str(), [&] {
         value = variantContents(signature);

@@ -14,7 +14,7 @@
 
 namespace ambertide {
 
-/// Reads a message from a stranger in bounded time and memory.
+/// Reads a message from an untrusted sender in bounded time and memory.
 ///
 /// Any false or empty result means that the message is malformed, or so large that it can only be meant to keep the
 /// reader busy; nothing more can be read then. The message must outlive the reader.
@@ -32,22 +32,22 @@ public:
     std::optional<std::int32_t> int32();
     std::optional<std::uint32_t> uint32();
 
-    /// An array `as`, cut to its first entries.
+    /// An array `as`, of which entries beyond `mostEntries` are dropped.
     std::optional<std::vector<std::string>> texts();
 
-    /// A dictionary `a{sv}`, cut to its first entries; `alwaysKept` is among them wherever it stands. Values that are
-    /// no number, truth value or text become opaque; an unsigned number too large for an integer becomes a double; one
-    /// that is wrapped in several variants is unwrapped.
+    /// A dictionary `a{sv}`, of which entries beyond `mostEntries` are dropped, but never the one with the key
+    /// `alwaysKept`. A value that is not a number, truth value or text becomes opaque; an unsigned number that does not
+    /// fit into an int64 becomes a double; a value inside several nested variants is unwrapped.
     std::optional<UserInfo> dictionary(std::string_view alwaysKept = {});
 
-    /// A dictionary `a{sa{sv}}` of such dictionaries, cut in the same way.
+    /// A dictionary `a{sa{sv}}` of such dictionaries, with the same limit.
     std::optional<std::map<std::string, UserInfo, std::less<>>> dictionaries(std::string_view alwaysKept);
 
-    /// One value like those of a dictionary.
+    /// One variant, read like the values of a dictionary.
     std::optional<UserInfoValue> variant();
 
-    /// Reads an array entry by entry, or what is inside of another container; the function returns false for what is
-    /// malformed.
+    /// Reads an array, calling the function for each entry, or the inside of another container, calling it once. The
+    /// function returns false when what it reads is malformed.
     template <typename ReadEntry>
     bool array(const char *contents, ReadEntry readEntry)
     {
@@ -65,8 +65,8 @@ public:
         return enter(type, contents) && readContents() && leave();
     }
 
-    /// Skips the next value, whatever it is. sd-bus can do that too, but visits each element of even the largest
-    /// arrays.
+    /// Skips the next value, whatever its type. sd_bus_message_skip() does so as well, but visits each element of even
+    /// the largest array.
     bool skip();
 
 private:

@@ -10,10 +10,10 @@
 
 namespace ambertide {
 
-/// Writes a message. The type of a value decides how it is written; what is written must fit the message's signature.
+/// Writes a message. The C++ type of a value decides its D-Bus type, which must fit the message's signature.
 ///
-/// Without a connection, and once something cannot be written (a text that is no UTF-8), nothing more is written, and
-/// there is no message in the end.
+/// Without a connection, or once a value could not be written (such as text that is not UTF-8), all calls do nothing
+/// and take() returns null.
 class SdBusWriter
 {
 public:
@@ -23,7 +23,7 @@ public:
     /// Calls a method of the bus itself.
     static SdBusWriter busCall(sd_bus *bus, const char *member);
     static SdBusWriter reply(sd_bus_message *call);
-    /// Goes on with a message that sd-bus sends, such as the one with the value of a property.
+    /// Appends to a message that sd-bus itself has begun and will send, such as the reply with the value of a property.
     explicit SdBusWriter(sd_bus_message *message) : m_message(sd_bus_message_ref(message)) {}
 
     template <typename... Values>
@@ -33,7 +33,8 @@ public:
         return *this;
     }
 
-    /// Of the type 'a' (array), 'r' (structure) or 'v' (variant); `writeContents` adds to this writer.
+    /// Writes a container of the type 'a' (array), 'e' (dictionary entry), 'r' (structure) or 'v' (variant);
+    /// `writeContents` adds its contents to this writer.
     template <typename WriteContents>
     SdBusWriter &container(char type, const char *contents, WriteContents writeContents)
     {
@@ -44,10 +45,10 @@ public:
 
     SdBusWriter &objectPath(const char *path) { return apply<&sd_bus_message_append_basic>('o', path); }
 
-    /// Has the call fail where nobody owns the name that is called, in place of having the bus start a program for it.
+    /// Makes the call fail when nobody owns the destination, where the bus would otherwise start a program for it.
     SdBusWriter &withoutStarting() { return apply<&sd_bus_message_set_auto_start>(0); }
 
-    /// Null when it could not be written.
+    /// The finished message; null when it could not be written.
     SdBusMessage take() { return std::move(m_message); }
 
 private:

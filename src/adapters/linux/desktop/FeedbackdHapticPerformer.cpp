@@ -9,7 +9,7 @@ namespace {
 
 /// Event Naming Specification of feedbackd.
 constexpr char event[] = "button-pressed";
-/// Felt, not heard.
+/// A profile that vibrates without a sound.
 constexpr char profile[] = "quiet";
 /// Plays the feedback once, even if the theme repeats it.
 constexpr std::int32_t onlyOnce = -1;

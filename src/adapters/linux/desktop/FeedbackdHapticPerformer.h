@@ -5,8 +5,8 @@
 
 namespace ambertide {
 
-/// Has feedbackd, the feedback service of phones and tablets, do what its theme says for a pressed button. Nothing is
-/// felt while it does not run: it is neither started nor waited for.
+/// Asks feedbackd, the feedback service of phones and tablets, for what its theme has for a pressed button. Where it is
+/// not running nothing happens: it is neither started nor waited for.
 class FeedbackdHapticPerformer final : public HapticPerformer
 {
 public:

@@ -10,7 +10,7 @@
 
 namespace ambertide {
 
-/// Wake-ups as systemd-logind and its replacements announce them on the system bus.
+/// Wake-ups as systemd-logind and its replacements announce them on the system bus (signal PrepareForSleep).
 class LogindSystemWake final : public SystemWake
 {
 public:

@@ -21,11 +21,11 @@ struct Setting
 
 /// XDG Desktop Portal, "Settings": 1 is dark, 2 is light.
 constexpr Setting colorSchemeSetting = {"org.freedesktop.appearance", "color-scheme"};
-/// 1 is higher.
+/// 1 asks for higher contrast.
 constexpr Setting contrastSetting = {"org.freedesktop.appearance", "contrast"};
-/// 1 is reduced.
+/// 1 asks for reduced motion.
 constexpr Setting reducedMotionSetting = {"org.freedesktop.appearance", "reduced-motion"};
-/// Truth values of GNOME's settings.
+/// GNOME's settings, both booleans.
 constexpr Setting highContrastSetting = {"org.gnome.desktop.a11y.interface", "high-contrast"};
 constexpr Setting animationsSetting = {"org.gnome.desktop.interface", "enable-animations"};
 

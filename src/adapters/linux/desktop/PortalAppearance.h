@@ -12,9 +12,9 @@
 
 namespace ambertide {
 
-/// The look as the desktop portal has it: in its own settings and, because older portals have only one of those, in
-/// GNOME's; and Xfce's font, which the toolkit reads only once. A portal is asked for all of them at the start and
-/// whenever one appears; after that only changes of these settings are sent here.
+/// The desktop's look, as its portal tells it in the portal's own settings and, because older portals have only one of
+/// those, in GNOME's. Also Xfce's font, which the toolkit reads only once. The portal is asked for everything at the
+/// start and whenever one appears on the bus; after that the bus sends only changes of these settings.
 class PortalAppearance final : public Appearance
 {
 public:
@@ -48,7 +48,7 @@ private:
     DBusSession &m_session;
     Observers<> m_observers;
     std::string m_xfceFont;
-    std::map<std::string, UserInfo, std::less<>> m_settings; ///< by their namespaces
+    std::map<std::string, UserInfo, std::less<>> m_settings; ///< by namespace
     Look m_look;
     std::vector<Observation> m_matches;
     Observation m_request;

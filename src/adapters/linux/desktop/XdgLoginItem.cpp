@@ -25,7 +25,7 @@ namespace ambertide {
 namespace {
 
 constexpr char mainGroup[] = G_KEY_FILE_DESKTOP_GROUP;
-/// Far larger than any entry that a person or a desktop wrote.
+/// Bytes; far more than any entry that a person or a desktop writes.
 constexpr qint64 maximumEntrySize = qint64{64} * 1024;
 
 using KeyFile = std::unique_ptr<GKeyFile, Release<&g_key_file_unref>>;
@@ -43,7 +43,7 @@ std::string reasonOf(int error) { return std::generic_category().message(error);
 
 bool isRunnable(const char *program) { return !QStandardPaths::findExecutable(QFile::decodeName(program)).isEmpty(); }
 
-/// Null when there is no regular file of a sensible size, or it is no desktop entry.
+/// Null when there is no regular file of a sensible size, or it is not a desktop entry.
 KeyFile readEntry(const QString &path)
 {
     QFile file(path);
@@ -80,7 +80,7 @@ bool canStart(GKeyFile *entry)
     return isRunnable(program.constData()) && (!required || isRunnable(required.get()));
 }
 
-/// One argument in a value of "Exec", whatever it contains: Desktop Entry Specification 1.5, "The Exec key".
+/// Quotes any text as one argument in the value of "Exec": Desktop Entry Specification 1.5, "The Exec key".
 std::string execArgument(const std::string &text)
 {
     std::string argument = "\"";
@@ -92,11 +92,11 @@ std::string execArgument(const std::string &text)
     return argument + '"';
 }
 
-/// Without the argument.
+/// The command line that starts the program, without `startArgument`.
 std::string startCommand(const std::string &program)
 {
-    // systemd does not start a program with a quote in its path, and GLib none with a percent sign, but both pass such
-    // a path on as an argument.
+    // systemd cannot start a program with a quote in its path, nor GLib one with a percent sign, but both pass such a
+    // path on as an argument.
     const bool isPlain = program.find_first_of("'\"%") == std::string::npos;
     return (isPlain ? "" : "/usr/bin/env ") + execArgument(program);
 }

@@ -8,7 +8,7 @@ namespace ambertide {
 
 class MainBundle;
 
-/// The autostart entry of the user, as the Desktop Application Autostart Specification has it:
+/// The user's autostart entry, by the Desktop Application Autostart Specification:
 /// $XDG_CONFIG_HOME/autostart/me.tovanu.Ambertide.desktop, ~/.config by default.
 ///
 /// The file is replaced in one step: a session that starts at that moment reads the old entry or the new one. A
@@ -16,13 +16,13 @@ class MainBundle;
 class XdgLoginItem final : public LoginItem
 {
 public:
-    /// What the entry starts the application with.
+    /// The argument with which the entry starts the application.
     static constexpr char startArgument[] = "--at-login";
 
     /// The bundle must outlive the item.
     explicit XdgLoginItem(const MainBundle &bundle);
 
-    /// Gives an entry that starts this program, and is switched on, the argument that earlier versions left out.
+    /// Adds the argument, which earlier versions left out, to an entry that starts this program and is switched on.
     void bringUpToDate();
 
     LoginItemStatus status() const override;

@@ -32,8 +32,8 @@ private:
 
 struct Kind
 {
-    std::string_view name; ///< as it is chosen by
-    /// Why this kind cannot serve, a sentence for a person; empty when it can.
+    std::string_view name; ///< by which it can be chosen
+    /// Why this kind cannot tint the session, a phrase for the user; empty when it can.
     std::string (*refusal)(const DisplaySession &session);
     std::unique_ptr<DisplayBackend> (*create)(const DisplaySession &session);
 };
@@ -75,8 +75,8 @@ std::unique_ptr<DisplayBackend> createKWin(const DisplaySession &session)
     return std::make_unique<KWinBackend>(session.guardian);
 }
 
-/// In the order in which they are asked. The first serves sessions of X11 alone, so that GNOME and Plasma on X11 are
-/// tinted as every X server is.
+/// In the order in which they are tried. The first takes X11 sessions only, so GNOME and Plasma on X11 are tinted like
+/// any other X server.
 constexpr std::array kinds{
     Kind{"randr", randrRefusal, createRandr},
     Kind{"wlroots", wlrootsRefusal, createWlroots},
@@ -102,7 +102,7 @@ ChosenDisplayBackend chooseDisplayBackend(const DisplaySession &session, std::st
                              : "Displays cannot be tinted here (" + reasons +
                                    "). They can on X11, GNOME, Plasma, and Wayland compositors with wlr-gamma-control, "
                                    "such as Sway.";
-    // Who asks for none need not be told.
+    // Whoever chose "none" needs no explanation.
     return {std::make_unique<NoDisplays>(refusal), choice == "none" ? std::string() : refusal};
 }
 

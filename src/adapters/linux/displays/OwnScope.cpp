@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto patience = 250ms;
-/// The guardian pays no heed to SIGTERM, and nobody's log-out is to wait for one that hangs: microseconds.
+/// Microseconds. The guardian ignores SIGTERM, and a log-out must not wait long for one that hangs.
 constexpr std::uint64_t timeToStop = 2'000'000;
 
 } // namespace

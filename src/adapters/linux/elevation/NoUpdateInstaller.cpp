@@ -4,7 +4,7 @@ namespace ambertide {
 
 namespace {
 
-/// Nobody asks it: the updater is left out, too.
+/// Never used, as this build has no updater either.
 class NoUpdateInstaller final : public UpdateInstaller
 {
 public:

@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    /// For what pkexec writes before it ends with a status of its own; it translates none of it. Empty for other words.
+    /// Translates what pkexec itself writes before it fails, which is always English. Empty for any other output.
     static QString describeRefusal(const std::string &output)
     {
         if (hasLine(output, "Error executing command as another user: Request dismissed"))
@@ -66,7 +66,8 @@ ChildStart asAdministrator(const std::string &pkexec, const std::vector<std::str
 {
     ChildStart start{.arguments = {pkexec, "--disable-internal-agent"}};
     start.arguments.insert(start.arguments.end(), command.begin(), command.end());
-    // pkexec refuses to run under a shell, a locale or a terminal type that it finds strange, so it is told of none.
+    // pkexec refuses to run when it finds the user's shell, locale or terminal type suspicious, so it is given none of
+    // them.
     start.environment = std::vector<std::string>{"PATH=/usr/bin:/bin", "LC_ALL=C.UTF-8"};
     return start;
 }

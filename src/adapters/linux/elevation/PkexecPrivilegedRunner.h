@@ -9,9 +9,9 @@
 
 namespace ambertide {
 
-/// Does what the two administrator commands of this application say, which install and remove its command-line tool,
-/// and refuses every other: no text is handed to a shell. polkit's pkexec, which shows the desktop's own prompt, runs a
-/// program of the bundle that can do nothing else.
+/// Carries out the two administrator commands of this application, which install and remove its command-line tool, and
+/// rejects all others. No text is handed to a shell: polkit's pkexec, which shows the desktop's own prompt, runs a
+/// program of the bundle that can do only these two things.
 class PkexecPrivilegedRunner final : public PrivilegedRunner
 {
 public:

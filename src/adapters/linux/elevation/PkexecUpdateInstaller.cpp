@@ -34,7 +34,7 @@ void PkexecUpdateInstaller::install(const UpdatePackage &package, std::function<
     const FileDescriptor file(::open(package.path.c_str(), O_RDONLY | O_CLOEXEC));
     auto start = asAdministrator(m_pkexecPath, {m_helper.string(), package.signature, package.version});
     start.input = file.get();
-    // The few lines that pkexec and the helper write fit into the pipe, so nobody need read before the end.
+    // The few lines that pkexec and the helper write fit into the pipe, so nothing has to be read before the end.
     m_pkexec.emplace(std::move(start), ChildProcess::Kept::ErrorOutput);
     if (m_pkexec->endDescriptor() < 0) {
         QMetaObject::invokeMethod(
@@ -49,7 +49,7 @@ void PkexecUpdateInstaller::finish()
 {
     if (m_watch) {
         m_watch->setEnabled(false);
-        m_watch.release()->deleteLater(); // it may have made this call
+        m_watch.release()->deleteLater(); // this call may come from its signal
     }
     const auto done = std::exchange(m_done, {});
     const auto end = m_pkexec->wait();

@@ -10,8 +10,8 @@
 
 namespace ambertide {
 
-/// Hands the package to a helper that polkit's pkexec runs as root: as bytes, so that no file of the user's is read
-/// there. Main thread. Destroying it leaves an installation that has begun to itself.
+/// Hands the package to a helper that polkit's pkexec runs as root, as bytes on its standard input, so that root opens
+/// no file of the user's. Main thread. An installation that has begun goes on when this object is destroyed.
 class PkexecUpdateInstaller final : public UpdateInstaller
 {
 public:
@@ -29,8 +29,8 @@ private:
     const std::string m_pkexecPath;
     std::function<void(Result)> m_done;
     std::optional<ChildProcess> m_pkexec;
-    std::unique_ptr<QSocketNotifier> m_watch; ///< tells that it has ended
-    QObject m_context;                        ///< of the calls that come from the event loop
+    std::unique_ptr<QSocketNotifier> m_watch; ///< activated when pkexec has ended
+    QObject m_context;                        ///< receives the calls from the event loop
 };
 
 } // namespace ambertide

@@ -7,7 +7,8 @@
 
 namespace ambertide {
 
-/// The installer whose helper is among these programs. In a build without an updater (AMBERTIDE_UPDATER=OFF) it fails.
+/// The installer whose helper is in the folder `programs`. In a build without an updater (AMBERTIDE_UPDATER=OFF), one
+/// that always fails.
 std::unique_ptr<UpdateInstaller> makeUpdateInstaller(const std::filesystem::path &programs);
 
 } // namespace ambertide

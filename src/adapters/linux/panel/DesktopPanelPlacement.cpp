@@ -16,11 +16,11 @@ bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1Stri
 
 bool isPlasma()
 {
-    // A list with colons.
+    // A list, separated by colons.
     return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QLatin1String("KDE"));
 }
 
-/// Plasma tells it in device pixels.
+/// Plasma tells the place of a click in device pixels.
 QPoint logicalPlaceOnPlasma(const QPoint &place)
 {
     const auto sizes = layer_shell::deviceSizes();
@@ -39,7 +39,7 @@ PanelPlacement::Manner DesktopPanelPlacement::manner() const
 {
     if (isWayland())
         return layer_shell::isOffered() ? Manner::Layer : Manner::Window;
-    // Xwayland does not know where the pointer is, nor of presses, outside of its own windows.
+    // Xwayland knows neither the place of the pointer nor presses outside of its own windows.
     return qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? Manner::Popup : Manner::Window;
 }
 
@@ -68,7 +68,7 @@ int DesktopPanelPlacement::cornerRadius() const { return isPlasma() ? 6 : 12; }
 
 int DesktopPanelPlacement::gap() const
 {
-    return isPlasma() ? 16 : 4; // Plasma's panels float, beyond what they reserve
+    return isPlasma() ? 16 : 4; // Plasma's panels float and reach beyond the room that they reserve
 }
 
 void DesktopPanelPlacement::anchor(QWindow &window, const QMargins &shadow, std::optional<QPoint> place)

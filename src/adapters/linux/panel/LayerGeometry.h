@@ -11,7 +11,7 @@
 
 namespace ambertide {
 
-/// How a window is anchored on a screen: at two edges that meet, with these margins to them.
+/// How a window is anchored on a screen: at two adjacent edges, with these margins to them.
 struct LayerPosition
 {
     Qt::Edges edges;
@@ -20,16 +20,16 @@ struct LayerPosition
     bool operator==(const LayerPosition &) const = default;
 };
 
-/// Beside an icon at `place` on `screen`: against the edge at which the desktop's panel with the icon lies, which the
-/// compositor keeps free, and centred along it, but wholly on the screen. The top right corner for an unknown place.
-/// Logical pixels, also `gap`, which is kept to the edges.
+/// The position of a panel beside an icon at `place` on `screen`: at the edge where the desktop's own panel with the
+/// icon is, which the compositor keeps clear, and centred on the icon along that edge, but wholly on the screen. The
+/// top right corner when the place is unknown. All in logical pixels; `gap` is the distance to keep from the edges.
 LayerPosition layerPosition(const QSize &panel, std::optional<QPoint> place, const QRect &screen, int gap);
 
 /// A screen's rectangle in logical pixels, and its size in device pixels.
 using ScaledScreen = std::pair<QRect, QSize>;
 
-/// For a place in device pixels, counted from the origin of all screens by the scale of the screen that it is on. The
-/// place itself where it is on none of them.
+/// Converts a place from device pixels, counted from the origin of all screens at the scale of the screen that it is
+/// on. Returns the place itself when it is on none of them.
 QPoint logicalPlace(const QPoint &place, const std::vector<ScaledScreen> &screens);
 
 } // namespace ambertide

@@ -17,7 +17,8 @@ namespace ambertide::layer_shell {
 
 namespace {
 
-/// What the compositor has, asked for over a connection of its own: outputs bound twice over the toolkit's confuse it.
+/// What the compositor has, asked for over a connection of its own: binding outputs a second time over the toolkit's
+/// connection crashes the toolkit.
 class Globals
 {
 public:
@@ -29,7 +30,7 @@ public:
         static constexpr wl_registry_listener listener{noteGlobal, [](void *, wl_registry *, std::uint32_t) {}};
         if (m_registry && wl_registry_add_listener(m_registry.get(), &listener, this) == 0 &&
             wl_display_roundtrip(m_display.get()) >= 0)
-            wl_display_roundtrip(m_display.get()); // what the outputs say
+            wl_display_roundtrip(m_display.get()); // for the events of the outputs
     }
 
     bool hasLayerShell() const { return m_hasLayerShell; }
@@ -65,7 +66,7 @@ private:
         static constexpr wl_output_listener listener{
             .geometry =
                 [](void *to, wl_output *, int, int, int, int, int, const char *, const char *, int transform) {
-                    // The odd ones of the transforms are those by a quarter and three quarters.
+                    // The odd transforms are turns by 90 and 270 degrees, flipped or not.
                     static_cast<Output *>(to)->isTurned = transform % 2 != 0;
                 },
             .mode =
@@ -89,8 +90,9 @@ private:
 
 using Layer = LayerShellQt::Window;
 
-/// An unseen window over a whole screen, the desktop's panels included, that closes the panel at a press: a layer may
-/// keep the keyboard when something else is pressed. It is deleted when the panel closes.
+/// An invisible window over a whole screen, the desktop's panels included, that closes our panel when it is pressed. It
+/// is needed because a layer may keep the keyboard when something else is pressed. It deletes itself when the panel
+/// closes.
 class PressCatcher final : public QRasterWindow
 {
 public:

@@ -19,7 +19,7 @@ bool isOffered();
 /// compositor takes for active.
 void anchor(QWindow &window, const LayerPosition &position, QScreen *screen);
 
-/// In device pixels, by the screens' names. Asks the compositor: the toolkit rounds scale factors up.
+/// The screens' sizes in device pixels, by name. Asks the compositor, since the toolkit rounds scale factors up.
 std::map<QString, QSize> deviceSizes();
 
 } // namespace ambertide::layer_shell

@@ -20,7 +20,7 @@ using Kind = ChildProcessEnd::Kind;
 
 constexpr std::size_t pipeBytes = 64 * 1024;
 
-/// What posix_spawn is told beside the arguments.
+/// What posix_spawn() needs besides the arguments.
 struct SpawnSettings
 {
     explicit SpawnSettings(const ChildStart &start)
@@ -69,12 +69,12 @@ std::vector<char *> pointersTo(const std::vector<std::string> &texts)
 {
     std::vector<char *> pointers;
     for (const auto &text : texts)
-        pointers.push_back(const_cast<char *>(text.c_str())); // the call's type is older than const
+        pointers.push_back(const_cast<char *>(text.c_str())); // posix_spawn() predates const and changes nothing
     pointers.push_back(nullptr);
     return pointers;
 }
 
-/// Whoever started this process may have had it ignored, and then the system tells nobody how a child ended.
+/// A process can be started with SIGCHLD ignored, and the system then tells nobody how a child ended.
 void keepEndsOfChildren()
 {
     struct sigaction present = {};
@@ -82,7 +82,7 @@ void keepEndsOfChildren()
         std::signal(SIGCHLD, SIG_DFL);
 }
 
-/// glibc 2.36 declares its own for C alone.
+/// A system call, because glibc 2.36 declares pidfd_open() for C only.
 FileDescriptor openProcess(pid_t process)
 {
     return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
@@ -133,7 +133,7 @@ ChildProcessEnd ChildProcess::wait(int cancellation)
         if (::poll(events.data(), events.size(), -1) < 0)
             continue;
         if (events[0].revents != 0) {
-            ::kill(m_process, SIGTERM); // without effect on a child that has become another user's
+            ::kill(m_process, SIGTERM); // without effect once the child runs as another user
             ::waitpid(m_process, nullptr, WNOHANG);
             return {Kind::Cancelled, 0, m_output};
         }
@@ -146,7 +146,7 @@ ChildProcessEnd ChildProcess::wait(int cancellation)
     return {end.si_code == CLD_EXITED ? Kind::Exited : Kind::Signalled, end.si_status, m_output};
 }
 
-/// Takes at once all that a pipe can hold, so that it neither waits nor goes on for as long as somebody writes.
+/// Reads once, as much as a pipe can hold, so that it neither waits nor is kept busy by a program that goes on writing.
 void ChildProcess::readOutput()
 {
     std::array<char, pipeBytes> bytes;

@@ -30,7 +30,7 @@ struct DBusApplicationObject::Methods
     }
 
 private:
-    /// The call is read up to the platform data, which comes last in each of the calls.
+    /// By now the call has been read up to the platform data, which is the last argument of each method.
     static const char *run(DBusApplicationObject &object, SdBusReader &call, Callback callback)
     {
         const auto platformData = call.dictionary();

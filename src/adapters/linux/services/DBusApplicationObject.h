@@ -14,17 +14,17 @@ namespace ambertide {
 class DBusApplicationObject
 {
 public:
-    /// Gets the token with which the desktop lets a window come to the front; empty when there is none.
+    /// Gets the token with which the desktop lets a window come to the front; empty when the caller sent none.
     using Callback = std::function<void(const std::string &activationToken)>;
 
-    /// `activate` also stands for opening files, of which this application knows none. Each preset is an action by its
-    /// identifier, which `perform` carries out. `session` must outlive this.
+    /// `activate` also answers requests to open files, of which this application knows none. Each preset is an action,
+    /// named by its identifier and carried out by `perform`. `session` must outlive this.
     DBusApplicationObject(DBusSession &session, Callback activate,
                           const std::function<void(ColorTemperature)> &perform);
     DBusApplicationObject(const DBusApplicationObject &) = delete;
     DBusApplicationObject &operator=(const DBusApplicationObject &) = delete;
 
-    /// Actions of other names are refused. Parameters are ignored.
+    /// Adds or replaces an action. Calls of unknown actions are refused; parameters are ignored.
     void setAction(std::string name, Callback callback);
 
 private:

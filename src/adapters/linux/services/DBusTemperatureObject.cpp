@@ -15,8 +15,8 @@ constexpr char scheduleProperty[] = "ScheduleEnabled";
 
 } // namespace
 
-/// The bus answers a write once the setter returns, and nothing else is read before the work left behind has run: who
-/// reads after writing gets what was written.
+/// sd-bus answers a write as soon as the setter returns. The work that the setter has queued runs before the next
+/// message is handled, so whoever reads after writing gets what was written.
 struct DBusTemperatureObject::Properties
 {
     static const sd_bus_vtable vtable[];

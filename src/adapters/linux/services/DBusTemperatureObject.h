@@ -28,7 +28,7 @@ private:
     double m_announcedTemperature;
     bool m_announcedScheduleEnabled;
     Observation m_object;
-    QObject m_context; ///< of the calls that come from the model
+    QObject m_context; ///< of the connection to the model's signal
 };
 
 } // namespace ambertide

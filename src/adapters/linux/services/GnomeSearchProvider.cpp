@@ -11,7 +11,7 @@ namespace ambertide {
 
 namespace {
 
-/// Reads the terms, which come next in the call.
+/// Reads the search terms, which are the next argument of the call.
 const char *answerSearch(SdBusReader &call, SdBusWriter &reply)
 {
     const auto terms = call.texts();

@@ -7,14 +7,14 @@
 
 namespace ambertide {
 
-/// Answers the searches of GNOME Shell, by the interface `org.gnome.Shell.SearchProvider2`, with the presets that the
-/// terms may mean. The caller is answered before a callback runs, on the main thread.
+/// Answers searches of GNOME Shell, through the interface `org.gnome.Shell.SearchProvider2`, with the presets that the
+/// terms may mean. Callbacks run on the main thread, after the caller has been answered.
 class GnomeSearchProvider
 {
 public:
     using Perform = std::function<void(ColorTemperature)>;
 
-    /// `launch` is for a search that is to go on in the application. `session` must outlive this.
+    /// `launch` is called when the search is to be continued in the application. `session` must outlive this.
     GnomeSearchProvider(DBusSession &session, Perform perform, std::function<void()> launch);
     GnomeSearchProvider(const GnomeSearchProvider &) = delete;
     GnomeSearchProvider &operator=(const GnomeSearchProvider &) = delete;

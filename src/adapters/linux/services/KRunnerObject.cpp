@@ -16,7 +16,8 @@ namespace {
 constexpr int possibleMatch = 30;
 constexpr int exactMatch = 100;
 
-/// As KRunner names the actions of the desktop entry among applications: of results by one name it shows the first.
+/// The identifiers that KRunner itself gives to the actions of our desktop entry. It shows only one of several results
+/// with the same identifier, so no preset appears twice.
 constexpr std::string_view matchPrefix = "applications:me.tovanu.Ambertide.desktop?action=";
 
 void writeMatch(SdBusWriter &reply, const ActionMatch &match)
@@ -34,7 +35,7 @@ struct KRunnerObject::Methods
 {
     static const sd_bus_vtable vtable[];
 
-    /// Matches have nothing to offer beside being run.
+    /// A match can only be run; it has no further actions.
     static const char *actions(KRunnerObject &, SdBusReader &, SdBusWriter &reply)
     {
         reply.container('a', "(sss)", [] {});

@@ -7,8 +7,8 @@
 
 namespace ambertide {
 
-/// Answers the searches of KRunner, by the interface `org.kde.krunner1`, with the presets that a query may mean. The
-/// caller is answered before `perform` runs, on the main thread.
+/// Answers searches of KRunner, through the interface `org.kde.krunner1`, with the presets that a query may mean.
+/// `perform` runs on the main thread, after the caller has been answered.
 class KRunnerObject
 {
 public:

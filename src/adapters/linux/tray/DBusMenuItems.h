@@ -8,22 +8,22 @@
 
 namespace ambertide {
 
-/// The entries of a menu of one level as `com.canonical.dbusmenu` has them: numbered, below a root. Numbers go on
-/// through replacements, so that a host which still shows former entries cannot hit others.
+/// The entries of a one-level menu, in the terms of `com.canonical.dbusmenu`: numbered, below a root. Numbers are never
+/// used again after a replacement, so that a click in a host that still shows former entries cannot hit others.
 class DBusMenuItems
 {
 public:
     static constexpr std::int32_t root = 0;
 
-    /// Numbers are kept when the texts are the same: false then, and only states have changed.
+    /// When all texts are the same as before, keeps the numbers and returns false: only states can have changed.
     bool replace(std::vector<TrayMenuItem> items);
 
     bool has(std::int32_t identifier) const { return identifier == root || find(identifier) != nullptr; }
     /// Null for the root and for unknown numbers.
     const TrayMenuItem *find(std::int32_t identifier) const;
-    /// Of the entries, in their order.
+    /// The numbers of the entries, in order.
     std::vector<std::int32_t> identifiers() const;
-    /// By the names of the interface. None for unknown numbers.
+    /// An entry's properties by the names of the interface. None for unknown numbers.
     UserInfo properties(std::int32_t identifier) const;
 
 private:

@@ -164,7 +164,7 @@ struct DBusMenuObject::Members
     static void status(const DBusMenuObject &, SdBusWriter &value) { value.add("normal"); }
 
 private:
-    /// Once the caller has been answered. False for an unknown item.
+    /// Activates the item that was clicked, once the caller has been answered. False for an unknown item.
     static bool perform(DBusMenuObject &menu, const MenuEvent &event)
     {
         if (event.isClick)
@@ -212,7 +212,7 @@ void DBusMenuObject::sendLayoutUpdated()
                        .take());
 }
 
-/// Some hosts close an open menu when its layout is said to have changed.
+/// In place of LayoutUpdated, at which some hosts close an open menu.
 void DBusMenuObject::sendStates()
 {
     auto signal = SdBusWriter::signal(m_session.bus(), path, interface, "ItemsPropertiesUpdated");
@@ -226,7 +226,7 @@ void DBusMenuObject::activate(std::int32_t identifier)
     const auto *item = m_items.find(identifier);
     if (item == nullptr || !item->isEnabled || !item->activate)
         return;
-    const auto activate = item->activate; // which may replace the items
+    const auto activate = item->activate; // copied, since it may replace the items
     activate();
 }
 

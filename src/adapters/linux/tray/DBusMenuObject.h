@@ -8,11 +8,12 @@
 
 namespace ambertide {
 
-/// A menu of one level that the desktop's panel draws: exported by the interface `com.canonical.dbusmenu`. Main thread.
+/// A one-level menu that the desktop's panel draws: exported through the interface `com.canonical.dbusmenu`. Main
+/// thread.
 class DBusMenuObject
 {
 public:
-    /// Where it is exported.
+    /// The path of the exported object.
     static constexpr char path[] = "/MenuBar";
 
     /// `session` must outlive this.
@@ -20,7 +21,7 @@ public:
     DBusMenuObject(const DBusMenuObject &) = delete;
     DBusMenuObject &operator=(const DBusMenuObject &) = delete;
 
-    /// A click on what a host still shows of the former items does nothing, unless their texts are the same.
+    /// A click on a former item that a host still shows does nothing, unless all texts are the same as before.
     void setItems(std::vector<TrayMenuItem> items);
 
 private:

@@ -13,9 +13,9 @@ namespace ambertide {
 /// The tray icon, wherever the desktop has a place for one: a StatusNotifierItem while a watcher is on the bus, else an
 /// icon embedded by an X11 tray. Main thread.
 ///
-/// Where no watcher is on the bus, a tray of the X server is taken after a moment, and a watcher that comes later is
-/// preferred. A desktop that starts, or restarts its panel, is given longer to bring up either. Where there is neither,
-/// one line says how the panel is reached.
+/// Where no watcher is on the bus, the tray of the X server is used after a moment; a watcher that comes later takes
+/// over. A desktop that is starting, or restarting its panel, is given longer to bring up either. Where there is
+/// neither, one line says how to open the panel.
 class DesktopTrayIcon final : public TrayIcon
 {
 public:
@@ -23,8 +23,8 @@ public:
 
     struct Patience
     {
-        std::chrono::milliseconds beforeFallback; ///< a watcher is waited for
-        std::chrono::milliseconds beforeNowhere;  ///< any tray is waited for
+        std::chrono::milliseconds beforeFallback; ///< how long to wait for a watcher
+        std::chrono::milliseconds beforeNowhere;  ///< how long to wait for any tray
     };
     static constexpr Patience defaultPatience{std::chrono::milliseconds(500), std::chrono::seconds(5)};
 

@@ -56,7 +56,7 @@ struct StatusNotifierItem::Members
         });
     }
 
-    /// The text may hold markup.
+    /// Hosts take the text for markup, so it is escaped.
     static void toolTip(const StatusNotifierItem &item, SdBusWriter &value)
     {
         const auto text = QString::fromStdString(item.m_toolTip).toHtmlEscaped().toStdString();
@@ -64,14 +64,15 @@ struct StatusNotifierItem::Members
                         [&] { value.add("").container('a', "(iiay)", [] {}).add(item.m_name, text); });
     }
 
-    /// Also for hosts that do not draw the menu, and ask for one: all that people need of it is in the panel.
+    /// Also serves hosts that cannot draw the menu and ask the application to do so: the panel has all that people need
+    /// of it.
     static const char *activate(StatusNotifierItem &item, SdBusReader &call, SdBusWriter &)
     {
         const auto x = call.int32();
         const auto y = x ? call.int32() : std::nullopt;
         if (!y)
             return malformedCall;
-        // Panels that do not know the place send zeros.
+        // Panels that do not know the place of the click send zeros.
         const auto place = *x == 0 && *y == 0 ? std::nullopt : std::optional(QPoint(*x, *y));
         item.m_session.afterMessage([&item, place] { item.m_callbacks.activated(place); });
         return noRefusal;

@@ -17,11 +17,11 @@ public:
     /// `iconsFolder` holds the theme folder "hicolor" that comes with the application.
     explicit TrayArtwork(std::filesystem::path iconsFolder);
 
-    /// The folder in which hosts find the name; empty when they find it without being told, because some hosts recolour
-    /// only such icons.
+    /// The icon folder to tell hosts, in which they find the name. Empty when the icon is installed among the system's,
+    /// where they find it anyway: some hosts recolour only those.
     std::string themePath() const;
 
-    /// In the drawing's own colour, which stands on dark and light panels, at the usual sizes. Empty when the drawing
+    /// The drawing at the usual sizes, in its own colour, which is visible on dark and light panels. Empty when it
     /// cannot be read.
     std::vector<QImage> images() const;
 

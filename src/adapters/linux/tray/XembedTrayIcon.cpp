@@ -53,7 +53,7 @@ bool XembedTrayIcon::nativeEventFilter(const QByteArray &, void *message, qintpt
     const bool hasCome = kind == XCB_CLIENT_MESSAGE && announced->type == m_managerMessage && announced->format == 32 &&
                          announced->data.data32[1] == m_traySelection;
     const bool hasGone = kind == XCB_DESTROY_NOTIFY && destroyed->window == m_tray;
-    if (hasCome || hasGone) // the toolkit is told first
+    if (hasCome || hasGone) // by the timer, so that the toolkit handles it first
         m_trayChange.start();
     return false;
 }
@@ -70,7 +70,7 @@ void XembedTrayIcon::followTray()
         m_icon->setContextMenu(&m_menu);
         updateToolTip();
         QObject::connect(m_icon.get(), &QSystemTrayIcon::activated, &m_context, [this](auto reason) {
-            // The second of two quick clicks is called a double click.
+            // The second of two quick clicks comes as a double click; it counts, too.
             if (reason != QSystemTrayIcon::Context)
                 m_callbacks.activated(std::nullopt);
         });

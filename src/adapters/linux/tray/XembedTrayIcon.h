@@ -47,7 +47,7 @@ private:
     xcb_atom_t m_managerMessage = XCB_ATOM_NONE;
     xcb_window_t m_tray = XCB_WINDOW_NONE;
     QTimer m_trayChange;
-    QObject m_context; ///< of the connections to what is clicked
+    QObject m_context; ///< receives the clicks
 };
 
 } // namespace ambertide

@@ -7,7 +7,7 @@
 
 namespace ambertide {
 
-/// What xcb hands out to be freed: a reply, an event or an error. Null where the server answered with an error.
+/// Owns what xcb has allocated: a reply, an event or an error. A reply is null where the server answered with an error.
 template <typename Reply>
 using XcbReply = std::unique_ptr<Reply, Release<&std::free>>;
 

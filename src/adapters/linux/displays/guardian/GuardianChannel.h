@@ -14,12 +14,12 @@ public:
     explicit GuardianChannel(int descriptor) : m_descriptor(descriptor) {}
 
     int descriptor() const { return m_descriptor; }
-    /// What the application told last; 0 before that.
+    /// The last message from the application; 0 before the first.
     GuardianMessage told() const { return m_told; }
 
     /// Waits for one message. False once the application has ended.
     bool receive();
-    /// Waits for the application's end. Whether it tinted then.
+    /// Waits for the application's end. True when it was tinting then.
     bool awaitEnd();
 
 private:

@@ -13,13 +13,14 @@ namespace ambertide {
 
 namespace {
 
-/// The application and its guardian die at the same time when the whole session does; another copy never lets go.
+/// How long to wait for the dead application's lock on the loan. At the end of a session the guardian itself has little
+/// time left; and if another copy holds the lock by now, waiting is pointless.
 constexpr std::chrono::milliseconds patienceForLoan{400};
 
 constexpr std::uint64_t patienceForKWin = 300'000; ///< microseconds
 
-/// The bus, by way of a library that is loaded only now: it would cost more memory than all else that a guardian needs
-/// while it waits. Never unloaded.
+/// The bus, through a library that is loaded only when this is made: while the guardian waits, the library would cost
+/// more memory than everything else. Never unloaded.
 class LateBus
 {
 public:

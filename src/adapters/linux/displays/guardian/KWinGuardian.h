@@ -2,8 +2,9 @@
 
 namespace ambertide {
 
-/// Gives KWin's Night Light back when the application has ended, in whatever way, while it tinted by it. `state` is the
-/// file of the loan; the environment names the other files and the bus. Returns when nothing is left to do.
+/// Waits for the application's end, of whatever kind, and gives KWin's Night Light back if the application was using it
+/// to tint. `state` is the state file of the loan; the environment names the other files and the bus. Returns when
+/// nothing is left to do.
 bool guardKWin(const char *state, int channel);
 
 } // namespace ambertide

@@ -11,7 +11,7 @@ namespace ambertide {
 
 namespace {
 
-/// The displays are to be themselves again half a second after the application's end.
+/// The displays are to be restored half a second after the application's end.
 constexpr std::chrono::milliseconds patience{400};
 
 } // namespace
@@ -57,7 +57,7 @@ void RandrGuardian::watch(GuardianMessage claim)
 void RandrGuardian::readEvents()
 {
     while (const auto event = owned(xcb_poll_for_event(m_server.xcb()))) {
-        // An error says that the claim had ended before it could be watched.
+        // An error means that the claim had ended before it could be watched.
         const auto type = event->response_type & 0x7F;
         xcb_window_t window = XCB_NONE;
         if (type == XCB_DESTROY_NOTIFY)
@@ -68,8 +68,8 @@ void RandrGuardian::readEvents()
     }
 }
 
-/// Requests that the application left behind in its socket may still be processed until then. Not longer than can be
-/// waited: a stuck program may hold the dead one's connection open.
+/// Until the claim ends, the server may still be processing requests that the application left in its socket. The wait
+/// is bounded, because a stuck program may hold the dead one's connection open.
 void RandrGuardian::awaitEndOfClaim()
 {
     const auto deadline = Clock::now() + patience;

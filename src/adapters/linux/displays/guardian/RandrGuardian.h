@@ -7,16 +7,17 @@
 
 namespace ambertide {
 
-/// Gives the displays back when the application has ended, in whatever way, while it tinted them. A tint on X11
-/// outlives the program that made it.
+/// Waits for the application's end, of whatever kind, and restores the displays if they were tinted then, since a tint
+/// on X11 outlives the program that made it.
 class RandrGuardian
 {
 public:
     /// `channel` stays the caller's. The server must be usable.
     RandrGuardian(RandrConnection &server, int channel);
 
-    /// Returns when the application has ended and the displays have been seen to, or the server has gone. Sleeps until
-    /// one of them says something. True when displays have been given back, without their calibrations.
+    /// Sleeps until the application or the server sends something. Returns when the application has ended and the
+    /// displays have been dealt with, or when the server has gone. True when displays were restored, as yet without
+    /// their calibrations.
     bool run();
 
 private:
@@ -30,8 +31,8 @@ private:
     RandrConnection &m_server;
     GuardianChannel m_channel;
     const xcb_atom_t m_selection;
-    xcb_window_t m_claim = XCB_NONE; ///< the application tints under it
-    bool m_claimEnded = false;       ///< the server has dropped it, so nothing more of the application's is to come
+    xcb_window_t m_claim = XCB_NONE; ///< the window of the claim under which the application tints
+    bool m_claimEnded = false;       ///< the server has destroyed it, so it has processed all that the application sent
 };
 
 } // namespace ambertide

@@ -14,20 +14,21 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// For each answer of a compositor that is busy.
+/// How long to wait for each answer of a compositor, which may be busy.
 constexpr auto patience = 10s;
-/// Between the end of the channel and that of the application, which may close one file long before another. One that
-/// lives on has closed its connection to the compositor before.
+/// How long to wait for the application to end once its end of the channel is closed, since a dying process may close
+/// one file long before another. An application that lives on has closed its connection to the compositor before.
 constexpr int millisecondsToEnd = 200;
 
-/// The process at the other end of a channel, to be closed; becomes readable when that has ended.
+/// A descriptor of the process at the other end of the channel, which becomes readable when that has ended. To be
+/// closed by the caller; negative when there is no such process.
 int processBehind(int channel)
 {
     ucred peer{};
     socklen_t size = sizeof peer;
     if (getsockopt(channel, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0)
         return -1;
-    return static_cast<int>(syscall(SYS_pidfd_open, peer.pid, 0)); // glibc 2.36 declares its own for C alone
+    return static_cast<int>(syscall(SYS_pidfd_open, peer.pid, 0)); // glibc 2.36 declares pidfd_open() for C only
 }
 
 } // namespace
@@ -37,8 +38,9 @@ bool guardWlroots(const char *where, int channel)
     const int application = processBehind(channel);
     const bool wasTinting = GuardianChannel(channel).awaitEnd();
     if (wasTinting) {
-        // Hyprland that is asked for a control while another program has it refuses it to everybody from then on. The
-        // connection that has just been closed comes before ours in its queue.
+        // If Hyprland is asked for a control that another program still has, it refuses that control to everybody from
+        // then on. Once the application has gone, Hyprland handles the end of its connection before any request on
+        // ours.
         pollfd end{application, POLLIN, 0};
         poll(&end, 1, millisecondsToEnd);
     }

@@ -24,8 +24,8 @@ struct Duty
     bool (*run)(const char *where, int channel);
 };
 
-/// Becomes the program that asks for the calibrations; this one stays for as long as the displays are tinted, and
-/// therefore small.
+/// Becomes the program that restores the calibrations. That is a program of its own because the guardian runs for as
+/// long as the displays are tinted, so it has to be small.
 void restoreCalibrations(const char *display)
 {
     std::error_code error;
@@ -58,8 +58,8 @@ int main(int argc, char **argv)
 {
     if (argc != 3 || chdir("/") != 0)
         return EXIT_FAILURE;
-    // What a terminal or a session manager sends to the group is meant for the application; whoever sends it gets the
-    // displays back by the application's end.
+    // Signals that a terminal or a session manager sends to the whole process group are meant for the application. When
+    // they end it, the displays are restored anyway.
     sigset_t all;
     sigfillset(&all);
     sigprocmask(SIG_BLOCK, &all, nullptr);

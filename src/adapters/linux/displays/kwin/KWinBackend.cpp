@@ -13,9 +13,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto betweenRequests = 1s;
-/// KWin goes in steps of 50 K, at intervals that suit whole steps: two of 2 s for a change of 99 K.
+/// KWin goes in steps of 50 K, at intervals computed for whole steps: a change of 99 K takes two intervals of 2 s.
 constexpr auto longestRamp = 4500ms;
-constexpr int detour = 150; ///< kelvin, of which KWin shows one step within a second
+constexpr int detour = 150; ///< kelvin; on this way KWin makes its first step within a second
 
 bool isIgnored(int from, int to) { return from != to && std::abs(to - from) <= largestIgnoredChange; }
 
@@ -101,7 +101,7 @@ void KWinBackend::request(int temperature)
     m_arrival = now + longestRamp;
 }
 
-/// The temperature itself, unless KWin would not take it from what it shows now.
+/// The temperature to request now: this one, or one further away if KWin would ignore the change to this one.
 int KWinBackend::stepTowards(int temperature)
 {
     const auto state = m_service.state();
@@ -113,7 +113,8 @@ int KWinBackend::stepTowards(int temperature)
     return std::clamp(state->temperature + away, warmestNightLight, neutralNightLight);
 }
 
-/// A request that comes when KWin's ramp is by chance near to its target only ends that ramp.
+/// A request that reaches KWin while its ramp happens to be near the new target only ends that ramp: makes it once
+/// more.
 void KWinBackend::checkArrival()
 {
     m_arrival.reset();

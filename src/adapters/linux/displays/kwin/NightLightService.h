@@ -7,8 +7,8 @@
 
 namespace ambertide {
 
-/// KWin's Night Light on the session bus, by a connection that lives from connect() to disconnect(). One thread at a
-/// time. Nothing here waits for longer than `patience`.
+/// KWin's Night Light on the session bus, through a connection that lasts from connect() to disconnect(). One thread at
+/// a time. Neither connecting nor a call waits for longer than `patience`.
 class NightLightService
 {
 public:
@@ -16,7 +16,7 @@ public:
 
     struct Changes
     {
-        std::optional<bool> isInhibited; ///< as it has become
+        std::optional<bool> isInhibited; ///< the new state
         bool settings = false;           ///< somebody has changed kwinrc, this program included
     };
 
@@ -28,17 +28,17 @@ public:
     bool connect();
     void disconnect();
 
-    /// Nothing when it is not there or does not answer.
+    /// Connects if necessary. Nothing when Night Light is not there or does not answer.
     std::optional<NightLightState> state();
-    /// Has it read its settings anew.
+    /// Has KWin read its settings again; connects if necessary.
     void announceChange();
 
     /// -1 without a connection.
     int descriptor() const;
-    /// Whether process() has something to do although the descriptor tells nothing: it was read while a reply was
-    /// waited for.
+    /// Whether process() has something to do although the descriptor is not readable: messages that were read while
+    /// waiting for a reply.
     bool hasMore() const;
-    /// Since the last call.
+    /// Handles what has arrived, without waiting. Returns what has changed since the last call.
     Changes process();
 
 private:

@@ -16,8 +16,8 @@ struct Point
     double blue;
 };
 
-/// Measured: the ends of the gamma tables that KWin 6.3 gives a display at these settings. With straight
-/// lines between them, the nearest is within 5 K of that by KWin's own table.
+/// Measured: the last entries of the gamma tables that KWin 6.3 gives a display at these settings. With straight lines
+/// in between, the nearest temperature is within 5 K of what KWin's own table gives.
 constexpr std::array points{
     Point{1900, 0.5194, 0.0000}, Point{2000, 0.5436, 0.0868}, Point{2200, 0.5874, 0.1836}, Point{2400, 0.6260, 0.2559},
     Point{2700, 0.6765, 0.3479}, Point{3000, 0.7198, 0.4286}, Point{3300, 0.7574, 0.5015}, Point{3700, 0.8005, 0.5888},

@@ -4,8 +4,8 @@
 
 namespace ambertide {
 
-/// The temperature, in KWin's kelvin, at which KWin's Night Light shows a white point as near as it can to that of the
-/// tables: 1900 to 6500.
+/// The temperature, 1900 to 6500 in KWin's kelvin, at which the white point of KWin's Night Light is nearest to that of
+/// the tables.
 int nearestNightLightTemperature(const GammaTables &tables);
 
 } // namespace ambertide

@@ -4,8 +4,8 @@
 
 namespace ambertide {
 
-/// Tells KWin to read its Night Light settings anew: the signal that KConfig sends for a change of kwinrc, which names
-/// the group and its keys as arrays of bytes. `emit` is sd_bus_emit_signal(), however the caller comes by it.
+/// Tells KWin to read its Night Light settings again, by the signal that KConfig sends when kwinrc has changed, which
+/// names the group and its keys as arrays of bytes. `emit` is sd_bus_emit_signal(), whether linked or looked up.
 inline int announceNightLight(decltype(&sd_bus_emit_signal) emit, sd_bus *bus)
 {
     return emit(bus, "/kwinrc", "org.kde.kconfig.notify", "ConfigChanged", "a{saay}", 1, "NightColor", 3, //

@@ -32,13 +32,13 @@ struct Resources
     std::vector<Crtc> crtcs;
 };
 
-/// The table that mutter keeps for a CRTC. Valid as long as the message.
+/// The three tables that mutter keeps for a CRTC. Valid as long as the message that they were read from.
 using Gamma = std::array<std::span<const std::uint16_t>, 3>;
 
-/// Null without memory or connection.
+/// Null without memory or a connection.
 SdBusMessage getResources(sd_bus *bus);
 SdBusMessage getCrtcGamma(sd_bus *bus, std::uint32_t serial, std::uint32_t crtc);
-/// Null also for a ramp of fewer than two entries: an empty one crashes mutter, and with it the session. So do three of
+/// Null also for a ramp of fewer than two entries: empty tables crash mutter, and with it the session. So do tables of
 /// different lengths, which a GammaRamp cannot have.
 SdBusMessage setCrtcGamma(sd_bus *bus, std::uint32_t serial, std::uint32_t crtc, const GammaRamp &ramp);
 
@@ -46,8 +46,8 @@ SdBusMessage setCrtcGamma(sd_bus *bus, std::uint32_t serial, std::uint32_t crtc,
 std::optional<Resources> readResources(sd_bus_message *reply);
 std::optional<Gamma> readGamma(sd_bus_message *reply);
 
-/// How many entries a table for this CRTC is to have. Mutter tells the length of the table that was set last, by
-/// whomever, and none where there has not been one; it cuts and stretches in steps what has another length.
+/// How many entries a table for this CRTC should have. Mutter tells the length of the table that any program set last,
+/// or 0 if there has not been one; a table of another length it cuts or stretches without interpolation.
 std::uint16_t tableSize(const Gamma &gamma);
 
 bool isSame(const Gamma &gamma, const GammaRamp &ramp);

@@ -25,12 +25,12 @@ constexpr auto patienceForBus = 300ms;
 constexpr auto betweenAttempts = 2s;
 /// While a socket is full.
 constexpr auto betweenFlushes = 10ms;
-/// Mutter writes its own tables once more when it has read a display's profile, and nothing tells when.
+/// Mutter writes its own tables once more when it has read a display's profile, and nothing announces that.
 constexpr std::array looksAfterChange{1500ms, 1000ms, 750ms, 500ms, 300ms, 150ms, 50ms};
-/// Handled at one time, so that a flood holds nobody up.
+/// Handled in one go; limited, so that a flood holds nothing else up.
 constexpr int mostMessages = 200;
-/// For a whole restore; where that is not enough, it is tried again, or the guardian does it. On a busy machine colord
-/// takes half of it, and tables without its calibration would be a flash of other colours.
+/// For a whole restore; when that is not enough, it is tried again, or the guardian does it. On a busy machine colord
+/// alone takes half of it, and restoring without the calibration would flash other colours.
 constexpr auto longestRestore = 900ms;
 constexpr auto betweenRestores = 300ms;
 constexpr int mostRestores = 10;
@@ -98,7 +98,7 @@ void MutterBackend::tryToRestore()
         connectToSystemBus();
     const auto deadline = Clock::now() + longestRestore;
     const auto unknown =
-        m_isTinting ? IfUnknown::leaveOut : IfUnknown::writeNothing; // mutter's own tables are shown then
+        m_isTinting ? IfUnknown::leaveOut : IfUnknown::writeNothing; // without a tint mutter's own are shown anyway
     if (waitUntilReady(m_bus.get(), deadline) &&
         restoreMutterDisplays(m_bus.get(), m_systemBus.get(), deadline, unknown)) {
         m_guardian.dismiss();
@@ -201,7 +201,7 @@ void MutterBackend::connectToSystemBus()
     m_profileWatch = watchColourProfiles(m_systemBus.get(), changed, this);
 }
 
-/// What it was told is lost; the next write or restore connects anew.
+/// What mutter was told is lost with the connection; the next write or restore makes a new one.
 void MutterBackend::disconnect()
 {
     m_profileWatch.reset();
@@ -234,7 +234,7 @@ void MutterBackend::askForNightLight()
         m_slots.emplace_back(slot);
 }
 
-/// Mutter has answered, so the bus has told this connection's name.
+/// Called once mutter has answered, so the bus has told this connection its name by now.
 void MutterBackend::beginTint()
 {
     const char *uniqueName = nullptr;
@@ -270,7 +270,7 @@ void MutterBackend::sayNightLight()
         console::print("GNOME's Night Light is on, too: it shows again when Ambertide is at neutral.");
 }
 
-/// Displays have come, gone or been set up anew, by mutter's own tables.
+/// Displays have come, gone or been set up anew, and mutter has given them its own tables.
 void MutterBackend::noteChange()
 {
     m_crtcs->forgetShown();
@@ -283,7 +283,7 @@ void MutterBackend::noteChange()
         m_looks.push_back(now + delay);
 }
 
-/// After the machine's sleep nothing is known of what the displays show.
+/// If the machine has slept meanwhile, it is unknown what the displays show.
 void MutterBackend::noteWake()
 {
     const auto asleep = timeAsleep();

@@ -16,17 +16,17 @@ namespace ambertide {
 /// The displays of GNOME, by mutter's service on the session bus. A display is a CRTC with a mode.
 ///
 /// Mutter writes tables of its own when displays change, when the default profile of one does, and for Night Light;
-/// Ambertide's are written again then. While a tint is on, this connection has a name on the bus that tells so, and a
-/// process of its own stands by to restore the displays; the end of this object has it do so if restore() has not been
-/// called.
+/// Ambertide's are written again then. While a tint is on, this connection owns a name on the bus that says so (see
+/// TintName.h), and a guardian process stands by to restore the displays. It also does so when this object is destroyed
+/// without a restore().
 class MutterBackend final : public DisplayBackend
 {
 public:
-    /// Why GNOME's displays cannot be tinted in this session, a sentence for a person; empty where they can. Waits for
-    /// the bus, not for long.
+    /// Why GNOME's displays cannot be tinted in this session, a phrase for the user; empty when they can. Waits for the
+    /// bus, not for long.
     static std::string refusal();
 
-    /// Connects to the session bus. `guardian` is the guardian's file, beside which its restorer is.
+    /// Connects to the session bus. `guardian` is the path of the guardian's program, which has its restorer beside it.
     explicit MutterBackend(const std::filesystem::path &guardian);
     MutterBackend(const MutterBackend &) = delete;
     MutterBackend &operator=(const MutterBackend &) = delete;
@@ -59,9 +59,9 @@ private:
     std::optional<MutterCrtcs> m_crtcs; ///< as long as there is a connection
     std::vector<SdBusSlot> m_slots;
     SdBusSlot m_profileWatch;
-    Clock::time_point m_nextAttempt{};              ///< at a connection
-    std::optional<Clock::time_point> m_nextRestore; ///< after one that mutter did not confirm
-    std::vector<Clock::time_point> m_looks;         ///< at the tables, without being asked; the soonest last
+    Clock::time_point m_nextAttempt{};              ///< to connect
+    std::optional<Clock::time_point> m_nextRestore; ///< when mutter has not confirmed the last one
+    std::vector<Clock::time_point> m_looks;         ///< at the tables, unasked: when, the soonest last
     std::chrono::nanoseconds m_timeAsleep;
     int m_restoresLeft = 0;
     bool m_isTinting = false;

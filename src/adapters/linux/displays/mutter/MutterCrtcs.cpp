@@ -30,7 +30,7 @@ void MutterCrtcs::reload()
 void MutterCrtcs::forgetShown()
 {
     for (auto &[identifier, crtc] : m_crtcs) {
-        crtc.call.reset(); // carried out, but perhaps before the other program's: the next one does not wait for it
+        crtc.call.reset(); // mutter carries it out, perhaps before the others' tables: do not wait for its reply
         crtc.shown.reset();
         crtc.foreignTables = 0;
     }
@@ -97,7 +97,7 @@ void MutterCrtcs::takeResources(sd_bus_message *reply)
         proceed(crtc);
 }
 
-/// Does what there is to do for a CRTC, as far as that is possible now.
+/// Makes the next call that the CRTC needs, if one can be made now.
 void MutterCrtcs::proceed(Crtc &crtc)
 {
     if (!crtc.wanted || crtc.call || !m_serial || m_refusals >= mostRefusals)
@@ -160,7 +160,7 @@ void MutterCrtcs::takeWritten(Crtc &crtc, sd_bus_message *reply)
     proceed(crtc);
 }
 
-/// The serial is stale, or the CRTC has gone. That has been seen to where no serial is left.
+/// The serial is stale, or the CRTC has gone. If there is no serial left, the CRTCs are being read again already.
 void MutterCrtcs::takeRefusal()
 {
     if (!m_serial)

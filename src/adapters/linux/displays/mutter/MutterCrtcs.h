@@ -11,12 +11,13 @@
 
 namespace ambertide {
 
-/// The CRTCs of mutter and what they are to show, brought about without waiting: a call waits for the reply to the last
-/// one for its CRTC, unless other tables are known to have come between them, and of tables that have to wait only the
-/// newest are kept. What a CRTC is known to show is not written again, but looked at, since nothing tells of another
-/// program's tables.
+/// Mutter's CRTCs and what they are to show, which is written without blocking. Each call for a CRTC is held back until
+/// the previous one has been answered, unless other tables are known to have been written in between; of tables that
+/// are held back only the newest are kept. Tables that a CRTC is known to show are not written again but read back,
+/// since nothing announces that another program has replaced them.
 ///
-/// A call that is refused has the CRTCs read again and is repeated once; after that, with the next show().
+/// When a call is refused, the CRTCs are read again and the call is repeated once; after that, only with the next
+/// show().
 class MutterCrtcs
 {
 public:
@@ -25,12 +26,12 @@ public:
     MutterCrtcs(const MutterCrtcs &) = delete;
     MutterCrtcs &operator=(const MutterCrtcs &) = delete;
 
-    /// Has the CRTCs read again, and all tables written again after that.
+    /// Reads the CRTCs again, and after that writes all tables again.
     void reload();
-    /// Another program has written tables, or may have: what is to be shown is written again.
+    /// To be called when others have written tables, or may have: the next show() writes, whatever was shown before.
     void forgetShown();
     void show(std::span<const DisplayIdentifier> crtcs, const GammaTables &tables);
-    /// Nothing is to be shown any longer. A call that is under way is carried out.
+    /// Stops showing anything. Mutter still carries out a call that is under way.
     void clear();
 
     bool hasBeenRead() const { return m_serial.has_value(); }
@@ -46,7 +47,7 @@ private:
     {
         MutterCrtcs &owner;
         std::uint32_t identifier;
-        std::optional<std::uint16_t> size{}; ///< of its tables, once it has been read
+        std::optional<std::uint16_t> size{}; ///< of its tables, once mutter has told it
         std::optional<GammaTables> wanted{};
         std::optional<GammaRamp> sent{};  ///< by the call under way
         std::optional<GammaRamp> shown{}; ///< nothing where that is unknown
@@ -55,7 +56,7 @@ private:
         SdBusSlot call{}; ///< under way
     };
 
-    /// Mutter itself writes late once or twice after a change.
+    /// More than mutter itself would cause, which writes late once or twice after a change.
     static constexpr int mostForeignTables = 10;
 
     void read();

@@ -13,8 +13,8 @@ namespace {
 constexpr std::uint32_t neutral = 6500;
 constexpr std::array<double, 3> white{1, 1, 1};
 
-/// From the function that mutter asks, in a library that it brings along. It is loaded where it is needed, which is
-/// rarely, as it is large; a program that has it once keeps it.
+/// Computed by the function that mutter itself uses, from a library that GNOME brings along. The library is large and
+/// rarely needed, so it is loaded on first use, and then kept.
 std::array<double, 3> blackBody(std::uint32_t temperature)
 {
     constexpr int alongThePlanckianLocus = 1;
@@ -36,7 +36,7 @@ std::array<double, 3> whitePoint(const SdBusMessage &reply)
     std::uint32_t temperature = neutral;
     if (!enterProperty(reply, "u") || sd_bus_message_read_basic(reply.get(), 'u', &temperature) <= 0)
         return white;
-    // Mutter takes no other ones.
+    // Mutter ignores temperatures outside this range.
     return temperature != neutral && temperature >= 1000 && temperature <= 10000 ? blackBody(temperature) : white;
 }
 

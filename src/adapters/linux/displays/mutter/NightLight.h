@@ -13,9 +13,9 @@ constexpr char interface[] = "org.gnome.SettingsDaemon.Color";
 constexpr char activeProperty[] = "NightLightActive";
 constexpr char temperatureProperty[] = "Temperature"; ///< kelvin
 
-/// Asks for the temperature that mutter shows now.
+/// The call that asks for the temperature that mutter shows now.
 SdBusMessage askForTemperature(sd_bus *bus);
-/// The factors, up to 1, for red, green and blue that it stands for; all 1 where the reply tells of none.
+/// The factors for red, green and blue, 0 to 1, of the temperature in the reply to that; all 1 where it has none.
 std::array<double, 3> whitePoint(const SdBusMessage &reply);
 
 } // namespace ambertide::night_light

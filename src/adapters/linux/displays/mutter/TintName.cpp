@@ -21,7 +21,7 @@ void release(sd_bus *bus) { sd_bus_release_name_async(bus, nullptr, name, ignore
 
 GuardianMessage claimOf(std::string_view uniqueName)
 {
-    // A bus numbers its connections: ":1.42".
+    // A bus numbers its connections, as in ":1.42".
     const auto digits = uniqueName.substr(uniqueName.rfind('.') + 1);
     GuardianMessage number = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), number);

@@ -31,7 +31,7 @@ std::string readText(const SdBusMessage &reply, char type)
     return sd_bus_message_read_basic(reply.get(), type, static_cast<void *>(&text)) > 0 ? text : "";
 }
 
-/// For each object, where there is one.
+/// One call for each object; null for an empty path.
 std::vector<SdBusMessage> getProperties(sd_bus *bus, const std::vector<std::string> &objects, const char *interface,
                                         const char *name)
 {
@@ -62,7 +62,7 @@ std::vector<ColourProfile> readColourProfiles(sd_bus *systemBus, const std::vect
     const auto &found = devices.wait(deadline);
     std::vector<std::string> objects(profiles.size());
     for (std::size_t i = 0; i < profiles.size(); ++i) {
-        // That there is no colord is an error, too.
+        // If there is no colord, the bus answers with an error, too.
         if (connectors[i].empty() || isError(found[i]))
             profiles[i].knowledge = Knowledge::none;
         else if (found[i])

@@ -13,7 +13,7 @@ namespace ambertide {
 
 namespace {
 
-/// False when it holds what is no number.
+/// False when a level is not a finite number.
 bool readCurve(const cmsToneCurve *curve, GammaTables::Table &table)
 {
     for (std::size_t i = 0; i < table.size(); ++i) {

@@ -11,7 +11,7 @@ namespace ambertide {
 
 namespace {
 
-/// Handled at one time, so that a flood holds nobody up.
+/// Handled in one go; limited, so that a flood holds nothing else up.
 constexpr int mostMessages = 200;
 
 void calibrate(GammaTables::Table &table, const GammaTables::Table &curve)

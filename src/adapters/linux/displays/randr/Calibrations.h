@@ -9,7 +9,7 @@
 namespace ambertide {
 
 /// The calibration curves of an X server's displays: those of the default profiles that colord keeps for its outputs.
-/// Where there is no colord, or no profile, there are none. A profile that is damaged is said in one line. One thread.
+/// Where there is no colord, or no profile, there are none. A damaged profile is reported in one line. One thread.
 class Calibrations
 {
 public:
@@ -18,12 +18,12 @@ public:
     Calibrations(const Calibrations &) = delete;
     Calibrations &operator=(const Calibrations &) = delete;
 
-    /// Becomes readable when there may be other profiles; -1 where nobody tells.
+    /// Becomes readable when profiles may have changed; -1 where there is no system bus.
     int descriptor() const;
-    /// Takes in what has been told, without waiting. True when read() is to be called.
+    /// Handles what has arrived, without waiting. True when read() has to be called.
     bool process();
 
-    /// Asks for the profiles of these outputs, until the deadline at the latest. True when curves have changed.
+    /// Asks for the profiles of these outputs and waits until the deadline at most. True when curves have changed.
     bool read(const std::vector<std::string> &outputs, SdBusDeadline deadline);
     const CalibrationCurves &curves() const { return m_curves; }
 
@@ -32,10 +32,10 @@ private:
     SdBusSlot m_watch;
     bool m_hasChanged = false;
     CalibrationCurves m_curves;
-    std::string m_saidDamaged; ///< the file of the last line
+    std::string m_saidDamaged; ///< the profile that was reported last
 };
 
-/// What a display with that curve has to be given to show `tables`.
+/// The tables that a display with this calibration curve has to be given to show `tables`.
 GammaTables calibrated(const GammaTables &tables, const GammaTables &curve);
 
 } // namespace ambertide

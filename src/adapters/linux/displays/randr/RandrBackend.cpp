@@ -76,7 +76,7 @@ void RandrBackend::restore()
     m_hasChanges = m_server->hasChanges();
 }
 
-/// Of the server as a whole: a line, empty where there is none.
+/// Why nothing can be tinted through this server, in one line; empty when something can.
 std::string RandrBackend::obstacle() const
 {
     switch (m_server->state()) {
@@ -191,8 +191,9 @@ void RandrBackend::report(State state)
     }
 }
 
-/// Claims them where nobody has since this copy did. Waits for the server then, so that a guardian that looks finds
-/// the claim there.
+/// Whether the displays are this copy's to tint. Claims them, unless another copy that still runs has claimed them
+/// since this one did. Waits for the server after that, so that another copy's guardian finds the claim in place when
+/// it looks.
 bool RandrBackend::ownsDisplays()
 {
     if (m_claim && !m_server->hasLostSelection())

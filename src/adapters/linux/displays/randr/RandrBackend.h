@@ -15,19 +15,19 @@ namespace ambertide {
 
 /// The displays of an X server, by RandR 1.3. A display is a CRTC with a mode.
 ///
-/// A connection that is lost or could not be made is tried again with each later write or restore; a server that cannot
-/// tint is not asked again. Either is said in one line, as is the return of the server.
+/// A connection that is lost or could not be made is tried again with each later write or restore; a server through
+/// which displays cannot be tinted is not asked again. One line reports either, and one the return of the server.
 ///
 /// The system's own colours are a display's calibration, where colord has one for it, and the identity elsewhere; a
-/// tint goes through the calibration. While a tint is on, a process of its own stands by to restore them; the
-/// end of this object has it do so if restore() has not been called.
+/// tint is passed through the calibration. While a tint is on, a guardian process stands by to restore these colours.
+/// It also does so when this object is destroyed without a restore().
 ///
 /// Of several copies the one that was the last to begin has the displays; the others leave them alone until it has
-/// ended, which each says in one line.
+/// ended, and each says so in one line.
 class RandrBackend final : public DisplayBackend
 {
 public:
-    /// Connects to the server of that name. `guardian` is the guardian's file.
+    /// Connects to the server of that name. `guardian` is the path of the guardian's program.
     RandrBackend(std::string display, std::filesystem::path guardian);
 
     std::span<const DisplayIdentifier> displays() const override { return m_displays; }
@@ -56,10 +56,10 @@ private:
     std::vector<std::string> m_outputs; ///< whose calibrations are known or asked for
     PollSet m_sources;                  ///< the server and the calibrations
     bool m_mustReadCalibrations = false;
-    bool m_isRestored = false; ///< by this object, after whatever else
+    bool m_isRestored = false; ///< by this object, which has not tinted since
     bool m_hasYielded = false; ///< to another copy
     std::vector<DisplayIdentifier> m_displays;
-    bool m_hasChanges = false; ///< received with an answer that was waited for, so that the descriptor does not tell
+    bool m_hasChanges = false; ///< received while waiting for an answer, so the descriptor does not show them
     RandrConnection::State m_reported = RandrConnection::State::usable;
 };
 

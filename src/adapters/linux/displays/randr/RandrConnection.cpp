@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/// Far beyond any hardware, and three such tables fit in a request of every server.
+/// Entries; far more than any hardware has, and three tables of this size still fit into a request to any server.
 constexpr std::uint16_t largestTable = 16384;
 constexpr std::uint16_t smallestTable = 2;
 
@@ -63,7 +63,7 @@ RandrConnection::State RandrConnection::examineServer()
     return State::usable;
 }
 
-/// Older releases have no extension that tells them apart, but a name for their outputs that nothing else uses.
+/// Older releases of Xwayland lack the extension that identifies it, but name their outputs as nothing else does.
 bool RandrConnection::hasXwaylandOutput()
 {
     constexpr auto prefix = "XWAYLAND"sv;
@@ -103,7 +103,7 @@ const RandrConnection::Crtc *RandrConnection::find(xcb_randr_crtc_t identifier) 
 
 std::vector<RandrConnection::Resources> RandrConnection::screenResources()
 {
-    // The form that does not probe the hardware, which takes long and makes some displays blink.
+    // The "current" form does not probe the hardware, which takes long and makes some displays blink.
     std::vector<xcb_randr_get_screen_resources_current_cookie_t> cookies;
     for (const auto root : m_roots)
         cookies.push_back(xcb_randr_get_screen_resources_current(m_xcb.get(), root));
@@ -140,8 +140,9 @@ bool RandrConnection::hasChanges()
     return m_hasChanged;
 }
 
-/// An error means that a write may have gone to a CRTC that is no longer as it was. That alone is no reason to write
-/// again, or a CRTC that refuses every write (leased to another program) would be written to without end.
+/// An error means that a write may have gone to a CRTC that has changed, so the CRTCs are read again. That alone is no
+/// reason to write again, or a CRTC that refuses every write (leased to another program) would be written to without
+/// end.
 void RandrConnection::note(const xcb_generic_event_t &event)
 {
     const auto type = event.response_type & 0x7F;

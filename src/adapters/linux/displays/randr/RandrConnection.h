@@ -14,14 +14,15 @@
 
 namespace ambertide {
 
-/// What outputs show where nothing tints them, by their names. Those that are not named show levels as they are.
+/// The calibration curves of outputs, by their names: what they show when nothing tints them. An output without one
+/// shows the identity.
 using CalibrationCurves = std::map<std::string, GammaTables>;
 
 /// A connection to an X server, apart from any toolkit's, through which the gamma tables of all CRTCs of all its
 /// screens are found and written. One thread at a time.
 ///
-/// No call fails: on a connection that is not usable the lists are empty and the writes do nothing. A CRTC that the
-/// server answers for with an error (vanished, leased to another program) counts as inactive and without a table.
+/// No call fails: on a connection that is not usable the lists are empty and the writes do nothing. A CRTC for which
+/// the server returns an error (vanished, leased to another program) counts as inactive and without a table.
 class RandrConnection
 {
 public:
@@ -44,28 +45,28 @@ public:
 
     State state() const;
 
-    /// The CRTCs as they are now. From the first call on the server tells of changes and errors, so that this costs
-    /// nothing where there are none, and three round trips, whatever the number of CRTCs, where there are.
+    /// The CRTCs as they are now. The first call asks the server to announce changes. After that a call costs nothing
+    /// while neither a change nor an error has been received, else three round trips, whatever the number of CRTCs.
     std::span<const Crtc> crtcs();
-    /// Takes in what the server has told, without waiting. True when displays may have changed.
+    /// Handles what the server has sent, without waiting. True when displays may have changed.
     bool takeEvents();
-    /// The same for what has been received already; takeEvents() tells of it as well.
+    /// The same for what has been received already, without reading more. takeEvents() will still report it.
     bool hasChanges();
-    /// Whether another client has taken a selection that this one owned, until it is said to be settled.
+    /// Whether another client has taken a selection that this one owned, until settleLostSelection() is called.
     bool hasLostSelection() const { return m_hasLostSelection; }
     void settleLostSelection() { m_hasLostSelection = false; }
-    /// What was last read about a CRTC; null when it is not among those.
+    /// What was last read about this CRTC; null when it was not among those read.
     const Crtc *find(xcb_randr_crtc_t identifier) const;
 
     /// Queues a write. `ramp` must have the size of the CRTC's table.
     void setGamma(xcb_randr_crtc_t crtc, const GammaRamp &ramp);
-    /// Reads the CRTCs and queues its own curve, the identity as a rule, for each that has a table, active or not.
+    /// Reads the CRTCs and queues, for each that has a table, active or not, its curve, or else the identity.
     void restoreEverywhere(const CalibrationCurves &curves = {});
     /// Whether writes to all CRTCs that were last read can be queued and flushed without waiting for the server.
     bool isReadyToWrite() const;
 
     void flush() { xcb_flush(m_xcb.get()); }
-    /// Waits until the server has processed all that was queued; false when it could not be learned.
+    /// Waits until the server has processed all that was queued; false when the connection breaks before.
     bool synchronise();
 
     xcb_connection_t *xcb() const { return m_xcb.get(); }
@@ -89,8 +90,8 @@ private:
     std::vector<xcb_window_t> m_roots;
     State m_state;
     bool m_isWatching = false; ///< the server tells of changes
-    bool m_isStale = true;     ///< m_crtcs has to be read anew
-    bool m_hasChanged = false; ///< displays may have changed since takeEvents() said so
+    bool m_isStale = true;     ///< m_crtcs has to be read again
+    bool m_hasChanged = false; ///< displays may have changed since the last takeEvents()
     bool m_hasLostSelection = false;
     std::vector<Crtc> m_crtcs;
 };

@@ -17,8 +17,8 @@ namespace ambertide {
 
 namespace {
 
-/// The process behind a window by the X Resource extension, version 1.2; 0 where the server has or knows none. This one
-/// request is not worth another library in the guardian.
+/// The process behind a window, by the X Resource extension, version 1.2; 0 where the server lacks the extension or
+/// does not know. The request is spelled out here because another library in the guardian would cost too much for it.
 pid_t processOf(xcb_connection_t *connection, xcb_window_t window)
 {
     static xcb_extension_t resources{"X-Resource", 0};
@@ -36,7 +36,7 @@ pid_t processOf(xcb_connection_t *connection, xcb_window_t window)
         xcb_generic_reply_t header;
         std::uint32_t count;
         std::array<std::uint32_t, 5> padding;
-        xcb_window_t client; ///< here and below: if `length` is that long
+        xcb_window_t client; ///< from here on, only if `header.length` says so
         std::uint32_t kind;
         std::uint32_t bytes;
         std::uint32_t process;
@@ -47,7 +47,7 @@ pid_t processOf(xcb_connection_t *connection, xcb_window_t window)
     if (!extension || !extension->present)
         return 0;
     Request request{.client = window};
-    std::array<iovec, 3> parts{{{}, {}, {&request, sizeof request}}}; // two more than given are xcb's
+    std::array<iovec, 3> parts{{{}, {}, {&request, sizeof request}}}; // xcb uses the two before the one it is given
     const xcb_protocol_request_t kind{.count = 1, .ext = &resources, .opcode = queryClientIds, .isvoid = 0};
     const auto sequence = xcb_send_request(connection, XCB_REQUEST_CHECKED, &parts[2], &kind);
     xcb_generic_error_t *error = nullptr;
@@ -66,7 +66,7 @@ bool isOwnAmbertide(pid_t process)
         return false;
     std::error_code error;
     const auto program = std::filesystem::read_symlink(folder + "/exe", error).filename();
-    return program == "Ambertide" || program == "Ambertide (deleted)"; // by an update
+    return program == "Ambertide" || program == "Ambertide (deleted)"; // replaced by an update
 }
 
 } // namespace

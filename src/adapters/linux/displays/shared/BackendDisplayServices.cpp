@@ -55,7 +55,7 @@ public:
     }
     void show(std::span<const DisplayIdentifier> displays, const GammaTables &tables);
     void beginRamp(const std::optional<GammaTables> &target);
-    /// Returns when it has been done or has been waited for long enough.
+    /// Returns when that has been done, or after `limit`.
     void restore(std::chrono::milliseconds limit);
     void close(std::chrono::milliseconds limit);
     /// False when the thread has not ended in time.
@@ -80,9 +80,9 @@ private:
 
     const Create m_create;
     const Settle m_settle;
-    const int m_wake; ///< an event counter
+    const int m_wake; ///< an eventfd, which ends the thread's wait
 
-    std::mutex m_backendLock; ///< taken before m_lock where both are
+    std::mutex m_backendLock; ///< guards m_backend; taken before m_lock where both are
     std::unique_ptr<DisplayBackend> m_backend;
 
     std::mutex m_lock; ///< guards all below; held for moments only
@@ -91,8 +91,8 @@ private:
     std::optional<TintRefusal> m_refusal;
     bool m_isGuarded = true;
     std::optional<Tint> m_wanted; ///< nothing: the system's own colours
-    std::uint64_t m_asked = 0;    ///< counts what was asked for
-    std::uint64_t m_done = 0;     ///< what of that has been done, or been overtaken by something newer
+    std::uint64_t m_asked = 0;    ///< how many requests have been made
+    std::uint64_t m_done = 0;     ///< how many of them have been carried out, or overtaken by a newer one
     bool m_makesOwnRamps = false;
     bool m_isCreated = false;
     std::optional<std::optional<GammaTables>> m_earlyTarget; ///< of a ramp that began before there was a backend
@@ -181,7 +181,8 @@ void BackendDisplayServices::Worker::waitForEvent()
     [[maybe_unused]] const auto length = read(m_wake, &count, sizeof count);
 }
 
-/// Does what is wanted, unless that has been done. False when it has to be asked again with leave to wait.
+/// Carries out the newest request, unless that has been done. False when it has to be tried again with leave to wait,
+/// or there is a newer one by now.
 bool BackendDisplayServices::Worker::perform(DisplayBackend::Wait wait)
 {
     std::optional<Tint> wanted;
@@ -226,7 +227,7 @@ void BackendDisplayServices::Worker::show(std::span<const DisplayIdentifier> dis
     }
     const std::unique_lock backendLock(m_backendLock, std::try_to_lock);
     const bool isDone = backendLock && m_backend && perform(DisplayBackend::Wait::Never);
-    // The thread has to watch a guardian that has been started here.
+    // A guardian that was started here has to be watched by the thread.
     if (!isDone || (m_backend->guardian() && m_backend->guardian()->hasStarted()))
         wake();
 }

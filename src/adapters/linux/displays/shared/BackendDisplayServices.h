@@ -12,11 +12,12 @@
 
 namespace ambertide {
 
-/// The displays of the session, by one backend, which works on a thread of its own: that waits for the server, so that
-/// no caller has to, and writes the present tint again as soon as the server tells of a change. A write that need not
-/// wait is made on the caller's thread, so that a tint that is merely kept up wakes nobody else.
+/// The displays of the session, through one backend, which works on a thread of its own. That thread waits for the
+/// server, so that no caller has to, and writes the present tint again as soon as the server announces a change. A
+/// write that need not wait is made on the caller's thread, so that merely keeping up a tint wakes no other thread.
 ///
-/// Of writes that have to wait, the newest is kept: a slow server makes steps of a ramp fall out, never a queue grow.
+/// Of writes that have to wait only the newest is kept: with a slow server steps of a ramp are skipped, and no queue
+/// grows.
 ///
 /// A guardian that dies is replaced at once.
 class BackendDisplayServices final : public DisplayServices
@@ -25,10 +26,12 @@ public:
     using Create = std::function<std::unique_ptr<DisplayBackend>()>;
     using Settle = std::function<void(pid_t)>;
 
-    /// Both are called on that thread: `settle` for each guardian that has been started, and it may wait for a moment.
+    /// Both are called on that thread: `create` once, and `settle` for each guardian that has been started. `settle`
+    /// may wait for a moment.
     explicit BackendDisplayServices(
         Create create, Settle settle = [](pid_t) {});
-    /// Waits for the backend's end, for a second at most: after that a server that does not answer keeps the thread.
+    /// Waits until the thread has ended, for a second at most; a thread that still waits for its server by then is left
+    /// behind.
     ~BackendDisplayServices() override;
 
     std::vector<DisplayIdentifier> activeDisplays() override;
@@ -38,9 +41,9 @@ public:
     void beginRamp(const std::optional<GammaTables> &target) override;
     std::optional<TintRefusal> refusal() override;
     bool isGuarded() override;
-    /// This process is about to end: gives the displays back if they are tinted, and waits for the server for `limit`
-    /// at most. Nothing is tinted any more. A guardian that lives would do it as well, but one that has just been
-    /// killed still looks alive.
+    /// To be called when this process is about to end: restores the displays if they are tinted, and waits for the
+    /// server for `limit` at most. Nothing is tinted after that. A guardian would restore them as well, but one that
+    /// has just been killed still looks alive.
     void end(std::chrono::milliseconds limit);
 
 private:

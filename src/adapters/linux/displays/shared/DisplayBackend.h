@@ -11,8 +11,8 @@ namespace ambertide {
 class GuardianProcess;
 
 /// How one kind of display server is asked to tint its displays. Used by one thread at a time, which may change from
-/// call to call. Nothing here fails: what a server refuses is left out, said in one line where a person can act on it,
-/// and tried again with a later write.
+/// call to call. Nothing here fails: what a server refuses is left out, reported in one line where the user can act on
+/// it, and tried again with a later write.
 class DisplayBackend
 {
 public:
@@ -25,8 +25,8 @@ public:
     /// The displays that show a picture, as far as the server has told. Never waits.
     virtual std::span<const DisplayIdentifier> displays() const = 0;
 
-    /// Gives those of `displays` that are still there the tables. False when that would have had to wait: the same is
-    /// asked again with Wait::Allowed.
+    /// Gives those of `displays` that are still there the tables. False when that would have had to wait: the call is
+    /// then repeated with Wait::Allowed.
     virtual bool write(std::span<const DisplayIdentifier> displays, const GammaTables &tables, Wait wait) = 0;
 
     /// Gives every display the system's own colours, and waits until the server has done it or cannot.
@@ -41,11 +41,11 @@ public:
     /// Becomes readable when the server has something to say; -1 when there is nothing to wait for.
     virtual int descriptor() const { return -1; }
 
-    /// When process() is to be called although the server says nothing.
+    /// When process() has to be called even if the descriptor is not readable by then.
     virtual std::optional<Clock::time_point> due() const { return std::nullopt; }
 
-    /// Takes in what the server says, and does what is due. True when a tint has to be written again: displays came or
-    /// changed, or another program wrote to them.
+    /// Handles what the server has sent, and does what is due. True when a tint has to be written again: displays came
+    /// or changed, or another program wrote to them.
     virtual bool process() { return false; }
 
     /// Stands by to give the displays back when this process cannot; null where the server does so by itself.

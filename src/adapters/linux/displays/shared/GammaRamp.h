@@ -13,11 +13,11 @@ namespace ambertide {
 class GammaRamp
 {
 public:
-    /// Spreads the tables over `size` entries, at least 2, in straight lines between their own. What is not a number or
-    /// lies outside 0 to 1 becomes the nearer end; not a number counts as 0.
+    /// Resamples the tables to `size` entries, at least 2, by linear interpolation. A level outside 0 to 1 becomes the
+    /// nearer of the two; one that is not a number becomes 0.
     GammaRamp(const GammaTables &tables, std::uint16_t size);
 
-    /// Every level comes out as it goes in. `size` is at least 2.
+    /// The ramp that leaves every level as it is. `size` is at least 2.
     static GammaRamp identity(std::uint16_t size);
 
     bool operator==(const GammaRamp &) const = default;

@@ -62,7 +62,8 @@ void GuardianProcess::renew()
         guard(told);
 }
 
-/// One that has been stopped would not do its work when that is needed, and makes room for another.
+/// A guardian that has been stopped (SIGSTOP) could not do its work when needed, so it is killed to make room for
+/// another.
 bool GuardianProcess::isRunning()
 {
     if (m_process == 0)
@@ -77,7 +78,7 @@ bool GuardianProcess::isRunning()
     if (change.si_code == CLD_STOPPED || (change.si_code == CLD_KILLED && change.si_status == SIGKILL))
         return false;
     m_earliestStart = Clock::now() + betweenStarts;
-    // Once or twice may be the X server's own coming and going.
+    // Once or twice, this may just be an X server that comes and goes.
     m_failures = change.si_code == CLD_EXITED && change.si_status != 0 ? m_failures + 1 : 0;
     if (m_failures >= 3)
         sayUnguarded("it cannot use the display server");
@@ -133,7 +134,7 @@ void GuardianProcess::tell(GuardianMessage message)
         m_told = message;
         return;
     }
-    // It has just died, or is stuck and will not do its work either.
+    // The guardian has just died, or is stuck and would not do its work either.
     kill(m_process, SIGKILL);
     waitpid(m_process, nullptr, 0);
     forget();

@@ -12,34 +12,35 @@
 
 namespace ambertide {
 
-/// The application's end of its guardian: starts the process with the first tint, another one when it has been killed
+/// The application's side of its guardian: starts the process with the first tint, replaces it when it has been killed
 /// or stopped, and tells it what it has to watch. One thread at a time.
 ///
-/// A guardian that cannot be started is said in one line, and everything runs on without it; that is tried again every
-/// second at most.
+/// When a guardian cannot be started, one line says so and everything goes on without it; starting one is tried again
+/// once a second at most.
 class GuardianProcess
 {
 public:
-    /// `program` is the guardian's file; `arguments` name the kind of display server and where it is.
+    /// `program` is the path of the guardian's program; `arguments` name the kind of display server and where it is.
     GuardianProcess(std::filesystem::path program, std::vector<std::string> arguments);
-    /// Waits for the guardian's end, half a second at most. The connection that tints should be closed before.
+    /// Waits for the guardian's end, half a second at most. The connection that tints should have been closed before.
     ~GuardianProcess();
     GuardianProcess(const GuardianProcess &) = delete;
     GuardianProcess &operator=(const GuardianProcess &) = delete;
 
-    /// To be called before each write of a tint: `claim` is the window of the claim under which it is made.
+    /// To be called before each write of a tint: `claim` is the one under which it is made (see GuardianMessage).
     void guard(GuardianMessage claim);
-    /// The displays have the system's own colours: nothing is to be done when the application ends.
+    /// To be called when the displays have the system's own colours: the guardian then has nothing to do when the
+    /// application ends.
     void dismiss();
 
-    /// Breaks when the guardian ends; -1 while there is none.
+    /// The descriptor of the channel, which hangs up when the guardian ends; -1 while there is none.
     int channel() const { return m_channel; }
-    /// Replaces a guardian that has ended, or been stopped, while it had displays to give back.
+    /// Replaces a guardian that has ended or been stopped while it had displays to restore.
     void renew();
-    /// One is needed and none can be had.
+    /// A guardian is needed and could not be started.
     bool isMissing() const { return m_isMissing; }
     bool hasStarted() const { return m_started != 0; }
-    /// The process since the last call that said so; 0 when it is the same or there is none.
+    /// The process that has been started since the last call; 0 when none has.
     pid_t takeStarted() { return std::exchange(m_started, 0); }
 
 private:

@@ -11,7 +11,7 @@ public:
     PollSet(const PollSet &) = delete;
     PollSet &operator=(const PollSet &) = delete;
 
-    /// Until it is closed, by its owner.
+    /// Adds a descriptor that stays its owner's, and that leaves the set when it is closed.
     void add(int descriptor) const;
     int descriptor() const { return m_descriptor; }
 

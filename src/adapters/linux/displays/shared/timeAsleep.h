@@ -4,8 +4,8 @@
 
 namespace ambertide {
 
-/// How long the machine has slept since it was started, to a few milliseconds: the two clocks that tell it are read one
-/// after the other.
+/// How long the machine has slept since it was started. Exact to a few milliseconds, because the two clocks that it is
+/// computed from are read one after the other.
 std::chrono::nanoseconds timeAsleep();
 
 } // namespace ambertide

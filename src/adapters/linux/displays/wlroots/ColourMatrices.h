@@ -8,16 +8,16 @@
 
 namespace ambertide {
 
-/// Tints outputs by a colour matrix (hyprland_ctm_control_manager_v1), which can show the white point of tables, to
-/// within 1/256, and no curve. It comes on top of any tables. Hyprland takes matrices from one program alone, and puts
-/// its own back at the end of this object. One thread at a time.
+/// Tints outputs by a colour matrix (hyprland_ctm_control_manager_v1), which can reproduce the white point of tables,
+/// to within 1/256, but no curve. It is applied on top of any tables. Hyprland takes matrices from one program only,
+/// and puts its own back when this object is destroyed. One thread at a time.
 class ColourMatrices
 {
 public:
-    /// What an output was given last: the factors of red, green and blue.
+    /// The factors of red, green and blue that an output was given last.
     using Factors = std::array<double, 3>;
 
-    /// Of the global of that name and version.
+    /// Binds the global of that name and version.
     ColourMatrices(wl_registry *registry, std::uint32_t global, std::uint32_t version);
     ColourMatrices(const ColourMatrices &) = delete;
     ColourMatrices &operator=(const ColourMatrices &) = delete;
@@ -25,7 +25,7 @@ public:
     /// Queues a matrix for the white point of the tables, unless `shown` says that the output has it. Takes effect with
     /// commit().
     void show(wl_output *output, const GammaTables &tables, std::optional<Factors> &shown);
-    /// Queues what makes all matrices that were queued since the last time take effect together.
+    /// Queues a request that makes all matrices queued since the last commit take effect together.
     void commit();
 
 private:

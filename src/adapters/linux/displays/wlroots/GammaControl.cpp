@@ -15,7 +15,7 @@ constexpr std::uint32_t smallestTable = 2;
 constexpr std::uint32_t largestTable = std::numeric_limits<std::uint16_t>::max();
 
 /// A file that holds just these bytes, sealed against changes, with its offset at 0: some compositors read from the
-/// present offset, and some refuse any other length. -1 when the system has no file left.
+/// present offset, and some refuse any other length. -1 when the system can make no file.
 int makeFile(std::span<const std::uint16_t> levels)
 {
     const int file = memfd_create("ambertide", MFD_CLOEXEC | MFD_ALLOW_SEALING);
@@ -43,7 +43,7 @@ void GammaControl::noteSize(void *self, zwlr_gamma_control_v1 *, std::uint32_t s
 {
     auto &control = *static_cast<GammaControl *>(self);
     if (control.m_state != State::awaitingSize)
-        return; // it is told once
+        return; // the protocol has it sent once
     const bool isPossible = size >= smallestTable && size <= largestTable;
     control.m_state = isPossible ? State::usable : State::tableless;
     control.m_size = isPossible ? static_cast<std::uint16_t>(size) : std::uint16_t{0};

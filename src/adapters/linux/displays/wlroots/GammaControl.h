@@ -15,11 +15,11 @@ public:
     enum class State {
         awaitingSize, ///< nothing can be written yet
         usable,
-        tableless, ///< the output has no tables, or says that they have a size that none have
+        tableless, ///< the output has no tables, or reports an impossible size
         refused,   ///< another program has the control, or the compositor has withdrawn it
     };
 
-    /// Asks for it. Both arguments must outlive the control.
+    /// Asks the compositor for the control. Both arguments must outlive it.
     GammaControl(zwlr_gamma_control_manager_v1 *manager, wl_output *output);
     GammaControl(const GammaControl &) = delete;
     GammaControl &operator=(const GammaControl &) = delete;
@@ -29,7 +29,7 @@ public:
     /// Queues the tables, unless these are what was queued last. Does nothing unless usable.
     void show(const GammaTables &tables);
     void showIdentity();
-    /// Has the next show() queue the tables whatever they are.
+    /// Makes the next show() queue its tables even if they were queued last.
     void forget() { m_shown.reset(); }
 
 private:

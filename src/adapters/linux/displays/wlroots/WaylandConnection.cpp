@@ -30,7 +30,7 @@ wl_display *connectTo(const std::string &path)
     if (path.empty() || path.size() >= sizeof address.sun_path)
         return nullptr;
     std::ranges::copy(path, address.sun_path);
-    // One that is full of other programs' attempts is not waited for.
+    // Does not block, so that a socket with a full backlog is not waited for.
     const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (descriptor < 0)
         return nullptr;

@@ -25,7 +25,7 @@ struct WaylandDeleter
     void operator()(hyprland_ctm_control_manager_v1 *manager) const;
 };
 
-/// An object of a Wayland connection, given up with this owner, which the connection must outlive.
+/// Owns an object of a Wayland connection. The connection must outlive it.
 template <typename Object>
 using WaylandObject = std::unique_ptr<Object, WaylandDeleter>;
 
@@ -44,20 +44,20 @@ public:
     wl_display *display() const { return m_display.get(); }
     int descriptor() const;
 
-    /// Calls the listeners of what the compositor has sent, without waiting for more.
+    /// Calls the listeners for what the compositor has sent, without waiting for more.
     void takeEvents();
-    /// Sends what is queued. False when the compositor takes no more for now: then nothing may be queued until this has
-    /// returned true, as the queue is short and its end is the end of the connection.
+    /// Sends what is queued. False when the compositor takes no more for now. Nothing may then be queued until this has
+    /// returned true, because the queue is short and its overflow ends the connection.
     bool flush();
-    /// The same, waiting for the compositor for that long.
+    /// The same, but waits for the compositor for that long.
     bool flush(std::chrono::milliseconds patience);
-    /// Waits until the compositor has processed all that was queued. False when it could not be learned in that time.
+    /// Waits until the compositor has processed all that was queued. False when it has not confirmed that in time.
     bool synchronise(std::chrono::milliseconds patience);
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// False when nothing happens until then.
+    /// False when none of the events happens by then.
     bool wait(short events, Clock::time_point deadline) const;
 
     WaylandObject<wl_display> m_display;

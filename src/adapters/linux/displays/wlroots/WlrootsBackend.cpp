@@ -16,7 +16,7 @@ namespace {
 constexpr auto patience = 400ms;
 constexpr std::chrono::milliseconds shortestPause = 250ms;
 constexpr std::chrono::milliseconds longestPause = 8s;
-/// What the guardian is told: there is one claim, the connection.
+/// What the guardian is told. There is only one claim: the connection.
 constexpr GuardianMessage tinting = 1;
 
 } // namespace

@@ -14,19 +14,20 @@ namespace ambertide {
 /// The displays of a Wayland compositor with zwlr_gamma_control_manager_v1: sway, labwc, wayfire, river, niri,
 /// Hyprland.
 ///
-/// A connection that is lost is made again, after a pause that grows to 8 s; its loss and its return are a line each.
-/// What a display shows already is not written again, since no other program can write there, unless the machine has
-/// slept meanwhile.
+/// A connection that is lost is made again, after a pause that grows to 8 s; one line reports the loss and one the
+/// return. What a display shows already is not written again, since no other program can write there, unless the
+/// machine has slept meanwhile.
 ///
 /// The system's own colours are the compositor's, which it shows by itself when a control is given up or its program
-/// has ended. Hyprland does not before its next picture: there a process of its own stands by.
+/// has ended. Hyprland does so only with its next frame, so there a guardian process stands by.
 class WlrootsBackend final : public DisplayBackend
 {
 public:
-    /// Why the compositor at that socket cannot be tinted by this; empty when it can. Waits for it.
+    /// Why the displays of the compositor at that socket cannot be tinted, a phrase for the user; empty when they can.
+    /// Waits for the compositor.
     static std::string refusal(const std::string &display);
 
-    /// Connects to the compositor at the socket of that name or path. `guardian` is the guardian's file.
+    /// Connects to the compositor at the socket of that name or path. `guardian` is the path of the guardian's program.
     WlrootsBackend(std::string display, std::filesystem::path guardian);
 
     std::span<const DisplayIdentifier> displays() const override { return m_displays; }
@@ -44,9 +45,9 @@ private:
 
     const std::string m_display;
     GuardianProcess m_guardian;
-    std::optional<WlrootsCompositor> m_compositor; ///< none while it is waited for
+    std::optional<WlrootsCompositor> m_compositor; ///< none while the connection is lost
     std::vector<DisplayIdentifier> m_displays;
-    std::chrono::nanoseconds m_slept{}; ///< by the machine, since it was started, at the last write
+    std::chrono::nanoseconds m_slept{}; ///< by the machine, as of the last write: see timeAsleep()
     std::chrono::milliseconds m_pause;  ///< before the next attempt to connect, once the connection is lost
     Clock::time_point m_changed;        ///< when the connection was made or is to be tried
     bool m_isLossSaid = false;

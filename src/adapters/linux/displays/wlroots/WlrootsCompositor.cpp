@@ -14,14 +14,14 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A session that starts, and draws without a graphics card, may leave its clients alone for seconds.
+/// A session that is starting, and draws without a graphics card, may not answer its clients for seconds.
 constexpr auto patienceForGlobals = 30s;
-/// To get a control that was refused.
+/// Between requests for a control that was refused.
 constexpr auto betweenAttempts = 30s;
 /// Far more than anybody has, so that a broken compositor cannot make us grow.
 constexpr std::size_t mostOutputs = 64;
 
-/// As far as a colour matrix is concerned.
+/// The identity as far as a colour matrix is concerned, which follows only the last entries.
 constexpr GammaTables identity()
 {
     GammaTables tables{};
@@ -87,11 +87,11 @@ bool WlrootsCompositor::takeEvents()
     const auto attempt = due();
     if (attempt && *attempt <= Clock::now())
         m_hasNews = true;
-    m_connection.flush(); // what new outputs were bound with
+    m_connection.flush(); // sends the requests that bind new outputs
     return std::exchange(m_hasNews, false);
 }
 
-/// Acts on what the compositor has told a control.
+/// Acts on what the compositor has said about a control.
 void WlrootsCompositor::settle(Output &output)
 {
     if (!output.control || output.control->state() == output.seen)
@@ -109,8 +109,8 @@ void WlrootsCompositor::settle(Output &output)
         break;
     case GammaControl::State::refused:
         output.nextAttempt = Clock::now() + betweenAttempts;
-        // One that is withdrawn is mostly that of an output on its way out; the next attempt tells. Hyprland withdraws
-        // it for the sake of a colour profile, too.
+        // A control that is withdrawn usually belongs to an output that is about to go; the next attempt will tell.
+        // Hyprland also withdraws one when its output gets a colour profile.
         if (!wasUsable || m_matrixGlobal)
             sayRefusal();
         break;
@@ -231,7 +231,7 @@ bool WlrootsCompositor::restore(std::chrono::milliseconds patience)
 {
     if (state() != State::usable)
         return false;
-    // Hyprland would show the tint until something else changes on the display, if it were not given the identity.
+    // Without the identity, Hyprland would show the tint until something else on the display changes.
     for (auto &[name, output] : m_outputs) {
         if (!m_connection.flush(patience))
             break;

@@ -14,12 +14,12 @@
 
 namespace ambertide {
 
-/// The outputs of one Wayland compositor, tinted by zwlr_gamma_control_manager_v1 over one connection. A display is the
-/// global name of an output. One thread at a time.
+/// The outputs of one Wayland compositor, tinted by zwlr_gamma_control_manager_v1 over one connection. A display is
+/// identified by the global name of its output. One thread at a time.
 ///
-/// An output's control is asked for with its first tables, and kept. Where it is refused, that is said in one line, and
-/// it is asked for again after a while; on Hyprland, which refuses it for the sake of a colour profile, a colour matrix
-/// stands in. Once the connection is lost, all calls do nothing.
+/// An output's control is asked for with its first tables, and then kept. When it is refused, one line says so, and it
+/// is asked for again after a while; on Hyprland, which refuses it for an output with a colour profile, a colour matrix
+/// stands in for the tables. Once the connection is lost, all calls do nothing.
 class WlrootsCompositor
 {
 public:
@@ -40,30 +40,30 @@ public:
     /// Whether outputs may stay tinted when the connection that tinted them ends.
     bool keepsTints() const { return m_isHyprland; }
     int descriptor() const { return m_connection.descriptor(); }
-    /// When takeEvents() is to be called although the compositor says nothing.
+    /// When takeEvents() has to be called even if the descriptor is not readable by then.
     std::optional<Clock::time_point> due() const;
 
-    /// Takes in what the compositor has told, without waiting. True when outputs have come, or have become ready to be
-    /// shown tables.
+    /// Handles what the compositor has sent, without waiting. True when show() should be called again: outputs have
+    /// come or become ready, or refused controls may be asked for again.
     bool takeEvents();
-    /// The outputs that are not known to have no tables.
+    /// The outputs, except those that are known to have no tables and cannot be given a matrix.
     std::vector<DisplayIdentifier> displays() const;
     /// Whether there are outputs, and none of them can be tinted now.
     bool refusesAll() const;
-    /// Whether show() would write to each of them, or leave it out, and not ask for a control.
+    /// Whether show() would need to ask for no control, because it could write to each of them or leave it out.
     bool hasAskedFor(std::span<const DisplayIdentifier> displays) const;
     /// Asks for the missing controls and waits that long at most for the answers. restore() acts on those that were
     /// granted by then.
     void takeControls(std::chrono::milliseconds patience);
-    /// Gives those of the outputs that are there and ready the tables, unless they have them. Never waits: false when
-    /// the compositor takes no more for now, and the same has to be shown again.
+    /// Gives the tables to those of the outputs that are there and ready, unless they have them already. Never waits:
+    /// false when the compositor takes no more for now, and the call has to be repeated.
     bool show(std::span<const DisplayIdentifier> displays, const GammaTables &tables);
     /// Waits for the compositor to take what show() could not send; false when it does not in that time.
     bool flush(std::chrono::milliseconds patience) { return m_connection.flush(patience); }
-    /// Has the next tables be written even where they are as before.
+    /// Makes the next show() write its tables even where they are the same as before.
     void forgetTables();
-    /// Shows the identity, gives up all controls, and waits until the compositor has done it. False when that could not
-    /// be learned in that time.
+    /// Shows the identity, gives up all controls, and waits until the compositor has done it. False when it has not
+    /// confirmed that in time.
     bool restore(std::chrono::milliseconds patience);
 
 private:
@@ -72,7 +72,7 @@ private:
         WaylandObject<wl_output> object;
         std::optional<GammaControl> control{};
         GammaControl::State seen = GammaControl::State::awaitingSize; ///< the control's state that has been acted on
-        std::optional<Clock::time_point> nextAttempt{};               ///< since the control was refused
+        std::optional<Clock::time_point> nextAttempt{};               ///< for the control, after it was refused
         bool hasTables = true;
         std::optional<ColourMatrices::Factors> matrix{}; ///< stands in for the tables
     };
@@ -99,7 +99,7 @@ private:
     std::map<DisplayIdentifier, Output> m_outputs;
     bool m_hasAnswered = false;
     bool m_isHyprland = false;
-    bool m_hasNews = false; ///< since takeEvents() said so
+    bool m_hasNews = false; ///< since the last takeEvents()
     bool m_isRefusalSaid = false;
 };
 

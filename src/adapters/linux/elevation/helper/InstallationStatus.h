@@ -4,8 +4,8 @@
 
 namespace ambertide {
 
-// How an installation ended, as the exit status of the program that does it. All but success keep clear of pkexec's own
-// and of those that a program which was not written for this ends with.
+// How an installation ended, as the exit status of the helper. All but success differ from pkexec's own statuses and
+// from those with which programs commonly fail.
 
 inline constexpr int firstInstallationStatus = 10;
 

@@ -18,7 +18,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Why nothing can be read now; empty when something can, or the end is reached.
+/// Waits until there is something to read, or the end. Returns why there is not; empty when there is.
 std::string waitFor(int source, int termination, Clock::time_point deadline)
 {
     for (;;) {

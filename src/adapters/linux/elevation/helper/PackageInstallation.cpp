@@ -19,7 +19,7 @@ using Outcome = UpdateInstaller::Outcome;
 
 constexpr std::size_t longestLine = 300;
 
-/// dpkg looks for its own helpers on the path, and its maintainer scripts ask nobody.
+/// dpkg finds its own helpers through PATH. Maintainer scripts must not ask questions: nobody would see them.
 ChildProcessEnd run(std::vector<std::string> command)
 {
     ChildStart start{.arguments = std::move(command)};
@@ -34,7 +34,7 @@ ChildProcessEnd runWith(std::vector<std::string> command, const std::vector<std:
     return run(std::move(command));
 }
 
-/// The end of it in one line, where the reason stands.
+/// The end of the output, where the reason usually is, as one line.
 std::string endOf(const std::string &output)
 {
     std::string end = output.substr(output.size() - std::min(output.size(), longestLine));
@@ -43,7 +43,7 @@ std::string endOf(const std::string &output)
     return end;
 }
 
-/// The one line that a program answers with; nothing when it fails or answers otherwise.
+/// The single line that a program prints; nothing when it fails or prints anything else.
 std::optional<std::string> answer(std::vector<std::string> command, const std::vector<std::string> &arguments)
 {
     auto end = runWith(std::move(command), arguments);
@@ -60,7 +60,7 @@ std::optional<std::string> field(const std::string &package, const char *name)
     return answer({"/usr/bin/dpkg-deb"}, {"--field", package, name});
 }
 
-/// Whether the text can be a Debian version, so that it can stand among a program's arguments.
+/// Whether the text looks like a Debian version, and so is safe among a program's arguments: it cannot be an option.
 bool isVersion(std::string_view text)
 {
     static constexpr std::string_view allowed = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ.+-~:";
@@ -68,14 +68,14 @@ bool isVersion(std::string_view text)
            text.find_first_not_of(allowed) == std::string_view::npos;
 }
 
-/// The package that is here: `version` is empty when it was left without one.
+/// The package as it is on this system; `version` is empty when a failed installation has left none.
 struct PresentPackage
 {
     bool isWhole = false;
     std::string version;
 };
 
-/// Nothing when there is none, or nothing but its configuration.
+/// Nothing when it is not installed, or only its configuration is left.
 std::optional<PresentPackage> presentPackage(const InstallationRules &rules)
 {
     const auto line =
@@ -83,16 +83,16 @@ std::optional<PresentPackage> presentPackage(const InstallationRules &rules)
     const auto bar = line ? line->find('|') : std::string::npos;
     if (bar < 2 || bar == std::string::npos)
         return std::nullopt;
-    const char state = line->at(1); // the second letter; a third one tells of an error
+    const char state = line->at(1); // the second letter is the present state; a third one marks an error
     if (state == 'n' || state == 'c')
         return std::nullopt;
     return PresentPackage{line->substr(1, bar - 1) == "i ", line->substr(bar + 1)};
 }
 
-/// Without the revision of the packaging, which the feed does not name.
+/// The version without the Debian revision, which the feed does not name.
 std::string_view upstream(std::string_view version) { return version.substr(0, version.rfind('-')); }
 
-/// Why this package is not the one to be installed here; nothing when it is.
+/// Why this package must not be installed here; nothing when it may be.
 std::optional<InstallationEnd> refusal(const InstallationRules &rules, const std::string &package,
                                        std::string_view announced)
 {
@@ -116,8 +116,8 @@ std::optional<InstallationEnd> refusal(const InstallationRules &rules, const std
     return std::nullopt;
 }
 
-/// A package that was left half-installed is configured first, because dpkg may refuse others until then. If that
-/// fails, the newer one replaces it all the same.
+/// A package that was left half-installed is configured first, because dpkg may refuse to install anything before. If
+/// that fails, the new package replaces it all the same.
 ChildProcessEnd install(const InstallationRules &rules, const std::string &package)
 {
     const auto present = presentPackage(rules);
@@ -159,7 +159,7 @@ InstallationEnd installPackage(const InstallationRules &rules, int source, std::
     if (const int error = folder.store(*bytes); error != 0)
         return {error == ENOSPC || error == EDQUOT ? Outcome::NoRoom : Outcome::Failed,
                 std::string("the package could not be stored: ") + std::strerror(error)};
-    // Only what is signed is handed to programs that take it apart.
+    // Nothing is handed to programs that parse it before its signature has been verified.
     if (auto refused = refusal(rules, folder.file(), version))
         return *refused;
     if (isReadable(rules.termination))

@@ -42,8 +42,8 @@ struct InstallationEnd
 };
 
 /// Installs the package that `source` holds, provided that it is signed with the key, has the right name, architecture
-/// and version, and is newer than the one that is here, in whatever state that was left. The very bytes that were
-/// verified are installed. Ends early when asked to, but never while the package is being installed.
+/// and version, and is newer than the one on this system, whatever state that is in. The very bytes that were verified
+/// are installed. Stops early when asked to end, but never while the package is being installed.
 InstallationEnd installPackage(const InstallationRules &rules, int source, std::string_view signature,
                                std::string_view version);
 

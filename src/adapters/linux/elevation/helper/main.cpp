@@ -21,32 +21,33 @@ namespace {
 using ambertide::InstallationEnd;
 using Outcome = ambertide::UpdateInstaller::Outcome;
 
-/// Where systemd runs, this program goes on in a unit of the system, with the same standard streams: a logout ends what
-/// belongs to the session, and would leave a package half-installed. Returns where there is no such unit.
+/// Where systemd runs, has it run this program again in a unit of the system, with the same standard streams, since a
+/// logout kills what belongs to the session and could leave a package half-installed. Returns in that unit, and where
+/// there is no systemd.
 void leaveTheSession(char *arguments[])
 {
     if (getenv("PKEXEC_UID") == nullptr || access("/run/systemd/system", F_OK) != 0)
         return;
     std::error_code error;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    // When the unit is stopped, only this program is told, so that apt can finish.
+    // KillMode=mixed: when the unit is stopped, only this program gets SIGTERM, so that apt can finish.
     execl("/usr/bin/systemd-run", "systemd-run", "--quiet", "--collect", "--wait", "--pipe", "--service-type=exec",
           "--property=KillMode=mixed", "--property=TimeoutStopSec=15min", "--description=Ambertide's update", "--",
           program.c_str(), arguments[1], arguments[2], nullptr);
 }
 
-/// Takes away what the caller could influence besides the bytes.
+/// Resets everything that the caller could influence besides the package's bytes.
 void leaveTheCaller()
 {
     clearenv();
     umask(0077);
     close_range(3, ~0U, 0);
-    // The application may go away in the middle; a half-installed package would stay.
+    // The application may exit in the middle of an installation, which must not leave a package half-installed.
     for (const int signal : {SIGHUP, SIGINT, SIGPIPE})
         ::signal(signal, SIG_IGN);
 }
 
-/// Becomes readable when this process is asked to end, which does not end it by itself.
+/// A descriptor that becomes readable on SIGTERM, which from then on does not end this process by itself.
 int openTermination()
 {
     sigset_t signals;

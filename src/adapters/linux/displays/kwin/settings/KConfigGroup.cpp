@@ -17,7 +17,7 @@ std::string_view trimmed(std::string_view text)
 
 bool startsGroup(std::string_view line) { return trimmed(line).starts_with('['); }
 
-/// Whether `[$...]`, anywhere in the name of a key or a group, has the option.
+/// Whether a `[$...]` anywhere in the name of a key or a group contains the option.
 bool hasOption(std::string_view name, char option)
 {
     for (auto at = name.find("[$"); at != std::string_view::npos; at = name.find("[$", at + 1)) {

@@ -9,13 +9,13 @@ namespace ambertide {
 
 /// One group in the text of a KConfig file, for edits that keep every other byte of the file.
 ///
-/// KConfig lets groups and keys occur more than once: of a key, the last line counts. Lines for a language
-/// (`Key[de]=`) are other keys. Options stand behind the name: `Key[$i]=` may not be changed, `Key[$d]` is deleted. A
-/// group's name or a whole file can be marked `[$i]` too.
+/// In a KConfig file groups and keys may occur more than once; of a key, the last line counts. Lines for a language
+/// (`Key[de]=`) are other keys. Options follow the name: `Key[$i]=` must not be changed, `Key[$d]` is deleted. A group
+/// or a whole file can be marked `[$i]`, too.
 class KConfigGroup
 {
 public:
-    /// `name` is that of a group at the top of the file.
+    /// `name` is that of a top-level group.
     KConfigGroup(std::string_view text, std::string_view name);
 
     std::string text() const;
@@ -28,11 +28,11 @@ public:
     /// The line that counts, as it stands in the file; nothing when there is none.
     std::optional<std::string> line(std::string_view key) const;
 
-    /// Puts the line in the place of the one that counts, or at the end of the group, which is made where it is
-    /// missing. Nothing removes the line.
+    /// Replaces the line that counts, or else adds one at the end of the group, which is made if it is missing. Without
+    /// a `line`, removes the one that counts.
     void setLine(std::string_view key, const std::optional<std::string> &line);
     void setValue(std::string_view key, std::string_view value);
-    /// Removes the group's header where nothing follows it in the group.
+    /// Removes the group's last header, if the group has no lines after it.
     void removeIfEmpty();
 
 private:

@@ -21,10 +21,11 @@ using namespace std::chrono_literals;
 
 constexpr char groupName[] = "NightColor";
 constexpr char stateTitle[] = "Settings of KWin's Night Light from before Ambertide changed them";
-constexpr auto patienceForOthers = 200ms; ///< who have just ended, or are giving back what one that ended had borrowed
+constexpr auto patienceForOthers = 200ms; ///< copies that are ending, guardians that give back what one had borrowed
 constexpr int mostAttempts = 5;           ///< while others write the same file
 
-/// The folder that the variable names, or else the one of that name in the user's own. A relative one does not count.
+/// The folder that the environment variable names, or else `name` in the home folder. Relative paths do not count (XDG
+/// Base Directory Specification).
 std::string baseFolder(const char *variable, const char *name)
 {
     const char *const value = std::getenv(variable);
@@ -132,7 +133,8 @@ NightLightLoan::End NightLightLoan::tryGiveBack()
     if (!settings)
         return End::failed;
     if (!isOurs(*settings, *state))
-        // They are the user's where the power failed just before the first change, or before the state was removed.
+        // They may still, or again, be the user's own: if the power failed just before the first change, or before the
+        // state file was removed.
         return stateOf(*settings, {}).lines == state->lines ? End::nothingBorrowed : End::changedByOthers;
     const auto before = settings->text();
     for (std::size_t i = 0; i < keys.size(); ++i)
@@ -156,7 +158,7 @@ bool NightLightLoan::isOurs(const KConfigGroup &group, const State &state)
            std::ranges::count(state.temperatures, *temperature) > 0;
 }
 
-/// A damaged state is none: there is nothing to go by.
+/// A damaged state file counts as none: there is nothing to restore from.
 std::optional<NightLightLoan::State> NightLightLoan::readState() const
 {
     const auto text = settings_file::read(m_files.state);
@@ -228,7 +230,7 @@ bool NightLightLoan::fail(const std::string &what, const std::string &file)
     return false;
 }
 
-/// The folder, and not the file, since that comes and goes.
+/// Locks the folder, not the state file, which comes and goes.
 bool NightLightLoan::lock(std::chrono::milliseconds patience)
 {
     if (m_lock >= 0)
@@ -244,7 +246,7 @@ bool NightLightLoan::lock(std::chrono::milliseconds patience)
         }
         usleep(1000);
     }
-    return true; // also where the file system has no locks
+    return true; // also where the file system knows no locks
 }
 
 void NightLightLoan::unlock()

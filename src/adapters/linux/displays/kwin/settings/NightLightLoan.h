@@ -11,13 +11,14 @@ namespace ambertide {
 
 class KConfigGroup;
 
-/// The user's settings of KWin's Night Light, borrowed to tint by: the keys Active, Mode and NightTemperature of the
-/// group [NightColor] in kwinrc. KWin reads them when it is told (see announceNightLight.h) and when it starts, so the
-/// tint outlives the program, the session and the machine's power.
+/// The user's settings of KWin's Night Light, borrowed for tinting: the keys Active, Mode and NightTemperature of the
+/// group [NightColor] in kwinrc. KWin reads them when it is told to (see announceNightLight.h) and when it starts, so
+/// the tint outlives the program, the session and even a power failure.
 ///
-/// What the user had, and what was put in its place, is kept in a file of its own from before the first change until
-/// the settings are given back. They are given back only while they are as they were left: what somebody has changed
-/// since is theirs. One copy at a time borrows, which its end, of whatever kind, ends too.
+/// What the user had, and what was put in its place, is kept in a state file from before the first change until the
+/// settings are given back. They are given back only if they are as this program left them: what somebody has changed
+/// since then is theirs. Only one copy at a time can borrow, under a lock that ends with its process, however that
+/// ends.
 class NightLightLoan
 {
 public:
@@ -27,7 +28,7 @@ public:
         std::string kwinrc;
         std::vector<std::string> systemKwinrcs; ///< in which an administrator may have locked settings
     };
-    /// Those of the user, by the environment.
+    /// The user's files, as the environment names them.
     static Files filesOfUser();
 
     enum class End {
@@ -44,14 +45,15 @@ public:
 
     const Files &files() const { return m_files; }
 
-    /// Has Night Light show `temperature` (in KWin's kelvin) all day. False when that fails, for the reason in
-    /// failure().
+    /// Writes settings by which Night Light shows `temperature` (in KWin's kelvin) all day; KWin has yet to be told.
+    /// False when that fails, for the reason in failure().
     bool borrow(int temperature);
     /// Whether this object has borrowed the settings.
     bool isActive() const { return m_isActive; }
     /// False when somebody has changed what is borrowed.
     bool isUntouched() const;
-    /// Gives back what this copy, or one that no longer runs, has borrowed; waits that long for such a copy's end.
+    /// Gives back what this copy, or one that no longer runs, has borrowed. Waits for up to `patience` until such a
+    /// copy has ended.
     End giveBack(std::chrono::milliseconds patience);
 
     /// Why the last call failed: the end of a sentence.
@@ -63,8 +65,8 @@ private:
     struct State
     {
         bool hadGroup = false;
-        std::array<std::optional<std::string>, keys.size()> lines; ///< the user's
-        std::vector<std::string> temperatures; ///< that were put there, the last one perhaps not yet
+        std::array<std::optional<std::string>, keys.size()> lines; ///< as the user had them; nothing for an absent one
+        std::vector<std::string> temperatures;                     ///< that were written, the last one perhaps not yet
     };
 
     static State stateOf(const KConfigGroup &group, const std::vector<std::string> &temperatures);

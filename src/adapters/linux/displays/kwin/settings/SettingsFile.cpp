@@ -30,7 +30,7 @@ private:
     const int m_descriptor;
 };
 
-/// Where a link leads in the end. Nothing, and errno set, when it leads nowhere.
+/// The file itself, or where a link leads in the end. Nothing, with errno set, when a link leads nowhere.
 std::optional<std::string> targetOf(const std::string &file)
 {
     char *const target = realpath(file.c_str(), nullptr);
@@ -113,7 +113,7 @@ bool replace(const std::string &file, const std::string &expected, const std::st
     if (fresh.get() < 0)
         return false;
     const bool isReady = writeAll(fresh.get(), text) && fchmod(fresh.get(), mode) == 0 && fsync(fresh.get()) == 0;
-    const bool isAsExpected = isReady && read(target) == expected; // as late as can be: the above takes its time
+    const bool isAsExpected = isReady && read(target) == expected; // as late as possible: the above takes time
     if (!isAsExpected || std::rename(name.c_str(), target.c_str()) != 0) {
         const int failure = isReady && !isAsExpected ? ESTALE : errno;
         unlink(name.c_str());

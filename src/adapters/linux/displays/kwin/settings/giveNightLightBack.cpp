@@ -23,7 +23,7 @@ NightLightLoan::End giveNightLightBack(NightLightLoan &loan, std::chrono::millis
         return end;
     kwin.announce();
     auto state = kwin.state();
-    // The first steps to the warmest follow each other in 20 ms.
+    // On the way to the warmest temperature KWin makes its first steps 20 ms apart.
     if (!state || state->isRunning || !isNearlyNeutral(state->temperature) || !loan.borrow(warmestNightLight))
         return end;
     kwin.announce();

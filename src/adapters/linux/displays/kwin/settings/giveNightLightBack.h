@@ -6,7 +6,7 @@
 
 namespace ambertide {
 
-/// Kelvin; KWin makes no change that is not larger.
+/// Kelvin; KWin ignores changes that are not larger.
 inline constexpr int largestIgnoredChange = 50;
 inline constexpr int warmestNightLight = 1000; ///< kelvin
 inline constexpr int neutralNightLight = 6500; ///< kelvin; what KWin shows with its Night Light off
@@ -19,17 +19,18 @@ struct NightLightState
     int temperature = 0;      ///< kelvin; what it shows now
 };
 
-/// How KWin is told and asked, by whoever has a bus.
+/// How to tell KWin something and ask it, with whatever connection to the bus the caller has.
 struct NightLightAccess
 {
-    /// Has it read its settings anew.
+    /// Has KWin read its settings again.
     std::function<void()> announce;
-    /// After all that was announced before, `isRunning` and `temperature` at least; nothing when it does not answer.
+    /// The state after all that was announced before; `isRunning` and `temperature` are filled in at least. Nothing
+    /// when KWin does not answer.
     std::function<std::optional<NightLightState>()> state;
 };
 
-/// Gives the loan back and has KWin follow. KWin makes no change of 50 K or less, so a tint that has only just begun
-/// would stay: it is sent further away for a moment then, so that it can come back.
+/// Gives the loan back and has KWin follow. KWin ignores changes of 50 K or less, so a tint that has only just begun
+/// would stay: KWin is then sent further away for a moment, so that it can come back.
 NightLightLoan::End giveNightLightBack(NightLightLoan &loan, std::chrono::milliseconds patience,
                                        const NightLightAccess &kwin);
 

@@ -10,14 +10,14 @@ namespace {
 using namespace ambertide;
 using namespace std::chrono_literals;
 
-/// Takes a tenth of it, where all services answer. Nobody waits for this program, and a display that shows neither its
-/// calibration nor the tint would be worse.
+/// Where all services answer, a tenth of it is enough. Nobody waits for this program, and restoring a display late is
+/// better than restoring it without its calibration.
 constexpr auto patience = 3s;
 constexpr auto betweenLooks = 3ms;
 constexpr auto patienceForClaim = 150ms;
 
-/// Until the bus has dropped the application's connection, calls that it left behind may still be on their way to
-/// mutter. False when another copy tints now.
+/// Waits until the bus has dropped the application's connection, since calls that it left behind may be on their way to
+/// mutter until then. False when another copy tints now.
 bool awaitEndOfClaim(sd_bus *bus, GuardianMessage claim, SdBusDeadline deadline)
 {
     const auto latest = std::min(deadline, std::chrono::steady_clock::now() + patienceForClaim);

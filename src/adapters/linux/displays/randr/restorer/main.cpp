@@ -6,8 +6,8 @@
 using namespace ambertide;
 using namespace std::chrono_literals;
 
-/// What the guardian of an X server's displays becomes when it has given them back: gives each its calibration, where
-/// colord has one. Argument: the name of the display.
+/// What the guardian of an X server's displays becomes once it has given them the identity: gives each its calibration,
+/// where colord has one. Argument: the name of the X server.
 int main(int argc, char **argv)
 {
     if (argc != 2)
