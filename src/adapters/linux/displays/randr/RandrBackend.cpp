@@ -130,7 +130,8 @@ bool RandrBackend::process()
 
 std::optional<DisplayBackend::Clock::time_point> RandrBackend::due() const
 {
-    return m_hasChanges || m_mustReadCalibrations ? std::optional(Clock::time_point()) : std::nullopt;
+    const bool isDue = m_hasChanges || m_mustReadCalibrations;
+    return isDue && m_server->state() == State::usable ? std::optional(Clock::time_point()) : std::nullopt;
 }
 
 void RandrBackend::readDisplays()
