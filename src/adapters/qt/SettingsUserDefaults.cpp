@@ -133,6 +133,7 @@ void SettingsUserDefaults::write()
     std::unique_lock lock(m_lock);
     if (m_unwritten.empty())
         return;
+    m_hasWriteFailed = false; // this is the next attempt: refresh() need not ask for one
     refresh();
     const auto written = m_unwritten;
     auto values = written;
