@@ -57,6 +57,9 @@ bool Calibrations::read(const std::vector<std::string> &outputs, SdBusDeadline d
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         if (profiles[i].calibration)
             curves.emplace(outputs[i], *profiles[i].calibration);
+        else if (const auto known = m_curves.find(outputs[i]);
+                 known != m_curves.end() && profiles[i].knowledge == ColourProfile::Knowledge::unknown)
+            curves.insert(*known);
         const auto &damaged = profiles[i].damagedFile;
         if (!damaged.empty() && damaged != std::exchange(m_saidDamaged, damaged))
             console::print("The colour profile " + damaged + " of " + outputs[i] +

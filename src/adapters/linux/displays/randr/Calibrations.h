@@ -23,7 +23,8 @@ public:
     /// Handles what has arrived, without waiting. True when read() has to be called.
     bool process();
 
-    /// Asks for the profiles of these outputs and waits until the deadline at most. True when curves have changed.
+    /// Asks for the profiles of these outputs and waits until the deadline at most. An output of which nothing becomes
+    /// known by then keeps its curve. True when curves have changed.
     bool read(const std::vector<std::string> &outputs, SdBusDeadline deadline);
     const CalibrationCurves &curves() const { return m_curves; }
 
