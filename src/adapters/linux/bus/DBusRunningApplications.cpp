@@ -51,6 +51,7 @@ std::vector<RunningApplication> DBusRunningApplications::withIdentifier(std::str
         m_isAsked = m_session.bus() != nullptr;
         sd_bus *bus = m_session.readyBus(deadline);
         const auto owner = bus != nullptr ? ownerOfName(bus, m_name, deadline) : std::nullopt;
+        m_isAsked = owner.has_value();
         if (!owner || isOwn(bus, *owner))
             return {self};
         const auto process = owner->empty() ? std::nullopt : processOf(bus, *owner, deadline);
