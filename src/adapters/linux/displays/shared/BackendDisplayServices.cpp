@@ -236,9 +236,11 @@ void BackendDisplayServices::Worker::beginRamp(const std::optional<GammaTables> 
 {
     {
         const std::scoped_lock lock(m_lock);
+        if (m_isClosed)
+            return;
         if (!m_isCreated)
             m_earlyTarget = target;
-        if (!m_makesOwnRamps || m_isClosed)
+        if (!m_makesOwnRamps)
             return;
         askFor(target);
     }
@@ -270,6 +272,7 @@ void BackendDisplayServices::Worker::close(std::chrono::milliseconds limit)
     {
         const std::scoped_lock lock(m_lock);
         m_isClosed = true;
+        m_earlyTarget.reset();
         if (!m_wanted && m_done == m_asked)
             return;
     }
