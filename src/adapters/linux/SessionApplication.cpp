@@ -49,6 +49,7 @@ bool choosePlatform()
 
 void explainPlatform()
 {
+    qunsetenv("QT_QPA_PLATFORM"); // what is started later, a new version too, chooses for itself
     isToolkitHeard = true;
     const auto platform = QGuiApplication::platformName();
     if (!isWaylandSession() || platform.startsWith(QStringLiteral("wayland")))
