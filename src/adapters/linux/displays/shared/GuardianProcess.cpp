@@ -58,7 +58,7 @@ void GuardianProcess::dismiss()
 void GuardianProcess::renew()
 {
     const auto told = m_told;
-    if (told != 0 && !isRunning())
+    if (!isRunning() && told != 0)
         guard(told);
 }
 

@@ -35,7 +35,8 @@ public:
 
     /// The descriptor of the channel, which hangs up when the guardian ends; -1 while there is none.
     int channel() const { return m_channel; }
-    /// Replaces a guardian that has ended or been stopped while it had displays to restore.
+    /// Replaces a guardian that has ended or been stopped while it had displays to restore, and forgets one that had
+    /// not, with its channel.
     void renew();
     /// A guardian is needed and could not be started.
     bool isMissing() const { return m_isMissing; }
