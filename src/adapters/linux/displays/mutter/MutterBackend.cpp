@@ -207,6 +207,7 @@ void MutterBackend::disconnect()
     m_profileWatch.reset();
     m_slots.clear();
     m_crtcs.reset();
+    m_looks.clear();
     m_systemBus.reset();
     m_bus.reset();
     m_isTinting = false;
