@@ -33,7 +33,7 @@ bool isOwn(sd_bus *bus, const std::string &connection)
 
 DBusRunningApplications::DBusRunningApplications(DBusSession &session)
     : m_session(session), m_connecting(m_session.install([this](sd_bus *) {
-          m_isAsked = false;
+          m_isOwnerLookedUp = false;
           return SdBusSlot();
       }))
 {
@@ -48,10 +48,10 @@ std::vector<RunningApplication> DBusRunningApplications::withIdentifier(std::str
     const auto deadline = std::chrono::steady_clock::now() + timeLimit;
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         claimName();
-        m_isAsked = m_session.bus() != nullptr;
+        m_isOwnerLookedUp = m_session.bus() != nullptr;
         sd_bus *bus = m_session.readyBus(deadline);
         const auto owner = bus != nullptr ? ownerOfName(bus, m_name, deadline) : std::nullopt;
-        m_isAsked = owner.has_value();
+        m_isOwnerLookedUp = owner.has_value();
         if (!owner || isOwn(bus, *owner))
             return {self};
         const auto process = owner->empty() ? std::nullopt : processOf(bus, *owner, deadline);
@@ -72,7 +72,7 @@ void DBusRunningApplications::noteClaim(sd_bus_message *reply)
     if (!result)
         return;
     const bool isOwner = result == primaryOwner || result == alreadyOwner;
-    if (isOwner || m_isAsked)
+    if (isOwner || m_isOwnerLookedUp)
         return;
     console::print("Another program has taken the name " + m_name + " on the session bus");
     m_session.afterMessage([this] { m_others.notify(); });

@@ -34,7 +34,7 @@ private:
     std::string m_name;
     Observation m_connecting;
     Observation m_claim;
-    bool m_isAsked = false; ///< withIdentifier() itself sees who has the name on this connection
+    bool m_isOwnerLookedUp = false; ///< withIdentifier() itself sees who has the name on this connection
     Observers<> m_others;
 };
 

@@ -5,7 +5,7 @@ namespace ambertide {
 namespace {
 
 template <auto create, typename Source, typename... Arguments>
-SdBusMessage made(Source *source, Arguments... arguments)
+SdBusMessage newMessage(Source *source, Arguments... arguments)
 {
     sd_bus_message *message = nullptr;
     if (source != nullptr)
@@ -17,13 +17,13 @@ SdBusMessage made(Source *source, Arguments... arguments)
 
 SdBusWriter SdBusWriter::signal(sd_bus *bus, const char *path, const char *interface, const char *member)
 {
-    return SdBusWriter(made<&sd_bus_message_new_signal>(bus, path, interface, member));
+    return SdBusWriter(newMessage<&sd_bus_message_new_signal>(bus, path, interface, member));
 }
 
 SdBusWriter SdBusWriter::call(sd_bus *bus, const char *destination, const char *path, const char *interface,
                               const char *member)
 {
-    return SdBusWriter(made<&sd_bus_message_new_method_call>(bus, destination, path, interface, member));
+    return SdBusWriter(newMessage<&sd_bus_message_new_method_call>(bus, destination, path, interface, member));
 }
 
 SdBusWriter SdBusWriter::busCall(sd_bus *bus, const char *member)
@@ -33,7 +33,7 @@ SdBusWriter SdBusWriter::busCall(sd_bus *bus, const char *member)
 
 SdBusWriter SdBusWriter::reply(sd_bus_message *call)
 {
-    return SdBusWriter(made<&sd_bus_message_new_method_return>(call));
+    return SdBusWriter(newMessage<&sd_bus_message_new_method_return>(call));
 }
 
 void SdBusWriter::write(bool value)

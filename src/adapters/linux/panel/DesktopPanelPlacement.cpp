@@ -16,7 +16,7 @@ bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1Stri
 
 bool isPlasma()
 {
-    // A list, separated by colons.
+    // A colon-separated list.
     return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QLatin1String("KDE"));
 }
 

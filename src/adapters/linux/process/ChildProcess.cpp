@@ -75,7 +75,7 @@ std::vector<char *> pointersTo(const std::vector<std::string> &texts)
 }
 
 /// A process can be started with SIGCHLD ignored, and the system then tells nobody how a child ended.
-void keepEndsOfChildren()
+void keepExitStatusOfChildren()
 {
     struct sigaction present = {};
     if (::sigaction(SIGCHLD, nullptr, &present) == 0 && present.sa_handler == SIG_IGN)
@@ -92,7 +92,7 @@ FileDescriptor openProcess(pid_t process)
 
 int startChild(const ChildStart &start, pid_t &process)
 {
-    keepEndsOfChildren();
+    keepExitStatusOfChildren();
     const SpawnSettings settings(start);
     const auto arguments = pointersTo(start.arguments);
     const auto variables = start.environment ? pointersTo(*start.environment) : std::vector<char *>();

@@ -22,7 +22,7 @@ std::unique_ptr<TrayIcon> makeXembedTrayIcon(const TrayArtwork &artwork, TrayIco
 /// does not show an icon without a menu, and with an empty menu a click does nothing.
 StatusNotifierItem::Click clickOfDesktop()
 {
-    const char *desktops = std::getenv("XDG_CURRENT_DESKTOP"); // a list with colons, such as "ubuntu:GNOME"
+    const char *desktops = std::getenv("XDG_CURRENT_DESKTOP"); // a colon-separated list, such as "ubuntu:GNOME"
     const bool isGnome = desktops != nullptr && std::string_view(desktops).find("GNOME") != std::string_view::npos;
     return isGnome ? StatusNotifierItem::Click::OpensMenu : StatusNotifierItem::Click::Activates;
 }

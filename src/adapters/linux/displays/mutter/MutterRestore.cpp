@@ -11,7 +11,7 @@ namespace ambertide {
 
 namespace {
 
-/// The part of the remaining time, a third, that is kept for the calls to mutter should other services not answer.
+/// One in this many parts of the remaining time is kept for the calls to mutter, should other services not answer.
 constexpr auto share = 3;
 
 GammaTables tablesOf(const ColourProfile &profile, const std::array<double, 3> &whitePoint)
