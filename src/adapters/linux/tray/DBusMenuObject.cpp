@@ -212,7 +212,7 @@ void DBusMenuObject::sendLayoutUpdated()
                        .take());
 }
 
-/// In place of LayoutUpdated, at which some hosts close an open menu.
+/// Sent in place of LayoutUpdated, at which some hosts close an open menu.
 void DBusMenuObject::sendStates()
 {
     auto signal = SdBusWriter::signal(m_session.bus(), path, interface, "ItemsPropertiesUpdated");

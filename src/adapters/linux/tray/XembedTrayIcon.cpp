@@ -53,7 +53,7 @@ bool XembedTrayIcon::nativeEventFilter(const QByteArray &, void *message, qintpt
     const bool hasCome = kind == XCB_CLIENT_MESSAGE && announced->type == m_managerMessage && announced->format == 32 &&
                          announced->data.data32[1] == m_traySelection;
     const bool hasGone = kind == XCB_DESTROY_NOTIFY && destroyed->window == m_tray;
-    if (hasCome || hasGone) // by the timer, so that the toolkit handles it first
+    if (hasCome || hasGone) // by the timer: the toolkit has to handle it first
         m_trayChange.start();
     return false;
 }

@@ -13,8 +13,8 @@ namespace ambertide {
 
 namespace {
 
-/// How long to wait for the dead application's lock on the loan. At the end of a session the guardian itself has little
-/// time left; and if another copy holds the lock by now, waiting is pointless.
+/// How long to wait for the dead application's lock on the loan. When the whole session ends, the guardian has no more
+/// time than that; and a copy that has taken the lock over does not let go of it.
 constexpr std::chrono::milliseconds patienceForLoan{400};
 
 constexpr std::uint64_t patienceForKWin = 300'000; ///< microseconds

@@ -50,7 +50,7 @@ public:
     std::vector<DisplayIdentifier> displays() const;
     /// Whether there are outputs, and none of them can be tinted now.
     bool refusesAll() const;
-    /// Whether show() would need to ask for no control, because it could write to each of them or leave it out.
+    /// Whether show() can do without asking for a control, because it would write to each of them or leave it out.
     bool hasAskedFor(std::span<const DisplayIdentifier> displays) const;
     /// Asks for the missing controls and waits that long at most for the answers. restore() acts on those that were
     /// granted by then.
