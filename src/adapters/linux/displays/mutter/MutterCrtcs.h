@@ -51,7 +51,7 @@ private:
         std::optional<GammaTables> wanted{};
         std::optional<GammaRamp> sent{};  ///< by the call under way
         std::optional<GammaRamp> shown{}; ///< nothing where that is unknown
-        int foreignTables = 0;            ///< seen in a row
+        int foreignTables = 0;            ///< seen since forgetShown()
         bool mustBeLookedAt = false;
         SdBusSlot call{}; ///< under way
     };
