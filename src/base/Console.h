@@ -9,8 +9,8 @@ namespace ambertide::console {
 /// the output has no room (full, closed, or a reader that does not read) is dropped.
 void print(std::string_view line);
 
-/// Hands lines to `sink` in place of standard output until called with an empty one. For tests; not while other threads
-/// print.
+/// From now on lines go to `sink` instead of standard output; an empty one undoes that. For tests; not while other
+/// threads print.
 void redirect(std::function<void(std::string_view)> sink);
 
 } // namespace ambertide::console

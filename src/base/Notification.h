@@ -8,7 +8,7 @@
 
 namespace ambertide {
 
-/// One post, as its observers see it. The sender is never told.
+/// A posted notification, as its observers receive it. It does not say who posted it.
 struct Notification
 {
     std::string name;

@@ -11,7 +11,7 @@
 namespace ambertide {
 
 /// The observers of one event. Main thread. Observers may register, unregister and notify from within a call; one that
-/// registers during a call is called from the next one on. Observations may outlive this object.
+/// registers during a notification is first called for the next. Observations may outlive this object.
 template <typename... Arguments>
 class Observers
 {

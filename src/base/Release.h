@@ -2,7 +2,7 @@
 
 namespace ambertide {
 
-/// For a std::unique_ptr to what a C library hands out: lets go of it by the library's function.
+/// Deleter of a std::unique_ptr to an object from a C library: frees it with the library's own function.
 template <auto release>
 struct Release
 {

@@ -18,7 +18,7 @@ struct CancellationError : std::exception
     const char *what() const noexcept override { return "the task was cancelled"; }
 };
 
-/// What a task's body can ask for. A cheap copy; belongs to one task.
+/// What the body of a task can ask about it and of its executor. Cheap to copy; belongs to one task.
 class TaskContext
 {
 public:
@@ -48,21 +48,22 @@ public:
         void await_resume() const {}
     };
 
-    /// `co_await sleep(d)`: goes on in the background after `d`. Throws CancellationError at once on cancellation.
+    /// `co_await sleep(d)`: continues in the background after `d`, or throws CancellationError as soon as the task is
+    /// cancelled.
     Sleep sleep(std::chrono::nanoseconds duration) const { return {m_task, duration}; }
 
-    /// `co_await onMain()`: goes on on the main thread. Does not look at cancellation.
+    /// `co_await onMain()`: continues on the main thread, even if the task has been cancelled.
     HopToMain onMain() const { return {m_task}; }
 
-    /// For the outermost coroutine, as its last act.
+    /// Called by the outermost coroutine, as its last act.
     void markEnded() const { m_task->hasEnded = true; }
 
 private:
     std::shared_ptr<TaskState> m_task;
 };
 
-/// Handle of an asynchronous task. Copyable; letting go of it neither cancels nor joins. Safe from any thread as long
-/// as one handle object is not written and read at once (TaskSlot is for that).
+/// Handle of an asynchronous task. Copyable; dropping it neither cancels the task nor waits for it. Any thread may use
+/// it, but one handle object must not be written while another thread uses it (TaskSlot is for that).
 class Task
 {
 public:
@@ -72,7 +73,8 @@ public:
 
     Task() = default;
 
-    /// Starts the body on the background executor. Both calls return before it runs.
+    /// Starts the body in the background. Neither this nor the next runs any of it itself: it runs later, or on another
+    /// thread.
     static Task start(TaskExecutor &executor, Body body);
     /// Starts the body on the main thread.
     static Task startOnMain(TaskExecutor &executor, Body body);
@@ -89,8 +91,8 @@ private:
     std::shared_ptr<TaskState> m_task;
 };
 
-/// Holds one task, for use from several threads. A task that is replaced is cancelled, so that only the stored one goes
-/// on.
+/// Holds one task, for use from several threads. A task that is replaced is cancelled, so that only the stored one
+/// continues.
 class TaskSlot
 {
 public:

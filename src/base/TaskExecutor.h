@@ -21,7 +21,7 @@ struct TaskState
     std::coroutine_handle<> frame;      ///< outermost coroutine of the body; written once, before the task is queued
 };
 
-/// A suspended task, waiting in some queue to go on.
+/// A suspended task, waiting in some queue to be resumed.
 ///
 /// Exactly one exists for a suspended task. Resuming it runs the task on the calling thread up to its next suspension;
 /// dropping it unresumed destroys the task and all that its body holds, so drop it outside of any lock.
@@ -44,7 +44,7 @@ private:
     std::coroutine_handle<> m_frame;
 };
 
-/// Port: the background on which tasks run, and their sense of time. Everything may be called from any thread.
+/// Port: runs tasks on a background thread and tells them the time. Everything may be called from any thread.
 class TaskExecutor
 {
 public:
@@ -56,13 +56,14 @@ public:
     /// Monotonic time since some moment in the past; stands still while the machine sleeps.
     virtual std::chrono::nanoseconds now() const = 0;
 
-    /// Runs it in the background after `delay` of that time, at once if it is negative or when the task is cancelled.
+    /// Runs it in the background after `delay`, measured by now(); at once if that is negative, and as soon as the task
+    /// is cancelled.
     virtual void resumeAfter(std::chrono::nanoseconds delay, Continuation continuation) = 0;
 
     /// Runs the continuation on the main thread, in order of the calls.
     virtual void resumeOnMain(Continuation continuation) = 0;
 
-    /// Ends a sleep of this task, which is marked as cancelled, before its time. Does nothing when it is not asleep.
+    /// Wakes this task, which has been marked as cancelled, if it is asleep.
     virtual void wakeCancelled(const TaskState &task) = 0;
 
     /// Puts the calling thread to sleep.

@@ -51,7 +51,7 @@ std::optional<std::int64_t> integerValue(const UserInfo &userInfo, std::string_v
     if (integer != nullptr)
         return *integer;
     const auto number = numberValue(userInfo, key);
-    // 2^63 itself is a double but no int64; the comparison also turns NaN away.
+    // 2^63 is a double that no int64 can hold. The comparison is written so that NaN fails it.
     constexpr double limit = 9223372036854775808.0;
     if (!number || !(*number >= -limit && *number < limit) || std::trunc(*number) != *number)
         return std::nullopt;

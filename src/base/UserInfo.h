@@ -19,17 +19,17 @@ struct OpaqueValue
 
 using UserInfoValue = std::variant<bool, std::int64_t, double, std::string, OpaqueValue>;
 
-/// What a notification carries beside its name.
+/// What a notification carries besides its name.
 using UserInfo = std::map<std::string, UserInfoValue, std::less<>>;
 
-/// The value under `key` as an integer: a whole number of either number kind that fits; nothing otherwise. A truth
-/// value is no number.
+/// The value under `key` if it is an integer, or a double that is whole and fits into one; else nothing. A bool does
+/// not count as a number.
 std::optional<std::int64_t> integerValue(const UserInfo &userInfo, std::string_view key);
 
-/// The value under `key` as a double: any number, finite or not; nothing otherwise.
+/// The value under `key` as a double if it is a number, finite or not; else nothing.
 std::optional<double> numberValue(const UserInfo &userInfo, std::string_view key);
 
-/// One line for people, at most a few hundred bytes whatever the content: `{}` or `{key = value, ...}`.
+/// One readable line, at most a few hundred bytes whatever the content: `{}` or `{key = value, ...}`.
 std::string describe(const UserInfo &userInfo);
 
 } // namespace ambertide

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int rampSteps = 60;
 constexpr auto rampInterval = 33'333'333ns;
-/// Where the first tint after neutral begins.
+/// Kelvin: where a ramp that leaves neutral begins.
 constexpr double entryTemperature = 5500;
 
 /// Not destroyed at exit: a signal may still come while the process ends.
@@ -30,9 +30,9 @@ SignalTarget &globalDisplayManagerForSignals()
     return *target;
 }
 
-/// The process blocks both signals everywhere but in one thread that holds no lock, so this may take locks itself, once
-/// it cannot be interrupted by the other signal. The process ends without waiting for the reset; what it leaves undone
-/// is made good from outside.
+/// Both signals are blocked in every thread but one that holds no lock. So this handler may take locks, once the other
+/// signal cannot interrupt it any more. It ends the process without waiting for the reset; others see to it that the
+/// displays are given back.
 void termSignalHandler(int /*signal*/)
 {
     std::signal(SIGTERM, SIG_IGN);
@@ -172,7 +172,7 @@ Async DisplayManager::transition(TaskContext context, double from, double to)
         m_isTransitioning = false;
         co_return;
     }
-    // A ramp that was cancelled after its last check changes nothing more, not even its flag.
+    // A ramp that was cancelled after its last check changes nothing more, not even m_isTransitioning.
     if (context.isCancelled())
         co_return;
     {
@@ -196,7 +196,7 @@ Async DisplayManager::smoothTransition(TaskContext context, double from, double 
     }
 
     const double step = (to - shown) / rampSteps;
-    auto next = m_executor.now(); // steps are counted from the start: a late one does not delay those after it
+    auto next = m_executor.now(); // when each step is due is counted from here, so a late one does not delay the rest
     for (int i = 0; i < rampSteps; ++i) {
         context.throwIfCancelled();
         shown = std::clamp(shown + step, minTemperature, maxTemperature);

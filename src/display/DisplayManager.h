@@ -35,18 +35,18 @@ public:
     DisplayManager(const DisplayManager &) = delete;
     DisplayManager &operator=(const DisplayManager &) = delete;
 
-    /// The committed temperature: that of the last ramp which came to its end, or 6500 after a reset.
+    /// The committed temperature: that of the last ramp that was completed, or 6500 after a reset.
     double temperature() const { return m_temperature; }
 
-    /// Whether the newest request that was not dropped was for `temperature`, as far as it can be shown.
+    /// Whether the newest request that was not dropped was for `temperature`, clamped to what can be shown.
     bool isShowing(double temperature);
 
-    /// Starts a ramp from what is shown now to `temperature`, held to 2000 to 6500, in place of the running one. Blocks
-    /// the caller for 50 ms. While a ramp runs, a request less than 100 K away from the committed temperature is
+    /// Starts a ramp from what is shown now to `temperature`, clamped to 2000 to 6500, in place of the running one.
+    /// Blocks the caller for 50 ms. While a ramp runs, a request less than 100 K away from the committed temperature is
     /// dropped.
     void setTemperature(double temperature);
 
-    /// Writes the committed temperature to all displays before it returns; does nothing at neutral.
+    /// Hands the tables of the committed temperature to all displays before it returns; does nothing at neutral.
     void reapplyCurrentTemperature();
 
     /// Ends the ramp and, in the background, gives the displays back and commits 6500. The next ramp still starts from
@@ -72,7 +72,7 @@ private:
     static constexpr double neutralTemperature = 6500;
     static constexpr double minTemperature = 2000;
     static constexpr double maxTemperature = 6500;
-    static constexpr double transitionDuration = 2; ///< seconds; not used: the steps and their interval decide
+    static constexpr double transitionDuration = 2; ///< seconds; not used: rampSteps and rampInterval decide
 
     DisplayServices &m_displays;
     TaskExecutor &m_executor;
@@ -82,7 +82,7 @@ private:
     double m_target = neutralTemperature;                   ///< of the newest ramp or reset
     const bool m_shouldRun = true;                          ///< not used
     bool m_isTransitioning = false;                         ///< a ramp has been scheduled and has not ended
-    std::mutex m_transitionLock; ///< guards the four above; never held across a display call or a suspension
+    std::mutex m_transitionLock; ///< guards the variables above; never held across a display call or a suspension
     TaskSlot m_transitionTask;   ///< the running ramp or the running reset
     TaskSlot m_maintenanceTask;
     Observation m_wakeObservation;

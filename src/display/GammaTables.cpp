@@ -13,8 +13,8 @@ struct ChannelFactors
     double blue;
 };
 
-/// A piecewise fit of black-body colour, every coefficient divided by 255. In the upper branch the scale belongs to
-/// green and red goes without one; that pairing is deliberate.
+/// A piecewise fit of black-body colour, every coefficient divided by 255. In the upper branch green is scaled and red
+/// is not; that pairing is deliberate.
 ChannelFactors channelFactors(double temperature)
 {
     const double hundreds = temperature / 100.0;

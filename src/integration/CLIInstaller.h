@@ -28,13 +28,14 @@ public:
     static void makeShared(const MainBundle &bundle, PrivilegedRunner &runner);
     static CLIInstaller &shared();
 
-    /// False as well for a link whose target has gone.
+    /// Also false for a link whose target is gone.
     bool isInstalled() const;
 
     /// Creates or replaces the link. Blocks until the administrator prompt has been answered and the command has ended:
     /// not for the main thread. Throws CLIError.
     void install();
-    /// The same for removing it. Without prompt or error when nothing is installed.
+    /// Removes the link; blocks and throws as install() does. Returns at once, without a prompt, if nothing is
+    /// installed.
     void uninstall();
 
 private:
@@ -48,7 +49,7 @@ class CLIInstaller::CLIError : public std::exception
 public:
     enum class Case { InstallationFailed, UninstallationFailed, BundleNotFound, ScriptCreationFailed };
 
-    /// The first two cases carry a message. One that is not known is said to be so.
+    /// The first two cases carry a message; without one the description says "Unknown error".
     explicit CLIError(Case code, const std::optional<QString> &message = {});
 
     Case code() const { return m_code; }

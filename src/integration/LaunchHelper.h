@@ -8,7 +8,7 @@ class LoginItem;
 class LaunchHelper
 {
 public:
-    /// Names under which a system that starts separate agents would know this one; registration needs neither.
+    /// Names of a separate agent that would start the application. Neither is used: it registers itself.
     static constexpr const char *launchAgentIdentifier = "me.tovanu.Ambertide";
     static constexpr const char *launchAgentFileName = "me.tovanu.Ambertide.plist";
 
@@ -19,7 +19,7 @@ public:
     static void makeShared(LoginItem &loginItem);
     static LaunchHelper &shared();
 
-    /// False as well for an item that the system cannot start or that was switched off elsewhere.
+    /// Also false for an item that the system cannot start or that was switched off elsewhere.
     bool isLaunchAtLoginEnabled() const;
 
     /// Switching on always renews the registration. A failure is printed and changes nothing else.

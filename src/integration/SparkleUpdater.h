@@ -20,7 +20,7 @@ public:
 
     /// Whether the build has an updater at all. Without one nothing below has an effect.
     bool isBuiltIn() const { return m_updaterController != nullptr; }
-    /// True as soon as the object exists, whatever the controller can do: a manual check explains what is wrong.
+    /// True as soon as the object exists, even where a check can only fail: a manual one then explains what is wrong.
     bool canCheckForUpdates() const { return m_canCheckForUpdates; }
     /// False where a check can only fail, because this build has no updater or names no usable feed or key.
     bool hasFeed() const { return isBuiltIn() && m_updaterController->canCheckForUpdates(); }
@@ -29,7 +29,7 @@ public:
 
     void checkForUpdates();
 
-    /// `willChange` is called before a property changes.
+    /// `willChange` is called before automaticallyChecksForUpdates() changes.
     Observation observe(std::function<void()> willChange) { return m_observers.observe(std::move(willChange)); }
 
 private:

@@ -8,7 +8,7 @@
 namespace ambertide {
 
 /// Port: how the user wants programs to look. Main thread. Until the system has answered, and where it has no such
-/// settings, nothing is preferred.
+/// settings, there is no preference.
 class Appearance
 {
 public:
@@ -19,11 +19,11 @@ public:
     virtual ColorScheme colorScheme() const = 0;
     virtual bool prefersHighContrast() const = 0;
     virtual bool prefersReducedMotion() const = 0;
-    /// Family, styles and points of what the user has set since the start, as in "Noto Sans Bold 12", where the toolkit
-    /// does not follow such changes; else empty.
+    /// The font that the user has chosen since this program started, if the toolkit does not follow such a change by
+    /// itself; else empty. Family, styles and size in points, as in "Noto Sans Bold 12".
     virtual std::string changedFont() const = 0;
 
-    /// `changed` is called after any of them changed.
+    /// `changed` is called after any of the above has changed.
     virtual Observation observe(std::function<void()> changed) = 0;
 };
 

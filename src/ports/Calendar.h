@@ -29,8 +29,8 @@ public:
     virtual Date now() const = 0;
     /// The local time of day at that point in time; both parts unknown when it cannot be expressed.
     virtual DateComponents timeOfDay(Date date) const = 0;
-    /// A point in time with that local time of day, on a day that is the same at each call. Nothing when there is no
-    /// such time.
+    /// A point in time with that local time of day, on the same day at every call. Nothing if that day has no such
+    /// time.
     virtual std::optional<Date> date(const DateComponents &timeOfDay) const = 0;
 };
 

@@ -29,9 +29,9 @@ struct GammaTables
 struct TintRefusal
 {
     enum class Reason {
-        Desktop,  ///< it lets no program tint displays
-        Displays, ///< none of them has tables that can be set
-        Suspended ///< it is what tints them, and has suspended that
+        Desktop,  ///< the desktop lets no program tint displays
+        Displays, ///< no display has tables that can be set
+        Suspended ///< it is the desktop that tints the displays, and it has suspended that
     };
     Reason reason = Reason::Desktop;
     std::string details; ///< a line in English, for logs and terminals
@@ -49,21 +49,21 @@ public:
     /// The displays that show a picture now.
     virtual std::vector<DisplayIdentifier> activeDisplays() = 0;
 
-    /// Gives each of the displays, in this order, the three tables. A display that comes, wakes or changes later is
-    /// given the newest tables at once.
+    /// Sets the three tables of each of these displays, in this order. A display that appears, wakes or changes later
+    /// gets the newest tables at once.
     virtual void setTransferTables(std::span<const DisplayIdentifier> displays, const GammaTables &tables) = 0;
 
-    /// Gives every display, whether it shows a picture or not, the system's own colours.
+    /// Gives every display the system's own colours, whether or not it shows a picture.
     virtual void restoreSystemColours() = 0;
 
-    /// A ramp begins now that ends with the tables `target`, or with the system's own colours where there are none. For
-    /// systems that make ramps by themselves.
+    /// Announces that a ramp begins which will end with the tables `target`, or with the system's own colours if that
+    /// is empty. For systems that make ramps by themselves.
     virtual void beginRamp(const std::optional<GammaTables> & /*target*/) {}
 
-    /// Nothing where displays can be tinted, and until that is known.
+    /// Why displays cannot be tinted; nothing if they can, or while that is not known yet.
     virtual std::optional<TintRefusal> refusal() { return std::nullopt; }
 
-    /// False while a tint would stay if this process were killed.
+    /// False while a tint would remain on the displays if this process were killed.
     virtual bool isGuarded() { return true; }
 };
 

@@ -8,7 +8,7 @@ class HapticPerformer
 public:
     virtual ~HapticPerformer() = default;
 
-    /// A value has crossed a detent or a switch has been thrown. Returns at once, also where nothing is felt.
+    /// For a value that crosses a detent or a switch that is thrown. Returns at once, even where nothing can be felt.
     virtual void performLevelChange() = 0;
 };
 

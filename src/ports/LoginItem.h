@@ -21,10 +21,10 @@ public:
 
     virtual LoginItemStatus status() const = 0;
 
-    /// Switches an item that was switched off on again. Returns why it failed, a text for a person; nothing on success.
+    /// Also switches on an item that was switched off. On failure returns the reason as a readable text.
     [[nodiscard]] virtual std::optional<std::string> registerItem() = 0;
 
-    /// As above. That nothing was registered is a failure.
+    /// Returns the same. It is a failure if nothing was registered.
     [[nodiscard]] virtual std::optional<std::string> unregisterItem() = 0;
 };
 

@@ -11,7 +11,7 @@ namespace ambertide {
 
 struct RunningApplication
 {
-    std::int64_t processIdentifier = 0; ///< 0 when the system does not tell
+    std::int64_t processIdentifier = 0; ///< 0 if the system does not tell it
 };
 
 /// Port: the running copies of an application in this user's session. Main thread; every call returns within a second,
@@ -21,14 +21,15 @@ class RunningApplications
 public:
     virtual ~RunningApplications() = default;
 
-    /// All running copies, this one among them. Where copies cannot be told (no session service), this one alone. Of
-    /// copies that ask at the same moment exactly one finds no other.
+    /// All running copies, including this one; only this one where the system cannot tell (no session service). If
+    /// several copies ask at the same moment, exactly one of them finds no other.
     virtual std::vector<RunningApplication> withIdentifier(std::string_view bundleIdentifier) = 0;
 
-    /// Called when another copy may have become the running one: the session service was lost and has returned.
+    /// `handler` is called when another copy may have become the running one, because the session service was lost and
+    /// has come back.
     virtual Observation observeOthers(std::function<void()> /*handler*/) { return {}; }
 
-    /// Asks that copy to come to the front, ignoring other applications. Fire and forget.
+    /// Asks that copy to come to the front, whichever application is active. Does not learn whether it did.
     virtual void activate(const RunningApplication &application) = 0;
 
     virtual std::int64_t currentProcessIdentifier() const = 0;

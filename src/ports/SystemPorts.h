@@ -24,7 +24,7 @@ struct SystemPorts
 {
     DisplayServices &displays;
     TaskExecutor &executor;
-    /// A thread of its own, for what may wait minutes for a person.
+    /// Has a thread of its own, for work that may wait minutes for the user.
     TaskExecutor &installerExecutor;
     UserDefaults &userDefaults;
     DistributedNotificationCenter &distributedNotifications;
@@ -39,7 +39,7 @@ struct SystemPorts
     HapticPerformer &haptics;
     PanelPlacement &placement;
     TrayIconFactory createTrayIcon;
-    bool isStartedByPerson; ///< not with the session
+    bool isStartedByPerson; ///< and not by the session at login
 };
 
 } // namespace ambertide

@@ -6,7 +6,7 @@
 
 namespace ambertide {
 
-/// Port: tells when the machine has woken from sleep, and once more a second and three seconds later, since some
+/// Port: calls its observers when the machine has woken from sleep, and again one and three seconds later, since some
 /// displays come up after the machine. Main thread. Silent on systems that cannot tell.
 class SystemWake
 {

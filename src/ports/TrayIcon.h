@@ -13,25 +13,25 @@ namespace ambertide {
 /// One line of the tray icon's context menu.
 struct TrayMenuItem
 {
-    std::string text; ///< UTF-8, in the user's language, without mnemonics; empty for a separating line
+    std::string text; ///< UTF-8, in the user's language, without mnemonics; empty for a separator
     bool isEnabled = true;
     std::function<void()> activate;
 };
 
-/// Port: the application's icon among the status icons of the desktop's panel. Main thread, callbacks as well: they
-/// must not run an event loop of their own. The icon goes with the object.
+/// Port: the application's icon among the status icons of the desktop's panel. Main thread, also for the callbacks,
+/// which must not run an event loop of their own. Destroying the object removes the icon.
 class TrayIcon
 {
 public:
     enum class Presence {
         Pending, ///< the desktop may still be starting
         Shown,
-        Nowhere ///< the desktop has no place for it; one that comes up later is taken, and the presence changes
+        Nowhere ///< the desktop shows no such icons; if it begins to, this one appears and the presence changes
     };
 
     struct Callbacks
     {
-        /// A click, or Return on the icon. `place` is where on the desktop, in logical pixels, if the panel tells.
+        /// A click, or Return on the icon. `place` is its position on the desktop in logical pixels, if that is known.
         std::function<void(std::optional<QPoint> place)> activated;
         std::function<void()> presenceChanged;
     };
@@ -39,10 +39,10 @@ public:
     virtual ~TrayIcon() = default;
 
     virtual Presence presence() const = 0;
-    /// Replaces the context menu, also while it is open. Where the desktop lets a click do nothing but open the menu,
-    /// an entry before these does what a click would.
+    /// Replaces the context menu, even while it is open. Where a click can only open the menu, an entry is put first
+    /// that does what a click does elsewhere.
     virtual void setMenu(std::vector<TrayMenuItem> items) = 0;
-    /// One line, UTF-8, beside the application's name.
+    /// One line of UTF-8, shown with the application's name.
     virtual void setToolTip(std::string text) = 0;
 };
 

@@ -7,22 +7,22 @@
 
 namespace ambertide {
 
-/// A package and what the feed says of it.
+/// A package and what the feed says about it.
 struct UpdatePackage
 {
     std::filesystem::path path;
     std::string signature; ///< base64
-    std::string version;   ///< the one that people read
+    std::string version;   ///< as shown to the user
 };
 
-/// Port: puts a new version of this application in the place of the present one, as administrator. Main thread.
+/// Port: replaces this application with a new version, with administrator rights. Main thread.
 class UpdateInstaller
 {
 public:
     enum class Outcome {
         Installed = 0,
-        Dismissed,     ///< the person closed the prompt for a password
-        NotAuthorised, ///< not allowed, or nothing here can ask for a password
+        Dismissed,     ///< the user closed the prompt for a password
+        NotAuthorised, ///< the user may not do this, or this system has nothing that asks for a password
         BadSignature,
         WrongPackage, ///< of another program, for another machine, or of another version than the feed says
         NotNewer,
@@ -39,9 +39,9 @@ public:
 
     virtual ~UpdateInstaller() = default;
 
-    /// Whoever installs verifies the signature itself, over the very bytes that it installs. Returns at once; `done` is
-    /// called once, on the main thread, unless the installer is destroyed before. An installation that has begun goes
-    /// on even then. Not while another is under way.
+    /// What runs as administrator verifies the signature itself, over the very bytes that it installs. Returns at once;
+    /// `done` is called once, on the main thread, unless the installer is destroyed first. Even then an installation
+    /// that has begun is finished. Not to be called while another is under way.
     virtual void install(const UpdatePackage &package, std::function<void(Result)> done) = 0;
 };
 

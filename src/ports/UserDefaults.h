@@ -17,9 +17,9 @@ public:
     virtual ~UserDefaults() = default;
 
     virtual bool hasObject(std::string_view key) = 0;
-    /// 0 when absent or no number.
+    /// 0 when absent or not a number.
     virtual double doubleValue(std::string_view key) = 0;
-    /// False when absent or no truth value.
+    /// False when absent or not a bool.
     virtual bool boolValue(std::string_view key) = 0;
     /// The raw bytes; nothing when absent.
     virtual std::optional<std::string> data(std::string_view key) = 0;
@@ -29,11 +29,11 @@ public:
     virtual void setBool(std::string_view key, bool value) = 0;
     virtual void setData(std::string_view key, std::string_view bytes) = 0;
 
-    /// Has what is still waiting written now, and waits until that was tried or `limit` has passed, whatever the store
+    /// Has pending changes written now. Returns when that has been tried or `limit` has passed, whatever else the store
     /// is doing at the time.
     virtual void flush(std::chrono::milliseconds limit) = 0;
 
-    /// The file in which changes cannot be kept at present; nothing while they can.
+    /// The file that changes should go to, if they cannot be saved in it at present; else nothing.
     virtual std::optional<std::string> unusableFile() { return std::nullopt; }
 };
 

@@ -15,11 +15,11 @@ inline constexpr char temperatureResponse[] = "Ambertide.TemperatureResponse";
 inline constexpr char instance[] = "com.ambertide.instance";
 inline constexpr char checkScheduleNow[] = "CheckScheduleNow";
 
-/// Kelvin, under this key of the user info.
+/// Key of the user info: the temperature in kelvin.
 inline constexpr char temperatureKey[] = "temperature";
 
-/// A line in English, under this key of the response: why the displays do not show the temperature. Absent where they
-/// do.
+/// Key of the response's user info: a line in English saying why the displays do not show the temperature. Absent if
+/// they do.
 inline constexpr char refusalKey[] = "refusal";
 
 inline Notification withoutUserInfo(std::string name) { return {std::move(name), std::nullopt}; }
@@ -29,13 +29,13 @@ inline Notification withTemperature(std::string name, std::int64_t kelvin)
     return {std::move(name), UserInfo{{temperatureKey, kelvin}}};
 }
 
-/// Nothing when there is none or it is no whole number. The range is not looked at.
+/// Nothing when it is absent or not a whole number. The range is not checked.
 inline std::optional<std::int64_t> integerTemperature(const Notification &notification)
 {
     return notification.userInfo ? integerValue(*notification.userInfo, temperatureKey) : std::nullopt;
 }
 
-/// Nothing when there is none or it is no number. The range is not looked at.
+/// Nothing when it is absent or not a number. The range is not checked.
 inline std::optional<double> anyTemperature(const Notification &notification)
 {
     return notification.userInfo ? numberValue(*notification.userInfo, temperatureKey) : std::nullopt;
