@@ -21,7 +21,7 @@ double roundedToStep(double temperature)
     return std::round(temperature / AppViewModel::temperatureStep) * AppViewModel::temperatureStep;
 }
 
-/// False for what is no number, too.
+/// Also false for NaN.
 bool isInRange(double temperature)
 {
     return temperature >= AppViewModel::minTemperature && temperature <= AppViewModel::maxTemperature;
@@ -88,7 +88,7 @@ void AppViewModel::applyTemperatureWithDebounce()
 
 void AppViewModel::applyTemperatureImmediately()
 {
-    // One on its way will take the newest temperature along; a flood of requests must not queue up 50 ms each.
+    // A pending apply takes the newest temperature when it runs. They must not queue up, since each blocks for 50 ms.
     if (std::exchange(m_isImmediateApplyPending, true))
         return;
     Task::startOnMain(m_ports.executor, [weak = std::weak_ptr(m_self)](TaskContext) -> Async {
@@ -104,7 +104,7 @@ bool AppViewModel::scheduleEnabled() const { return m_ports.userDefaults.boolVal
 
 void AppViewModel::setScheduleEnabled(bool enabled)
 {
-    // Another writer may have stored it, and then it has not been followed yet.
+    // If another writer has stored the flag, the timer does not follow it yet.
     const bool isStored = scheduleEnabled() == enabled;
     const bool isFollowed = isScheduleFollowed() == enabled;
     if (!isStored)
@@ -203,7 +203,7 @@ void AppViewModel::manualScheduleCheck()
         setScheduleEnabled(isEnabled);
     if (isEnabled)
         checkSchedule();
-    // The display manager drops a request during a ramp that comes near to where that began.
+    // The display manager drops a request that comes during a ramp and is close to the ramp's start.
     if (!m_displayManager->isShowing(m_temperature))
         applyTemperatureImmediately();
 }
@@ -212,7 +212,7 @@ void AppViewModel::handleTemperatureUpdate(const Notification &notification)
 {
     const auto requested = notifications::anyTemperature(notification);
     const double target = requested ? *requested : m_ports.userDefaults.doubleValue(defaults::temperature);
-    // One on its way takes the newest along.
+    // A pending task takes the newest request when it runs, so one is enough.
     if (!acceptsRequest(target) || std::exchange(m_requested, target))
         return;
     Task::startOnMain(m_ports.executor, [weak = std::weak_ptr(m_self)](TaskContext) -> Async {
@@ -224,7 +224,7 @@ void AppViewModel::handleTemperatureUpdate(const Notification &notification)
 
 void AppViewModel::handleTemperatureRequest()
 {
-    // The schedule may have set anything that a double holds.
+    // A temperature from the schedule is not checked for its range.
     const auto kelvin = static_cast<std::int64_t>(std::clamp(m_temperature, -1e18, 1e18));
     auto response = notifications::withTemperature(notifications::temperatureResponse, kelvin);
     if (const auto refusal = tintRefusal())

@@ -21,7 +21,7 @@ constexpr QLatin1String timeKey("time");
 constexpr QLatin1String temperatureKey("temperature");
 constexpr QLatin1String isEnabledKey("isEnabled");
 
-/// The canonical form alone, 8-4-4-4-12 hexadecimal digits in either case.
+/// Accepts only the canonical form, 8-4-4-4-12 hexadecimal digits in either case.
 std::optional<QUuid> decodeIdentifier(const QJsonValue &value)
 {
     const auto text = value.toString();
@@ -31,7 +31,7 @@ std::optional<QUuid> decodeIdentifier(const QJsonValue &value)
     return identifier;
 }
 
-/// The name of the first member that is missing or of another type; empty when `entry` has been read.
+/// The name of the first member that is missing or of the wrong type; empty when `entry` has been read.
 QLatin1String decodeEntry(const QJsonObject &object, ScheduleEntry &entry)
 {
     const auto identifier = decodeIdentifier(object.value(idKey));

@@ -41,14 +41,14 @@ struct DecodedSchedule
 /// UTC), "temperature" (kelvin) and "isEnabled".
 std::string encodeSchedule(std::span<const ScheduleEntry> entries);
 
-/// Reads the stored form. All four members must be there with their types, in every entry, or nothing is read.
+/// Reads the stored form. Nothing is read unless every entry has all four members with the right types.
 DecodedSchedule decodeSchedule(std::string_view bytes);
 
 /// Orders by local time of day; entries of the same time keep their order.
 void sortByTimeOfDay(std::vector<ScheduleEntry> &entries, const Calendar &calendar);
 
-/// The enabled entry whose time was reached last, the day's order being that of sortByTimeOfDay; before the first of
-/// the day it is the last of the day before. Nothing when no entry is enabled.
+/// The enabled entry whose time of day was reached last; of several at the same time, the last in `entries`. Before the
+/// first of the day it is the last one, in force since the day before. Nothing when no entry is enabled.
 std::optional<ScheduleEntry> entryInForce(std::vector<ScheduleEntry> entries, const DateComponents &now,
                                           const Calendar &calendar);
 

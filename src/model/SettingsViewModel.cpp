@@ -103,7 +103,7 @@ void SettingsViewModel::publishScheduleEntries()
 
 void SettingsViewModel::saveScheduleEntries()
 {
-    // JSON has no such numbers, and a schedule that cannot be read again would be lost as a whole.
+    // JSON has neither infinity nor NaN, and a schedule that cannot be read again would be lost as a whole.
     const auto isStorable = [](const ScheduleEntry &entry) {
         return std::isfinite(entry.time.secondsSinceReference) && std::isfinite(entry.temperature);
     };

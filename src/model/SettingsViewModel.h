@@ -16,8 +16,8 @@ namespace ambertide {
 /// What the Settings window shows and edits. It alone writes the stored schedule, and has the application's model look
 /// at it after every change.
 ///
-/// Main thread, one instance a window. Temperatures are in kelvin. Entries are in the day's order after every change
-/// here; those that were loaded are in the order in which they are stored.
+/// Main thread, one instance for each window. Temperatures are in kelvin. Entries are in order of their time of day
+/// after every change made here; after loading they are in the order in which they are stored.
 class SettingsViewModel final : public QObject
 {
     Q_OBJECT
@@ -45,27 +45,27 @@ public:
 
     /// What the switch shows: at first whether the system starts this application, from then on what was set here.
     bool launchAtLogin() const { return m_launchAtLogin; }
-    /// Registers nothing.
+    /// Only changes what the switch shows; registers nothing.
     void setLaunchAtLogin(bool enabled);
 
     /// The stored flag, whoever wrote it.
     bool scheduleEnabled() const;
-    /// Stores the flag, has it followed at once and reads the schedule again.
+    /// Stores the flag, has the application's model act on it at once, and reads the schedule again.
     void updateScheduleEnabled(bool enabled);
 
     const std::vector<ScheduleEntry> &scheduleEntries() const { return m_scheduleEntries; }
-    /// Reads the stored schedule. What cannot be read is reported, shows as empty and stays stored until the next
-    /// change.
+    /// Reads the stored schedule. One that cannot be read is reported and shown as empty, but stays in the store until
+    /// the next change.
     void loadSettings();
     void saveSettings() {} ///< does nothing: every change is stored as it is made
-    /// An enabled entry; without a time, at noon.
+    /// Adds an enabled entry, at noon if no time is given.
     void addScheduleEntry(double temperature, std::optional<Date> time = {});
     /// Replaces the first entry with the same identifier, if there is one.
     void updateScheduleEntry(const ScheduleEntry &entry);
-    /// Positions beyond the last entry are passed over.
+    /// Positions beyond the last entry are ignored.
     void deleteScheduleEntry(const std::set<std::size_t> &positions);
 
-    /// The enabled entry that counts at that moment, whether or not the schedule is switched on.
+    /// The entry in force at the time of day of `now`, whether or not the schedule is switched on.
     std::optional<QUuid> activeEntry(Date now) const;
 
 Q_SIGNALS:

@@ -10,17 +10,18 @@ namespace ambertide {
 
 namespace {
 
-// The parser compares each attribute with the others of its tag, and each tag with all namespaces around it.
+// The parser compares each attribute with the others of its tag, and each tag with all namespaces around it: its time
+// grows with the square of their number.
 constexpr qsizetype mostTags = 20000;
 constexpr qsizetype mostAttributes = 5000;
 
 const auto appcastNamespace = QStringLiteral("http://www.andymatuschak.org/xml-namespaces/sparkle");
 
-/// What makes a parser do far more work than the text is long; empty when there is nothing of the kind. Characters are
-/// counted wherever they stand, so that nothing can hide among them.
+/// What in the text would make the parser do far more work than the text's length justifies; empty if nothing would.
+/// Characters are counted wherever they are, even in comments, so that none can hide from the count.
 QString problemBeforeParsing(const QString &text)
 {
-    // The parser reads it whole, entities included, before it can be refused.
+    // The parser would read the whole declaration, entities included, before it could be refused.
     if (text.contains(QLatin1String("<!DOCTYPE")))
         return QStringLiteral("it declares a document type");
     if (text.count(u'<') > mostTags || text.count(u'=') > mostAttributes)
@@ -28,8 +29,7 @@ QString problemBeforeParsing(const QString &text)
     return {};
 }
 
-/// Reads a feed element by element, what it does not know without a call for each level, so that nesting costs no
-/// stack.
+/// Reads a feed element by element. Unknown elements are skipped without recursion, so deep nesting takes no stack.
 class AppcastReader
 {
 public:
@@ -82,7 +82,7 @@ private:
     {
         item.packageLink = QUrl(m_xml.attributes().value(QLatin1String("url")).toString(), QUrl::StrictMode);
         item.signature = attribute("edSignature");
-        // An item's own element counts before the attribute, whichever comes first.
+        // An element of the item takes precedence over the enclosure's attribute, whichever comes first.
         const auto fill = [this](QString &field, const char *name) {
             if (field.isEmpty())
                 field = attribute(name);

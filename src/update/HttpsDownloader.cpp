@@ -21,7 +21,7 @@ Kind kindOf(const QNetworkReply &reply)
     switch (reply.error()) {
     case QNetworkReply::InsecureRedirectError:
         return Kind::NotSecure;
-    case QNetworkReply::OperationCanceledError: // by the transfer timeout: cancel() does not listen any more
+    case QNetworkReply::OperationCanceledError: // by the transfer timeout, since cancel() disconnects from the reply
         return Kind::TimedOut;
     default: // a redirect that leads nowhere has a status, too
         return statusOf(reply) >= 300 ? Kind::ServerError : Kind::Unreachable;
@@ -54,7 +54,7 @@ void HttpsDownloader::start(const QUrl &location, QIODevice &sink, const Downloa
     request.setMaximumRedirectsAllowed(mostRedirects);
     request.setTransferTimeout(static_cast<int>(limits.idle.count()));
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false); // HTTP/1.1 is enough for one file
-    // A compressed answer could unpack to far more than what came; setting the header also turns unpacking off.
+    // A compressed answer could unpack to far more than was sent. Setting this header also makes Qt unpack nothing.
     request.setRawHeader("Accept-Encoding", "identity");
     request.setRawHeader("User-Agent", "Ambertide");
     m_total.start(limits.total);
@@ -65,7 +65,7 @@ void HttpsDownloader::start(const QUrl &location, QIODevice &sink, const Downloa
     connect(m_reply, &QNetworkReply::finished, this, &HttpsDownloader::end);
 }
 
-/// Leaves the reply to the event loop, where its end closes the connection: this may run inside one of its signals.
+/// Has the event loop delete the reply, which closes the connection: this may run inside one of the reply's signals.
 void HttpsDownloader::cancel()
 {
     m_total.stop();

@@ -23,11 +23,11 @@ enum class TransportSecurity {
 struct DownloadLimits
 {
     qint64 mostBytes = 0;
-    std::chrono::milliseconds idle = std::chrono::seconds(30); ///< without a byte, from the connection on
+    std::chrono::milliseconds idle = std::chrono::seconds(30); ///< without a single byte, connecting included
     std::chrono::milliseconds total = std::chrono::minutes(2);
 };
 
-/// Fetches one file at a time over HTTPS, with as few redirects as a server needs, all of them to HTTPS.
+/// Fetches one file at a time over HTTPS. Follows a few redirects, to HTTPS only.
 ///
 /// Main thread. Holds no more than a few pieces of the body in memory. Ends with exactly one of finished() and
 /// failed(), which may come from within start(); with neither after cancel().
@@ -39,13 +39,13 @@ public:
     explicit HttpsDownloader(TransportSecurity security);
     ~HttpsDownloader() override;
 
-    /// Ends what is under way. `sink` is open for writing and outlives the download; after a failure it may hold a
-    /// part.
+    /// Cancels what is under way. `sink` must be open for writing and outlive the download; after a failure it may hold
+    /// a part of the file.
     void start(const QUrl &location, QIODevice &sink, const DownloadLimits &limits);
     void cancel();
 
 Q_SIGNALS:
-    /// `expected` is 0 when the server does not tell.
+    /// `expected` is 0 when the server does not announce the size.
     void progressed(qint64 received, qint64 expected);
     void finished();
     void failed(const ambertide::UpdateFailure &failure);

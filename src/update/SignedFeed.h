@@ -19,7 +19,8 @@ struct SignedFeed
     Date signedAt;
     Date validUntil;
 
-    /// Nothing unless the bytes end with such a line, with two times and the signature of a key. Any thread.
+    /// Nothing unless the bytes end with such a line, with two valid times and a signature that `verifier` accepts. Any
+    /// thread.
     static std::optional<SignedFeed> read(const QByteArray &bytes, const SignatureVerifier &verifier);
 };
 

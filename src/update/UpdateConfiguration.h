@@ -11,7 +11,7 @@
 
 namespace ambertide {
 
-/// Where updates are announced, whom to believe, and what runs now.
+/// Where updates are announced, whose signatures count, and which version is running.
 struct UpdateConfiguration
 {
     QUrl feed;
@@ -22,7 +22,7 @@ struct UpdateConfiguration
     /// From "SUFeedURL", "SUPublicEDKey" and the version values of the bundle's information.
     static UpdateConfiguration fromBundle(const MainBundle &bundle);
 
-    /// Whether there is all that a check cannot do without.
+    /// Whether everything that a check needs is there.
     bool isComplete() const;
 };
 

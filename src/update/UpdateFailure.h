@@ -14,13 +14,13 @@ struct UpdateFailure
         TimedOut,
         ServerError, ///< the server answered with an error
         TooLarge,
-        FeedUnreadable, ///< not signed with a key over these bytes, or no feed
-        FeedOutdated,   ///< older than one that was seen before, or beyond its term
-        BadSignature,   ///< of the package: none, malformed, or not made with a key over these bytes
+        FeedUnreadable, ///< these bytes are not signed with a key of ours, or are not a feed
+        FeedOutdated,   ///< older than one that was seen before, or no longer valid
+        BadSignature,   ///< of the package: missing, malformed, or not made with a key of ours over these bytes
         CannotStore,    ///< no room or no right to keep the package
         NotAuthorised,
-        WrongPackage, ///< another one than the feed announced
-        NotNewer,     ///< than what has been installed meanwhile
+        WrongPackage, ///< not the one that the feed announced
+        NotNewer,     ///< not newer than what has been installed meanwhile
         NotAPackage,  ///< this application was not installed as one
         Busy,         ///< something else is being installed
         CannotInstall,

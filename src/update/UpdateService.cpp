@@ -12,13 +12,13 @@ namespace {
 constexpr std::string_view lastCheckKey = "SULastCheckTime"; // seconds since the reference date
 constexpr double shortestInterval = 3600;                    // seconds
 
-// A sleep does not count the time that the machine is suspended, hence the look at the clock once an hour.
+// A sleep does not count the time that the machine is suspended, so the clock is looked at once an hour.
 constexpr std::chrono::duration<double> longestSleep = std::chrono::hours(1);
 constexpr std::chrono::duration<double> shortestSleep = std::chrono::minutes(1);
 
 } // namespace
 
-/// What one owner of a controller has set.
+/// Holds what its owner has set, and runs the automatic checks that this asks for.
 class UpdateService::Controller final : public UpdaterController
 {
 public:
@@ -81,13 +81,13 @@ void UpdateService::check(UpdateSession::Origin origin)
     m_session->start();
 }
 
-/// 0 when a check is due: also where there was none yet, or one in the future.
+/// 0 when a check is due, which it also is when there has been none yet or the last one lies in the future.
 double UpdateService::secondsUntilCheck(double interval) const
 {
     if (!m_defaults.hasObject(lastCheckKey))
         return 0;
     const double elapsed = m_calendar.now().secondsSinceReference - m_defaults.doubleValue(lastCheckKey);
-    // Written so that what is not a number counts as too short.
+    // Written so that NaN counts as too short.
     const double wanted = interval > shortestInterval ? interval : shortestInterval;
     return elapsed >= 0 && elapsed < wanted ? wanted - elapsed : 0;
 }
@@ -111,7 +111,7 @@ void UpdateService::follow()
         m_view = m_createView(*m_session);
     if (m_session->state() != UpdateSession::State::Ended)
         return;
-    // The end comes out of a call by the session or its window, so they go when that call has returned.
+    // This runs inside a call by the session or its window, so they are destroyed when that has returned.
     QMetaObject::invokeMethod(
         &m_context,
         [this] {

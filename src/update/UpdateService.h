@@ -13,19 +13,19 @@ namespace ambertide {
 /// Creates the windows for a session, which outlives them, and shows them.
 using UpdateViewFactory = std::function<std::unique_ptr<QObject>(UpdateSession &)>;
 
-/// Answers UpdaterController over a signed appcast feed. Runs at most one session at a time, for all controllers of
+/// Implements UpdaterController over a signed appcast feed. Runs at most one session at a time, for all controllers of
 /// this process: closing the Settings window must not end a download that was begun there. Main thread.
 class UpdateService final
 {
 public:
-    /// All that is passed by reference must outlive the service.
+    /// Everything passed by reference must outlive the service.
     UpdateService(UpdateConfiguration configuration, UserDefaults &defaults, const Calendar &calendar,
                   TaskExecutor &executor, UpdateInstaller &installer, UpdateViewFactory createView);
     ~UpdateService();
     UpdateService(const UpdateService &) = delete;
     UpdateService &operator=(const UpdateService &) = delete;
 
-    /// The service must outlive it.
+    /// The service must outlive the controller.
     std::unique_ptr<UpdaterController> createController();
     void check(UpdateSession::Origin origin);
 
@@ -46,7 +46,7 @@ private:
     UserDefaults &m_defaults; ///< holds the time of the last check
     std::unique_ptr<UpdateSession> m_session;
     std::unique_ptr<QObject> m_view;
-    QObject m_context; ///< of the calls that come back from the session and the event loop
+    QObject m_context; ///< receives the calls from the session and the event loop, and is destroyed first
 };
 
 } // namespace ambertide

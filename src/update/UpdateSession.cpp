@@ -18,10 +18,11 @@ namespace {
 constexpr qsizetype longestVersion = 40;
 constexpr qint64 mostPackageBytes = qint64{128} * 1024 * 1024;
 constexpr std::string_view skippedVersionKey = "SUSkippedVersion";
-constexpr std::string_view newestFeedKey = "Ambertide.NewestFeed"; // when it was signed, since the reference date
-constexpr std::string_view feedTermKey = "Ambertide.FeedTerm";     // when that one's ends; 0 once a person was told
+// Both in seconds since the reference date.
+constexpr std::string_view newestFeedKey = "Ambertide.NewestFeed"; // when the newest feed seen was signed
+constexpr std::string_view feedTermKey = "Ambertide.FeedTerm";     // when its validity ends; 0 once the user was told
 
-/// A foreign text that fits into a sentence.
+/// Foreign text, shortened to fit into a sentence.
 QString shortText(const QString &text) { return displayableText(text.simplified()).left(longestVersion); }
 
 bool isPlainTextFile(const QUrl &location)
@@ -53,7 +54,7 @@ void UpdateSession::start()
     if (m_state != State::Checking && m_state != State::Failed)
         return;
     if (m_state == State::Failed)
-        m_origin = Origin::Manual; // a person tries again
+        m_origin = Origin::Manual; // it is the user who tries again
     if (m_origin == Origin::Manual)
         m_defaults.setData(skippedVersionKey, {});
     m_feed.close();
@@ -100,7 +101,7 @@ std::optional<UpdateFailure::Kind> UpdateSession::problemWithFeed()
     return std::nullopt;
 }
 
-/// Whether no valid feed has come since the newest one's term ended. True once for each feed.
+/// Whether the newest feed has ceased to be valid and no newer one has come. True once for each feed.
 bool UpdateSession::isOverdue()
 {
     const double term = m_defaults.doubleValue(feedTermKey);

@@ -15,16 +15,16 @@
 
 namespace ambertide {
 
-/// One check for an update and what follows from it, from the question to the installed package. Windows show its state
-/// and pass on what the person decides; a decision that does not fit the state is ignored. Main thread.
+/// One check for an update and what follows from it, up to the installed package. Windows show its state and pass on
+/// what the user decides; a decision that does not fit the state is ignored. Main thread.
 class UpdateSession final : public QObject
 {
     Q_OBJECT
 
 public:
     enum class Origin {
-        Manual,   ///< a person asked: every state is worth showing
-        Automatic ///< worth showing are an update that was found and, once, that valid feeds have stopped coming
+        Manual,   ///< the user asked: every state is worth showing
+        Automatic ///< only an update that was found is worth showing, and once that valid feeds have stopped coming
     };
     enum class State {
         Checking,
@@ -38,35 +38,35 @@ public:
         Ended
     };
 
-    /// All that is passed by reference must outlive the session.
+    /// Everything passed by reference must outlive the session.
     UpdateSession(const UpdateConfiguration &configuration, UserDefaults &defaults, const Calendar &calendar,
                   UpdateInstaller &installer, Origin origin);
 
-    /// Also begins anew after a failure.
+    /// Starts the check; after a failure, starts it again.
     void start();
-    /// A person asked while a check is under way.
+    /// To be called when the user asks for a check while this session is under way.
     void makeManual();
 
     State state() const { return m_state; }
     bool isWorthShowing() const;
     const RunningVersion &running() const { return m_configuration.running; }
-    const AppcastItem &item() const { return m_item; } ///< from Found on
+    const AppcastItem &item() const { return m_item; } ///< set from State::Found on
     bool isCritical() const { return isCriticalFor(m_item, running()); }
-    const ReleaseNotes &releaseNotes() const { return m_item.releaseNotes; } ///< foreign, as they came
-    const UpdateFailure &failure() const { return m_failure; }               ///< in Failed
+    const ReleaseNotes &releaseNotes() const { return m_item.releaseNotes; } ///< foreign text, not made safe yet
+    const UpdateFailure &failure() const { return m_failure; }               ///< set in State::Failed
 
     void download();
     void install();
     /// Ends the session and keeps automatic checks silent about this version.
     void skip();
-    /// Ends the session: cancelled, put off, or read. Not while an installation is under way.
+    /// Ends the session, because it was cancelled, put off or has nothing more to say. Ignored during an installation.
     void end();
 
 Q_SIGNALS:
     void stateChanged();
-    /// A person asked for what is shown already.
+    /// The user asked for what is already shown.
     void askedAgain();
-    /// In Downloading, in bytes; `expected` is 0 when the server does not tell.
+    /// In State::Downloading, in bytes; `expected` is 0 when the server does not announce the size.
     void progressed(qint64 received, qint64 expected);
     void releaseNotesChanged();
 
@@ -81,7 +81,7 @@ private:
     void fail(const UpdateFailure &failure);
 
     const UpdateConfiguration &m_configuration;
-    UserDefaults &m_defaults; ///< holds what a person chose to skip, and which feeds were seen
+    UserDefaults &m_defaults; ///< holds what the user chose to skip, and which feeds were seen
     const Calendar &m_calendar;
     UpdateInstaller &m_installer;
     Origin m_origin;
@@ -92,7 +92,7 @@ private:
     QBuffer m_notes;
     UpdateFailure m_failure{};
     std::unique_ptr<QTemporaryFile> m_package;
-    // Last, so that they fall silent before what they write to is gone.
+    // Last, so that they are destroyed before what they write to.
     HttpsDownloader m_feedDownloader;
     HttpsDownloader m_notesDownloader;
     HttpsDownloader m_packageDownloader;

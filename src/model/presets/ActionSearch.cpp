@@ -12,9 +12,9 @@ namespace ambertide {
 
 namespace {
 
-/// Bytes; far more than any request needs.
+/// In bytes; far more than any request needs.
 constexpr std::size_t longestQuery = 256;
-/// Too many other searches begin with shorter ones.
+/// Shorter words are the beginning of too many searches for other things.
 constexpr qsizetype shortestName = 3;
 constexpr qsizetype shortestNumber = 2;
 
@@ -48,12 +48,12 @@ constexpr Names names[] = {
 };
 
 //: Words of a request that say nothing about the value, in lower case, separated by spaces.
-constexpr char courtesies[] = QT_TRANSLATE_NOOP(
+constexpr char fillerWords[] = QT_TRANSLATE_NOOP(
     "ambertide::ActionSearch", "ambertide bulb change color colour display displays in k kelvin lamp light make "
                                "monitor monitors my please screen screens set switch temperature the tint to turn "
                                "white with");
 
-/// In English and in the user's language.
+/// Splits `words` in English and in the user's language.
 QStringList inBothLanguages(const char *words)
 {
     const QString english = QString::fromLatin1(words);
@@ -113,10 +113,10 @@ std::optional<Fit> fitOfName(const QString &word)
     return fit;
 }
 
-bool isCourtesy(const QString &word, bool mayBeUnfinished)
+bool isFiller(const QString &word, bool mayBeUnfinished)
 {
-    return std::ranges::any_of(inBothLanguages(courtesies), [&word, mayBeUnfinished](const QString &courtesy) {
-        return mayBeUnfinished ? courtesy.startsWith(word) : courtesy == word;
+    return std::ranges::any_of(inBothLanguages(fillerWords), [&word, mayBeUnfinished](const QString &filler) {
+        return mayBeUnfinished ? filler.startsWith(word) : filler == word;
     });
 }
 
@@ -127,9 +127,9 @@ std::vector<ActionMatch> findColorTemperatures(std::string_view query)
     if (query.size() > longestQuery)
         return {};
     const auto words = wordsOf(query);
-    std::optional<Fit> fit; // of every word that says something about the temperature
+    std::optional<Fit> fit; // to all words so far that say something about the temperature
     for (const auto &word : words) {
-        if (isCourtesy(word, fit && &word == &words.constLast()))
+        if (isFiller(word, fit && &word == &words.constLast()))
             continue;
         const auto number = fitOfNumber(word);
         const auto fitOfWord = number ? number : fitOfName(word);

@@ -25,13 +25,13 @@ enum class ColorTemperature : std::uint8_t {
 
 inline constexpr std::size_t colorTemperatureCount = 56;
 
-/// What people call the kind of value that a preset is.
+/// The name of this type for people.
 inline constexpr std::string_view colorTemperatureTypeName = "Color Temperature";
 
 /// Kelvin.
 constexpr std::int64_t rawValue(ColorTemperature preset) { return 1000 + 100 * static_cast<std::int64_t>(preset); }
 
-/// The preset of exactly so many kelvin; nothing is rounded.
+/// The preset of exactly this many kelvin; nothing is rounded.
 constexpr std::optional<ColorTemperature> colorTemperature(std::int64_t kelvin)
 {
     if (kelvin < 1000 || kelvin > 6500 || kelvin % 100 != 0)
@@ -41,14 +41,14 @@ constexpr std::optional<ColorTemperature> colorTemperature(std::int64_t kelvin)
 
 std::span<const ColorTemperature> allColorTemperatures();
 
-/// How people see it: "3300K", or "3400K (Halogen)" for a landmark, in the language that the application has when this
-/// is first asked for.
+/// The preset as people see it: "3300K", or "3400K (Halogen)" for a landmark. In the language that the application has
+/// when this is first called.
 const std::string &displayRepresentation(ColorTemperature preset);
 
-/// How programs name it: "k3400". Never changes, so it may be stored.
+/// The preset's name for programs: "k3400". It never changes, so it may be stored.
 std::string identifier(ColorTemperature preset);
 
-/// The preset of exactly this identifier.
+/// The preset with exactly this identifier.
 std::optional<ColorTemperature> colorTemperature(std::string_view identifier);
 
 } // namespace ambertide

@@ -11,7 +11,7 @@ namespace ambertide {
 
 namespace {
 
-/// With the preset for %1 and the application's name for %2.
+/// The translated text, with the preset in place of %1 and the application's name in place of %2.
 std::string phrase(const char *text, ColorTemperature preset, std::string_view applicationName = {})
 {
     const auto name = QString::fromUtf8(applicationName.data(), static_cast<qsizetype>(applicationName.size()));

@@ -9,8 +9,8 @@ namespace ambertide {
 bool decodeBase64(std::string_view text, std::span<unsigned char> bytes)
 {
     if (bytes.empty())
-        return text.empty(); // nothing to point the decoder at
-    // libsodium 1.0.18 takes some bytes beyond ASCII for digits.
+        return text.empty(); // such a span may have no address to give to the decoder
+    // libsodium 1.0.18 accepts some bytes beyond ASCII as digits.
     if (std::ranges::any_of(text, [](char each) { return static_cast<unsigned char>(each) >= 0x80; }))
         return false;
     std::size_t length = 0;
