@@ -89,7 +89,7 @@ AmbertideApp::Ending AmbertideApp::run()
 
 void AmbertideApp::quit()
 {
-    // QCoreApplication::quit() would ask the windows, and the one of an update under way says no.
+    // QCoreApplication::quit() would ask the windows first, and that of an installation under way does not close.
     QCoreApplication::exit();
 }
 

@@ -17,8 +17,8 @@ namespace ambertide {
 
 class SettingsView;
 
-/// The application: makes the one model, the updater and the delegate, in this order, over the ports of the system it
-/// runs on, and then its scenes, which are the icon with its panel and, while it is open, the Settings window. Main
+/// The application: creates the model, the updater and the delegate, in this order, over the ports of the system it
+/// runs on, and then what is seen of it: the icon with its panel and, while it is open, the Settings window. Main
 /// thread. Destroying it gives the displays back, in the background.
 class AmbertideApp final : public QObject
 {
@@ -39,7 +39,7 @@ public:
     bool launch();
     /// Runs the event loop until somebody quits.
     Ending run();
-    /// Whatever windows are open.
+    /// Ends run(), even if windows are open that refuse to close.
     static void quit();
 
     AppViewModel &viewModel() { return m_viewModel; }

@@ -15,8 +15,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// How many notifications are told of between two turns of the loop: whoever posts without end must not fill the log.
-constexpr int mostPostsTold = 20;
+/// How many notifications are printed between two turns of the 5-second loop: a flood of them must not fill the log.
+constexpr int mostPostsPrinted = 20;
 
 std::string describe(const Notification &notification)
 {
@@ -83,19 +83,19 @@ void AppDelegate::handleNewInstanceLaunch() { m_ports.bringSettingsForward(); }
 
 void AppDelegate::handleCLITemperatureChange(const Notification &notification)
 {
-    const bool isTold = ++m_posts <= mostPostsTold;
-    if (isTold)
+    const bool isPrinted = ++m_posts <= mostPostsPrinted;
+    if (isPrinted)
         console::print("Received CLI temperature change notification: " + describe(notification));
     const auto temperature = notifications::integerTemperature(notification);
     if (!temperature) {
-        if (isTold)
+        if (isPrinted)
             console::print("No valid temperature found in notification: " +
                            describe(notification.userInfo.value_or(UserInfo())));
         return;
     }
-    if (isTold)
+    if (isPrinted)
         console::print("Setting temperature to " + std::to_string(*temperature) + "K");
-    // One on its way takes the newest along.
+    // A pending task stores the newest request when it runs, so one is enough.
     if (std::exchange(*m_requested, *temperature))
         return;
     // Not range-checked: the model does that for what it applies, and again when it reads the store.
@@ -113,8 +113,8 @@ void AppDelegate::handleCLITemperatureChange(const Notification &notification)
 
 void AppDelegate::summarisePosts()
 {
-    if (const int posts = std::exchange(m_posts, 0); posts > mostPostsTold)
-        console::print("Received " + std::to_string(posts - mostPostsTold) + " more such notifications");
+    if (const int posts = std::exchange(m_posts, 0); posts > mostPostsPrinted)
+        console::print("Received " + std::to_string(posts - mostPostsPrinted) + " more such notifications");
 }
 
 void AppDelegate::handleWakeNotification() { postCheckScheduleNow(); }
@@ -130,7 +130,7 @@ void AppDelegate::startBackgroundSchedulerCheck()
     m_backgroundTask = Task::start(m_ports.executor, [this](TaskContext context) -> Async {
         while (!context.isCancelled()) {
             co_await context.onMain();
-            context.throwIfCancelled(); // and with it the delegate may be gone
+            context.throwIfCancelled(); // a cancelled task may have outlived the delegate
             postCheckScheduleNow();
             summarisePosts();
             co_await context.sleep(5s);

@@ -14,8 +14,8 @@
 
 namespace ambertide {
 
-/// What the application does as a process: it makes sure that only one copy runs, takes the requests of the
-/// command-line tool, and has the schedule checked every 5 seconds and after wake, until it ends. Main thread.
+/// What the application does as a process: makes sure that only one copy runs, takes the requests of the command-line
+/// tool, and until the end has the schedule checked every 5 seconds and after wake. Main thread.
 class AppDelegate
 {
 public:
@@ -38,14 +38,14 @@ public:
     AppDelegate(const AppDelegate &) = delete;
     AppDelegate &operator=(const AppDelegate &) = delete;
 
-    /// Once, after the models are made. Asks for termination, and does nothing else, when another copy runs. Asks for
-    /// it later, too, should another copy have become the running one.
+    /// To be called once, when the models exist. If another copy runs, it asks for termination and does nothing else.
+    /// If another copy becomes the running one later, it asks for termination then.
     void applicationDidFinishLaunching();
-    /// Once, when the application is about to end. The displays are not given back here.
+    /// To be called once, when the application is about to end. The displays are not given back here.
     void applicationWillTerminate();
-    /// The application lives in the tray.
+    /// The application lives on in the tray.
     bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
-    bool applicationShouldHandleReopen(bool /*hasVisibleWindows*/) const { return true; } ///< always, and does no more
+    bool applicationShouldHandleReopen(bool /*hasVisibleWindows*/) const { return true; } ///< does nothing else
 
 private:
     bool ensureSingleInstance();
@@ -62,7 +62,7 @@ private:
     Task m_backgroundTask;            ///< the loop that has the schedule checked
     int m_posts = 0;                  ///< since that loop's last turn
     std::shared_ptr<std::optional<long long>> m_requested =
-        std::make_shared<std::optional<long long>>(); ///< to be stored
+        std::make_shared<std::optional<long long>>(); ///< kelvin, until a pending task stores it
     Observation m_othersObservation;
     Observation m_instanceObservation;
     Observation m_wakeObservation;

@@ -18,10 +18,10 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A press on the icon closes an open panel, and is then told to the icon as well, on some desktops when it is
-/// released.
+/// A press on the icon first closes an open panel as any press elsewhere does, and then reaches the icon, on some
+/// desktops only when the button is released. For so long after the panel has closed, both count as the same click.
 constexpr auto sameClick = 250ms;
-/// How long a person who has started the application waits for the desktop to show its icon.
+/// How long the panel of an application that was started again waits for the desktop to show the icon.
 constexpr auto patience = 1s;
 /// As in the panel's content. Logical pixels.
 constexpr int explanationPadding = 16;
@@ -41,7 +41,7 @@ MenuBarExtra::MenuBarExtra(Ports ports) : m_ports(std::move(ports)), m_self(this
             reapplyIfTinted();
     });
     QTimer::singleShot(0, this, &MenuBarExtra::followPresence);
-    // It is told before the change.
+    // The updater calls its observers before the change, so the menu is made after this call.
     m_updaterObservation = m_ports.updater.observe([this] { QTimer::singleShot(0, this, &MenuBarExtra::updateMenu); });
 }
 
@@ -57,7 +57,7 @@ MenuBarExtra::~MenuBarExtra()
 void MenuBarExtra::toggle(std::optional<QPoint> place)
 {
     const auto manner = m_ports.placement.manner();
-    // There the pointer is known, and panels tell the place in units of their own.
+    // A popup can be placed at the pointer, and panels report the place in units of their own.
     m_place = manner == PanelPlacement::Manner::Popup ? QCursor::pos() : place;
     if (m_panel)
         m_panel->close();
@@ -145,7 +145,7 @@ void MenuBarExtra::panelClosed()
 void MenuBarExtra::forgetClosing()
 {
     const bool isButtonHeld = m_ports.placement.isButtonHeld();
-    // A release is waited for as long as a click.
+    // After the button has been released the click may take as long again to reach the icon.
     if (std::exchange(m_wasButtonHeld, isButtonHeld) || isButtonHeld)
         m_justClosed = onMainAfter(sameClick, &MenuBarExtra::forgetClosing);
     else

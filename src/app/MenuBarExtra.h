@@ -16,8 +16,8 @@ namespace ambertide {
 
 class PanelWindow;
 
-/// The icon among the desktop's status icons, the panel that it opens and its menu. The panel exists while it is open.
-/// Opening it writes the tint once more, and closing it does so after half a second and after two. Main thread.
+/// The icon among the desktop's status icons, the panel that it opens, and its menu. The panel exists only while it is
+/// open. Opening it writes the tint once more; closing it does so half a second and two seconds later. Main thread.
 class MenuBarExtra final : public QObject
 {
     Q_OBJECT
@@ -35,7 +35,7 @@ public:
         std::function<void()> openSettings;
         std::function<void()> openSchedule;
         std::function<void()> quit;
-        bool isStartedByPerson = true; ///< who waits for something to appear
+        bool isStartedByPerson = true; ///< then the panel opens by itself where no icon can be shown
     };
 
     explicit MenuBarExtra(Ports ports);
@@ -45,8 +45,8 @@ public:
     bool isIconShown() const { return m_icon->presence() == TrayIcon::Presence::Shown; }
     /// The icon was clicked: opens the panel beside it, or closes it. `place`: see TrayIcon.
     void toggle(std::optional<QPoint> place);
-    /// The application was started again: opens the panel where a click would, or brings it to the front. Where no icon
-    /// is shown, even after a moment, the panel is an ordinary window.
+    /// The application was started again: opens the panel where a click would, or brings it to the front. If there is
+    /// no icon even after a moment, the panel is an ordinary window.
     void show();
 
 private:
@@ -66,12 +66,12 @@ private:
     QPointer<PanelWindow> m_panel;
     std::optional<QPoint> m_place; ///< of the last click
     bool m_isWanted = false;       ///< the panel is to open as soon as it is known where
-    bool m_hasBeenSeen = false;    ///< the icon or the panel
+    bool m_hasBeenSeen = false;    ///< the icon or the panel has been on the screen
     bool m_hasExplained = false;
-    bool m_hasJustClosed = false;         ///< maybe by a press on the icon, which has yet to be told of it
-    bool m_wasButtonHeld = false;         ///< when that was last looked at
-    Task m_justClosed;                    ///< ends that
-    std::shared_ptr<MenuBarExtra> m_self; ///< owns nothing; tasks hold it weakly and look on the main thread
+    bool m_hasJustClosed = false;         ///< maybe by a press on the icon that has not reached the icon yet
+    bool m_wasButtonHeld = false;         ///< when forgetClosing() last looked
+    Task m_justClosed;                    ///< resets m_hasJustClosed
+    std::shared_ptr<MenuBarExtra> m_self; ///< owns nothing; tasks hold it weakly and lock it on the main thread
     Observation m_updaterObservation;
 };
 

@@ -55,7 +55,7 @@ void handleEndingSignals(void (*handler)(int))
     std::signal(SIGINT, handler);
 }
 
-/// Descriptors that were closed at the start would be given to sockets, and lines printed into those.
+/// If one of them was closed at the start, its number would go to some socket, and lines would be printed into that.
 void openStandardDescriptors()
 {
     int opened = 0;
@@ -66,7 +66,8 @@ void openStandardDescriptors()
         close(opened);
 }
 
-/// Memory and threads may run out at any moment. The guardian gives the displays back.
+/// For exceptions that nobody catches: memory and threads may run out at any moment. The guardian gives the displays
+/// back.
 [[noreturn]] void giveUp()
 {
     constexpr std::string_view line = "Ambertide ends: the system refuses it memory, threads or another resource.\n";
@@ -97,12 +98,12 @@ void prepare()
     std::set_terminate(giveUp);
     confineEndingSignals();
     std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGCHLD, SIG_DFL); // whoever started this may have ignored it, and then no child's end can be learned
+    std::signal(SIGCHLD, SIG_DFL); // the parent may have ignored it, and then no child's exit status can be had
 }
 
 void setLastWork(std::function<void()> work)
 {
-    // Not sooner: it comes before the end of what libraries have made by now, and so may use them.
+    // Registered only now, so that it runs before the libraries that are in use by now clean up.
     [[maybe_unused]] static const int registration = std::atexit(doLastWork);
     const std::scoped_lock lock(lastWork().lock);
     lastWork().work = std::move(work);

@@ -3,25 +3,25 @@
 #include <filesystem>
 #include <functional>
 
-/// What this program sees to as a process, from its first line to its last.
+/// What this program arranges for itself as a process, from its first line to its last.
 namespace ambertide::process {
 
-/// Makes sure that descriptors 0 to 2 are open, ignores SIGPIPE, sees its children end, and confines SIGTERM and SIGINT
-/// to a thread that does nothing but wait for them: their handler then never interrupts code that holds a lock or the
-/// allocator. From then on an exception that nobody catches ends the process with one line and status 1. Once, before
-/// any other thread is started.
+/// Makes sure that descriptors 0 to 2 are open, ignores SIGPIPE, no longer ignores SIGCHLD, and confines SIGTERM and
+/// SIGINT to a thread that does nothing but wait for them, so that their handler never interrupts code that holds a
+/// lock or the allocator. From then on an exception that nobody catches ends the process with one line and status 1. To
+/// be called once, before any other thread is started.
 void prepare();
 
-/// Has `work` done, on that thread, before either signal takes effect: it has to end soon. It is done as well when a
-/// library ends the process, by exit(), on whatever thread. Replaces the work of before, and waits while that is being
-/// done. An empty one is none. Not before what `work` uses has been made.
+/// Before SIGTERM or SIGINT takes effect, `work` runs on the thread that waits for them; it has to be quick. It also
+/// runs when a library ends the process with exit(), then on the thread that calls that. Replaces the former work, and
+/// waits for it if it is running; an empty one means none. To be called when what `work` uses exists.
 void setLastWork(std::function<void()> work);
 
-/// The process is ending already: neither signal is handled from now on, nor is there any last work.
+/// For a process that is ending already: from now on both signals are ignored, and there is no last work.
 void ignoreEndingSignals();
 
-/// Replaces this process with a new run of `program`, the file of which may be another by now. Returns only when that
-/// fails, having said why in one line.
+/// Replaces this process with a new run of `program`, whose file may be a newer one by now. Returns only if that fails,
+/// after printing the reason in one line.
 void startAnew(const std::filesystem::path &program, char *argv[]);
 
 } // namespace ambertide::process

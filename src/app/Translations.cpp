@@ -11,7 +11,7 @@ namespace ambertide {
 
 namespace {
 
-/// Fails if there is neither a translation for the language as it is spoken in a country nor one for the language.
+/// False if there is no translation for `language`, such as "de-AT", nor for the language without its country.
 bool install(QApplication &application, const QString &product, const QString &language, const QString &folder)
 {
     auto translator = std::make_unique<QTranslator>(&application);

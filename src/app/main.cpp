@@ -21,7 +21,7 @@ void keepSettings(UserDefaults &userDefaults)
 {
     constexpr auto timeForEach = 150ms;
     if (QThread::currentThread() != qApp->thread()) {
-        const auto turn = std::make_shared<std::promise<void>>(); // may come long after nobody waits for it
+        const auto turn = std::make_shared<std::promise<void>>(); // shared: it may come long after this wait has ended
         QMetaObject::invokeMethod(
             qApp, [turn] { turn->set_value(); }, Qt::QueuedConnection);
         turn->get_future().wait_for(timeForEach);
@@ -52,7 +52,7 @@ AmbertideApp::Ending run(const std::filesystem::path &program, int argc, char *a
     }
     system.stopServing();
     app.reset();
-    process::ignoreEndingSignals(); // their handler must not meet what is being taken down
+    process::ignoreEndingSignals(); // their handler must not use what is being destroyed from here on
     if (!system.waitUntilIdle(1s)) {
         // The display server does not answer. Waiting for it is the guardian's job.
         userDefaults.flush(300ms);

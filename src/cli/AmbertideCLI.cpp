@@ -40,7 +40,7 @@ AmbertideCLI::Result fail(std::string_view reason)
     return {AmbertideCLI::failure, {}, "ambertide: " + std::string(reason) + "\n"};
 }
 
-/// Digits alone: no sign, space, fraction or unit.
+/// Takes digits only: no sign, space, fraction or unit.
 std::optional<int> parseTemperature(std::string_view text)
 {
     int kelvin = 0;
@@ -51,7 +51,7 @@ std::optional<int> parseTemperature(std::string_view text)
     return kelvin;
 }
 
-/// Why nothing can be tinted; empty where it can.
+/// Why the displays cannot be tinted; empty if they can.
 std::string refusalIn(const Notification &response)
 {
     const auto &userInfo = response.userInfo;

@@ -17,7 +17,7 @@ bool write(std::FILE *stream, std::string_view text)
 
 int main(int argc, char *argv[])
 {
-    // A reader that has gone is an error of this run, not its silent end.
+    // If nobody reads the output any more, write() fails and a message says so; the signal would end this silently.
     std::signal(SIGPIPE, SIG_IGN);
 
     const std::vector<std::string_view> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
