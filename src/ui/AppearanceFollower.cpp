@@ -41,13 +41,14 @@ std::optional<QFont> fontDescribed(const QString &description)
 AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(appearance)
 {
     installStyle();
-    // A platform theme that knows the desktop's colours tells them, and their changes, by itself.
+    // A palette other than the style's own comes from a platform theme, which knows the desktop's colours and follows
+    // their changes by itself.
     m_hasDesktopPalette =
         QApplication::palette().color(QPalette::Window) != m_style->standardPalette().color(QPalette::Window);
     m_isDesktopDark = Theme::of(QApplication::palette()).isDark;
     m_observation = m_appearance.observe([this] {
         follow();
-        // A desktop that changes its colours says so here and to the toolkit, in either order.
+        // When the desktop changes its colours, this and the toolkit hear of it in either order.
         QTimer::singleShot(std::chrono::seconds(1), &m_context, [this] { follow(); });
     });
     follow();
@@ -56,7 +57,7 @@ AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(ap
 void AppearanceFollower::installStyle()
 {
     m_style = new HouseStyle;
-    // Another style in its place deletes it.
+    // Whoever sets another style has this one deleted.
     QObject::connect(
         m_style, &QObject::destroyed, &m_context,
         [this] {
@@ -70,18 +71,18 @@ void AppearanceFollower::installStyle()
 void AppearanceFollower::follow()
 {
     if (m_style.isNull())
-        return; // the next one will follow
+        return; // the next style is about to be installed, and that calls this again
     m_style->setMotionReduced(m_appearance.prefersReducedMotion());
     const auto font = fontDescribed(QString::fromStdString(m_appearance.changedFont()));
     if (font && *font != QApplication::font())
         QApplication::setFont(*font);
     const bool isHighContrast = m_appearance.prefersHighContrast();
     const auto scheme = m_appearance.colorScheme();
-    const bool isAnyWelcome = scheme == Appearance::ColorScheme::NoPreference;
-    const bool isDark = isAnyWelcome ? m_isDesktopDark : scheme == Appearance::ColorScheme::Dark;
+    const bool hasNoPreference = scheme == Appearance::ColorScheme::NoPreference;
+    const bool isDark = hasNoPreference ? m_isDesktopDark : scheme == Appearance::ColorScheme::Dark;
     if (m_hasDesktopPalette && !isHighContrast) {
         QApplication::setPalette(QPalette());
-        if (isAnyWelcome || Theme::of(QApplication::palette()).isDark == isDark)
+        if (hasNoPreference || Theme::of(QApplication::palette()).isDark == isDark)
             return;
     }
     QApplication::setPalette(housePalette(isDark, isHighContrast));

@@ -10,9 +10,9 @@ namespace ambertide {
 class HouseStyle;
 
 /// Makes every window look as the user wants: in the house style, light or dark and in high contrast as the system
-/// says, with the desktop's own colours where the toolkit knows them and they agree. Follows changes, and puts the
-/// house style back when a plugin of the desktop has replaced it. Main thread, one instance, after the application
-/// object; `appearance` must outlive it.
+/// says, with the desktop's own colours if the toolkit knows them and they are light or dark as wanted. Follows
+/// changes, and puts the house style back when a plugin of the desktop has replaced it. Main thread, one instance,
+/// created after the application object; `appearance` must outlive it.
 class AppearanceFollower
 {
 public:
@@ -23,11 +23,11 @@ private:
     void follow();
 
     Appearance &m_appearance;
-    QPointer<HouseStyle> m_style; ///< the application's
+    QPointer<HouseStyle> m_style; ///< belongs to QApplication
     bool m_hasDesktopPalette;
-    bool m_isDesktopDark; ///< at the start, by that palette
+    bool m_isDesktopDark; ///< whether the palette at the start was dark
     Observation m_observation;
-    QObject m_context; ///< of the connection to the style
+    QObject m_context; ///< receives the calls from the style and the event loop, and is destroyed first
 };
 
 } // namespace ambertide

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char roleProperty[] = "accessibleRole";
 
-/// A widget that becomes a window, or ceases to be one, after a screen reader has seen it.
+/// A plain widget, which may become a window, or cease to be one, after a screen reader has seen it.
 class AccessibleWindow final : public QAccessibleWidget
 {
 public:
@@ -23,7 +23,7 @@ public:
     }
 };
 
-/// The toolkit asks with the most special class first, and with QWidget for what has no interface of its own.
+/// The toolkit calls this with the most derived class first, and with QWidget if none before that has an interface.
 QAccessibleInterface *create(const QString &className, QObject *object)
 {
     if (object == qApp)

@@ -13,7 +13,7 @@ constexpr int padding = 16;
 constexpr int gap = 8;
 constexpr int longestMessage = 600; // characters
 
-/// Lets what has no blanks, as a path, go on in the next line.
+/// Lets long text without blanks, such as a path, be broken into lines.
 QString breakable(const QString &text)
 {
     constexpr int longestWord = 24;

@@ -23,7 +23,7 @@ bool Button::event(QEvent *event)
 {
     if (event->type() != QEvent::ToolTip || m_tip.isEmpty())
         return QPushButton::event(event);
-    constexpr int raise = 12; // the toolkit lets room for the pointer, 16 at least
+    constexpr int raise = 12; // the toolkit adds room for the pointer, at least 16
     const QPoint pointer = static_cast<QHelpEvent *>(event)->globalPos();
     QToolTip::showText({pointer.x(), mapToGlobal(QPoint(0, height() - raise)).y()}, m_tip, this);
     return true;

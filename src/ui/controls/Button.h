@@ -8,7 +8,7 @@
 
 namespace ambertide {
 
-/// A push button of one of the house's kinds. Return presses it as Space does.
+/// A push button in one of the kinds that these windows use. Return presses it, as Space does.
 class Button : public QPushButton
 {
     Q_OBJECT
@@ -16,13 +16,13 @@ class Button : public QPushButton
 public:
     enum class Kind {
         Bordered,
-        Prominent, ///< the one that does what the window is for
+        Prominent, ///< the one for the window's main purpose
         Icon,      ///< a symbol without a frame; its text is what a screen reader and the tool tip say
-        Row        ///< a whole row without a frame, with text and maybe a symbol before it
+        Row        ///< a whole row without a frame, with text and perhaps a symbol before it
     };
 
-    /// Lengths are in logical pixels; symbols grow with the text. All but the kind is for icons and rows, which are
-    /// highlighted under the pointer.
+    /// Lengths are in logical pixels; symbols grow with the text. Everything but `kind` applies only to icons and rows,
+    /// which are highlighted under the pointer.
     struct Look
     {
         Kind kind = Kind::Bordered;
@@ -30,9 +30,9 @@ public:
         int symbolSize = 16;
         int paddingX = 6;
         int paddingY = 6;
-        int highlightInset = 0; ///< what is left of the surface around the highlight
+        int highlightInset = 0; ///< the highlight's distance from the edges
         TextLabel::Ink ink = &Theme::text;
-        std::optional<TextLabel::Ink> hoverInk = {}; ///< under the pointer, where it is another one
+        std::optional<TextLabel::Ink> hoverInk = {}; ///< under the pointer, if different from `ink`
     };
 
     static constexpr int ringGap = 2; ///< logical pixels around a frame, for the focus ring
@@ -48,7 +48,7 @@ protected:
 
 private:
     Look m_look;
-    QString m_tip; ///< not the widget's own, which assistive technology would read after the name
+    QString m_tip; ///< instead of the widget's own, which assistive technology would read after the name
 };
 
 } // namespace ambertide

@@ -6,7 +6,7 @@ class QVBoxLayout;
 
 namespace ambertide {
 
-/// Rows on a raised surface, with a hairline between each two. Hidden rows take no hairline.
+/// Rows on a raised surface, separated by hairlines. Hidden rows have none.
 class Card final : public QWidget
 {
     Q_OBJECT
@@ -14,7 +14,7 @@ class Card final : public QWidget
 public:
     explicit Card(QWidget *parent = nullptr);
 
-    /// Takes the row over.
+    /// Takes ownership of the row.
     void addRow(QWidget *row);
     void insertRow(int index, QWidget *row);
 

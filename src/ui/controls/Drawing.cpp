@@ -93,7 +93,7 @@ void drawShadow(QPainter &painter, const QRectF &surface, double radius, bool is
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     for (int layer = 0; layer < layers; ++layer) {
-        const double share = static_cast<double>(layer) / layers; // 0 at the outermost
+        const double share = static_cast<double>(layer) / layers; // 0 for the outermost
         const double reach = layers * (1 - share);
         ink.setAlphaF(static_cast<float>(opacity * 2 * share / layers));
         painter.setBrush(ink);

@@ -33,20 +33,20 @@ inline constexpr QLatin1String chevronDown{"chevron.down"};
 /// Draws a symbol into a square, in one colour.
 void drawSymbol(QPainter &painter, const QRectF &square, QLatin1String symbol, const QColor &color);
 
-/// Whether a control has the focus and the keyboard is what its window is used with.
+/// Whether a control has the focus while its window is used with the keyboard.
 bool showsFocusRing(const QWidget &control);
 /// Two pixels wide, just inside `outline`.
 void drawFocusRing(QPainter &painter, const QRectF &outline, double radius, const QColor &color);
 
 void fillRounded(QPainter &painter, const QRectF &shape, double radius, const QColor &fill);
-/// A line is one pixel of the device wide, at every scale: this in logical pixels.
+/// The width of one device pixel in logical pixels, at whatever scale is drawn.
 double hairlineWidth(const QPainter &painter);
-/// The device's pixels that a shape covers, so that its edges are sharp.
+/// `shape` moved to whole device pixels, so that its edges are sharp.
 QRectF onPixels(const QPainter &painter, const QRectF &shape);
 /// A hairline just inside `shape`.
 void strokeRounded(QPainter &painter, const QRectF &shape, double radius, const QColor &stroke);
 
-/// A soft shadow around a surface, which reaches this far: more below than above.
+/// How far the soft shadow of a surface reaches: further below than above.
 inline constexpr QMargins shadowMargins(20, 14, 20, 26);
 void drawShadow(QPainter &painter, const QRectF &surface, double radius, bool isDark);
 

@@ -17,14 +17,14 @@ namespace {
 constexpr int scrollBarExtent = 10; // logical pixels
 constexpr int toolTipPadding = 5;
 
-/// The option is of that class wherever Qt or a control of ours asks for such an element.
+/// Qt and our own controls pass an option of this class wherever it is called.
 template <typename Option>
 const Option &as(const QStyleOption *option)
 {
     return *static_cast<const Option *>(option);
 }
 
-/// Labels look after theirs by themselves.
+/// Labels set their own size.
 void setTextSize(QWidget &control)
 {
     if (qobject_cast<QTabBar *>(&control) != nullptr)
@@ -206,14 +206,15 @@ void HouseStyle::drawComplexControl(ComplexControl control, const QStyleOptionCo
     }
 }
 
-/// How far the motion of a busy bar has come, which is drawn once more at the next frame; nothing without motion.
+/// How far the motion of a busy bar has come, 0 to 1; also has the bar drawn again for the next frame. Nothing if
+/// motion is unwanted.
 std::optional<double> HouseStyle::sweep(const QStyleOption &busyBar) const
 {
     constexpr qint64 duration = 1600; // ms
     auto *bar = qobject_cast<QWidget *>(busyBar.styleObject);
     if (bar == nullptr || styleHint(SH_Widget_Animation_Duration, &busyBar, bar, nullptr) <= 0)
         return std::nullopt;
-    // What is out of sight is not drawn, and then asks for no frame.
+    // A bar that is out of sight is not drawn, and so asks for no further frame.
     connect(m_nextFrame, &QTimer::timeout, bar, qOverload<>(&QWidget::update), Qt::UniqueConnection);
     if (!m_nextFrame->isActive())
         m_nextFrame->start();

@@ -8,9 +8,9 @@
 
 namespace ambertide {
 
-/// How all windows look: draws and measures the house's controls, and leaves the rest to Fusion. It gives the controls
-/// their text size, and has each hear of a change of the application's font or palette, of which Qt tells windows
-/// alone. QApplication takes it over.
+/// How all windows look: draws and measures our own controls, and leaves the rest to Fusion. It sets the size of the
+/// controls' text, and passes changes of the application's font and palette on to them, since Qt tells only windows.
+/// QApplication takes ownership of it.
 class HouseStyle final : public QProxyStyle
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
 
     using QProxyStyle::polish;
     void polish(QWidget *widget) override;
-    /// The desktop's colours, but the accent is the house's, and tool tips are as cards.
+    /// Leaves the desktop's colours as they are, but for our own accent and the colours of cards for tool tips.
     void polish(QPalette &palette) override;
 
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,

@@ -34,7 +34,7 @@ Page::Page(QWidget *content, QWidget *parent) : QScrollArea(parent)
     connect(qApp, &QApplication::focusChanged, this, &Page::revealFocus);
 }
 
-// The content's end may move the focus.
+// Destroying the content may move the focus, which must not call this object any more.
 Page::~Page() { qApp->disconnect(this); }
 
 int Page::idealHeight(int width) const
@@ -52,10 +52,10 @@ QSize Page::minimumSizeHint() const
 
 bool Page::eventFilter(QObject *watched, QEvent *event)
 {
-    const bool isEaten = QScrollArea::eventFilter(watched, event);
+    const bool isHandled = QScrollArea::eventFilter(watched, event);
     if (watched == widget() && event->type() == QEvent::LayoutRequest)
         Q_EMIT idealHeightChanged();
-    return isEaten;
+    return isHandled;
 }
 
 void Page::revealFocus(QWidget *, QWidget *focused)

@@ -4,22 +4,22 @@
 
 namespace ambertide {
 
-/// Where on its screen a window can be, its frame included. Wayland tells neither what the desktop's panels take nor
-/// how high a title bar is: there it is less by as much as these usually are.
+/// The part of its screen that a window can fill, frame included. Wayland tells neither the space that the desktop's
+/// panels take nor the height of a title bar, so there their usual height is left out.
 QRect roomOnScreen(const QWidget &window);
 
-/// Shows a content that may be taller than there is room, and then scrolls it; it is never narrower than its content.
-/// Has no surface of its own. What takes the focus is scrolled into view.
+/// Shows its content, and scrolls it if there is not enough room for its height; never narrower than the content. Has
+/// no background of its own. A control that gets the focus is scrolled into view.
 class Page final : public QScrollArea
 {
     Q_OBJECT
 
 public:
-    /// Takes the content over.
+    /// Takes ownership of the content.
     explicit Page(QWidget *content, QWidget *parent = nullptr);
     ~Page() override;
 
-    /// In logical pixels: how high the page has to be for nothing to be scrolled, at this width.
+    /// The height at which nothing has to be scrolled, at this width. Both in logical pixels.
     int idealHeight(int width) const;
     QSize minimumSizeHint() const override;
 

@@ -4,8 +4,8 @@
 
 namespace ambertide {
 
-/// A slim bar in the accent. Busy until it is given a range; being busy shows as motion, or as a still pattern where
-/// motion is unwanted.
+/// A slim bar in the accent colour. Busy until it is given a range, which it shows by motion, or by a still pattern
+/// where motion is unwanted.
 class ProgressBar final : public QProgressBar
 {
     Q_OBJECT

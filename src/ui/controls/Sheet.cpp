@@ -16,7 +16,7 @@ namespace ambertide {
 namespace {
 
 constexpr double cornerRadius = 12;
-constexpr int margin = 12; // to the host's edges
+constexpr int margin = 12; // at least, from the host's edges
 constexpr QColor backdrop(0, 0, 0, 96);
 
 } // namespace

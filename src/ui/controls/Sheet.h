@@ -8,20 +8,20 @@
 namespace ambertide {
 
 /// A small surface over a window that has to be answered before the window can be used again. It keeps the keyboard to
-/// itself, and Escape dismisses it. Belongs to the window it covers.
+/// itself. Belongs to the window it covers.
 class Sheet final : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Shows `content`, which it takes over, in the middle of `host`, at `size` or what the content needs beyond that.
-    /// A host that is too small for it can grow: it is asked to lay itself out anew whenever neededSize() changes.
+    /// Takes ownership of `content` and shows it in the middle of `host`, in `size` or as much more as the content
+    /// needs. Whenever neededSize() changes, the host gets a LayoutRequest, so that it can grow if it is too small.
     Sheet(QWidget &host, QWidget *content, const QSize &size, const QString &accessibleName);
 
     /// Takes the sheet away and gives the focus back. `content` lives until control returns to the event loop.
     void dismiss();
 
-    /// What the host has to be at least for the whole sheet to be seen.
+    /// The least size of the host at which the whole sheet is seen.
     QSize neededSize() const;
 
 Q_SIGNALS:

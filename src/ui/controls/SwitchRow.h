@@ -21,7 +21,7 @@ public:
     SwitchRow(const QString &text, Kind kind);
 
     Kind kind() const { return m_kind; }
-    /// Where the thumb is on its way: 0 at off to 1 at on.
+    /// Where the thumb is, also while it moves: from 0 for off to 1 for on.
     double thumbPosition() const { return m_thumb.currentValue().toDouble(); }
 
 protected:

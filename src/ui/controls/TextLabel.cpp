@@ -29,7 +29,7 @@ bool TextLabel::event(QEvent *event)
 void TextLabel::follow()
 {
     setFont(textFont(m_style));
-    // By itself a label follows its text: a time of day would stay on the left.
+    // By itself a label takes its direction from its text: a time of day would always stand on the left.
     if (!(alignment() & Qt::AlignHCenter))
         setAlignment((isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute | Qt::AlignVCenter);
     QPalette palette;

@@ -7,7 +7,7 @@
 
 namespace ambertide {
 
-/// Plain text in one of the styles and one colour of the theme. Follows changes of both.
+/// Plain text in one of the text styles and one colour of the theme. Follows changes of the font and the palette.
 class TextLabel final : public QLabel
 {
     Q_OBJECT

@@ -64,7 +64,7 @@ QColor blended(const QColor &upper, const QColor &lower)
 Theme Theme::of(const QPalette &palette)
 {
     Theme theme;
-    // What is disabled is drawn fainter by each control.
+    // Only active colours: a disabled control is drawn fainter by the control itself.
     theme.window = palette.color(QPalette::Active, QPalette::Window);
     theme.text = palette.color(QPalette::Active, QPalette::WindowText);
     theme.isDark = luminance(theme.window) < luminance(theme.text);
@@ -94,7 +94,7 @@ Theme Theme::of(const QPalette &palette)
     const QColor red(0xd0, 0x34, 0x2c);
     const QColor green(0x2c, 0x9a, 0x46);
     theme.accent = symbol(amber, amberInDark);
-    // In the rows of cards alone. There is white in it.
+    // Only for a symbol in the rows of cards. One green for light and dark, since the symbol has a white tick in it.
     theme.green = withContrast(contrastOfSymbols, green, {theme.card, blended(theme.hover, theme.card)}, isDark);
     theme.red = symbol(red, QColor(0xff, 0x45, 0x3a));
     theme.trackOutline = theme.isHighContrast ? theme.text : symbol(theme.track, theme.track);

@@ -14,14 +14,14 @@ namespace ambertide {
 
 namespace {
 
-/// In lower case, without spaces and dots.
+/// Makes the text lower-case, without spaces and dots.
 QString bare(const QString &words)
 {
     static const QRegularExpression filling(QStringLiteral(R"([\s.\p{Cf}])"));
     return words.toLower().remove(filling);
 }
 
-/// Without a mark for the half of the day the hour counts to 24.
+/// `mark` names the half of the day, as in "pm"; without one the hour counts to 24. Invalid if the two do not fit.
 QTime timeOf(int hour, int minute, const QString &mark)
 {
     const QLocale locale;
@@ -48,7 +48,7 @@ std::optional<QTime> timeIn(QString text)
     const auto found = pattern.match(text);
     if (!found.hasMatch())
         return std::nullopt;
-    // Some languages have the mark at the front.
+    // Some languages put the mark first.
     const QTime time = timeOf(found.capturedView(2).toInt(), found.capturedView(3).toInt(),
                               bare(found.captured(1) + found.captured(4)));
     return time.isValid() ? std::optional(time) : std::nullopt;
@@ -58,12 +58,12 @@ std::optional<QTime> timeIn(QString text)
 
 TimeField::TimeField(const QString &accessibleName)
 {
-    // In both, the minutes come right after the colon.
+    // stepBy() relies on the minutes being right after the colon in both.
     m_format =
         QLocale().timeFormat(QLocale::ShortFormat).contains(u'H') ? QStringLiteral("HH:mm") : QStringLiteral("h:mm Ap");
-    setLayoutDirection(Qt::LeftToRight); // else it would turn hour and minute round
+    setLayoutDirection(Qt::LeftToRight); // otherwise hour and minute would change places
     setButtonSymbols(NoButtons);
-    setKeyboardTracking(false); // of a value of its own, which it has not
+    setKeyboardTracking(false); // there is no value of the base class's to track
     setAlignment(Qt::AlignCenter);
     setAccessibleName(accessibleName);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -8,8 +8,8 @@
 namespace ambertide {
 
 /// Hour and minute in one small field, as in "7:30 PM", or "19:30" where the locale counts 24 hours. Takes a time in
-/// any way that people write it: "7:30 pm", "730p", "7p", "19:30", "1930", "19.30", with or without spaces. Also
-/// stepped with the arrow keys and the wheel, or with the mouse alone: the part where the cursor stands.
+/// any way that people write it: "7:30 pm", "730p", "7p", "19:30", "1930", "19.30", with or without spaces. The arrow
+/// keys, the wheel and two small buttons step the part in which the cursor is.
 class TimeField final : public QAbstractSpinBox
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ class TimeField final : public QAbstractSpinBox
 public:
     explicit TimeField(const QString &accessibleName);
 
-    /// What the text says; nothing while it cannot be read, and then it is shown in red.
+    /// The time that the text says; nothing while it cannot be read, and then it is shown in red.
     std::optional<QTime> time() const { return m_time; }
     void setTime(const QTime &time);
 
@@ -37,9 +37,9 @@ private:
     QWidget *chevron(QLatin1String symbol, const QString &name, int steps);
     void read(const QString &text);
 
-    QString m_format; ///< as time() is written
+    QString m_format; ///< in which setTime() writes
     std::optional<QTime> m_time;
-    QTime m_lastTime; ///< that could be read
+    QTime m_lastTime; ///< the last one that could be read
 };
 
 } // namespace ambertide

@@ -5,7 +5,7 @@
 namespace ambertide::Color {
 
 /// The colour that stands for a colour temperature in kelvin where it is shown to people; opaque sRGB. Values outside
-/// of 1000 to 6500 count as the nearer end.
+/// 1000 to 6500 count as the nearer end.
 QColor fromTemperature(double kelvin);
 
 } // namespace ambertide::Color

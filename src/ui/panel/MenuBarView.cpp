@@ -209,7 +209,7 @@ void MenuBarView::follow()
 void MenuBarView::showTemperature()
 {
     const QString text = temperatureText(m_temperature);
-    const bool hasFrame = !window()->windowFlags().testFlag(Qt::FramelessWindowHint); // and the name in it
+    const bool hasFrame = !window()->windowFlags().testFlag(Qt::FramelessWindowHint); // with the name in its title bar
     m_title->setText(hasFrame ? text : QStringLiteral("Ambertide"));
     m_temperatureLabel->setText(text);
     m_temperatureLabel->setVisible(!hasFrame);
@@ -223,7 +223,7 @@ void MenuBarView::showNotices()
     m_nothingScheduled->setVisible(m_scheduleEnabled && !m_viewModel.isAnythingScheduled());
 }
 
-// A focus proxy would catch every round of Tab.
+// Not by a focus proxy, which would also take the focus each time that Tab comes round.
 void MenuBarView::showEvent(QShowEvent *) { m_slider->setFocus(Qt::PopupFocusReason); }
 
 bool MenuBarView::event(QEvent *event)

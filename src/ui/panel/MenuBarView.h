@@ -12,8 +12,8 @@ class SwitchRow;
 class TemperatureSlider;
 class TextLabel;
 
-/// The content of the panel: the temperature, its slider, the schedule's switch, the way to the settings and the end.
-/// Main thread. Model and haptics must outlive it.
+/// The content of the panel: the temperature, its slider, the schedule's switch, and buttons for the settings and for
+/// quitting. Main thread. Model and haptics must outlive it.
 class MenuBarView final : public QWidget
 {
     Q_OBJECT

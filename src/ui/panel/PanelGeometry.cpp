@@ -7,14 +7,14 @@ namespace ambertide {
 
 namespace {
 
+// Logical pixels.
 constexpr int halfIcon = 16; // kept free around a pointer on a panel of unknown thickness
-/// How much further away an edge may be where a panel is known to lie: its menus and popups reach so far.
-constexpr int reach = 400;
+constexpr int reach = 400;   // of a panel's menus: an edge with a panel may be so much further away than one without
 
 enum Edge { Top, Bottom, Left, Right };
 
-/// Of `length` from `from`, the whole of it within [low, high] and not at their very edge, where a fractional scale
-/// factor rounds it beyond; at `low` if it does not fit.
+/// Where `length` has to begin, as near to `from` as possible, to lie within [low, high] and `gap` away from either: at
+/// the very edge a fractional scale factor would round it beyond. `low` if it does not fit.
 int kept(int from, int length, int low, int high, int gap)
 {
     const int first = low + gap;
@@ -22,7 +22,7 @@ int kept(int from, int length, int low, int high, int gap)
     return first <= last ? std::clamp(from, first, last) : low;
 }
 
-/// On the desktop's panel, or at the top, at the end where the status icons are.
+/// The corner where status icons usually are: at the bottom if a panel is known to be there, else at the top.
 QPoint usualPlace(const QRect &screen, const QRect &available)
 {
     const bool isAtFoot = available.bottom() < screen.bottom();

@@ -39,7 +39,7 @@ PanelWindow::PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlace
     setWindowTitle(QStringLiteral("Ambertide"));
     setAttribute(Qt::WA_TranslucentBackground, m_isSeeThrough);
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(m_shadow); // of the window they would count in the width for which it is laid out
+    layout->setContentsMargins(m_shadow); // as the window's own they would count in the width that is laid out
     layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addWidget(content);
 }
@@ -91,7 +91,7 @@ void PanelWindow::keyPressEvent(QKeyEvent *event)
 void PanelWindow::mousePressEvent(QMouseEvent *event)
 {
     if (!surface().contains(event->position().toPoint()))
-        close(); // what is pressed there is beside the panel
+        close(); // a press on the shadow or further away is a press beside the panel
 }
 
 void PanelWindow::hideEvent(QHideEvent *event)
@@ -104,7 +104,7 @@ void PanelWindow::hideEvent(QHideEvent *event)
 void PanelWindow::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    // One that stands at the foot of the screen grows upwards.
+    // A popup in the lower half of the screen grows upwards.
     if (isVisible() && m_manner == PanelPlacement::Manner::Popup &&
         geometry().center().y() > screen()->geometry().center().y())
         move(x(), y() + event->oldSize().height() - height());
@@ -128,7 +128,7 @@ void PanelWindow::paintEvent(QPaintEvent *)
         return painter.fillRect(rect(), theme.panel);
     const QRectF panel = surface();
     if (m_isSeeThrough) {
-        // Qt 6.8 on Wayland may keep what was painted before, to which another shadow would be added.
+        // Qt 6.8 on Wayland may keep what was painted before, and then a second shadow would be painted over the first.
         painter.setCompositionMode(QPainter::CompositionMode_Source);
         painter.fillRect(rect(), Qt::transparent);
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);

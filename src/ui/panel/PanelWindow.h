@@ -9,18 +9,19 @@
 
 namespace ambertide {
 
-/// The window around the panel's content, as the desktop lets it stand. Where a window can be see-through, the panel is
-/// all of it but the margins of its layout, which hold a shadow. Escape closes it, and so does a press elsewhere
-/// unless it is an ordinary window. Its owner deletes it when it has closed.
+/// The window around the panel's content, placed as the desktop allows. Where windows can be translucent, the margins
+/// of its layout hold a shadow, and the rest is the panel. Escape closes it, and so does a press elsewhere unless it is
+/// an ordinary window. Its owner deletes it when it has closed.
 class PanelWindow final : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Takes `content` over.
+    /// Takes ownership of `content`.
     PanelWindow(QWidget *content, PanelPlacement &placement, PanelPlacement::Manner manner);
 
-    /// Shows it beside the icon at `place`, or where the desktop has its icons, as far as its manner lets it choose.
+    /// Shows it beside the icon at `place` or, without one, where the desktop has its icons, as far as its manner
+    /// allows.
     void open(std::optional<QPoint> place);
 
 Q_SIGNALS:

@@ -22,7 +22,7 @@ constexpr double trackHeight = 8;
 constexpr double trackRadius = trackHeight / 2; // a larger one would make ellipses of the ends
 constexpr int pageSteps = 5;
 constexpr double ringWidth = 2.5;
-constexpr double tintSize = 8; // of the spot that a thumb with the focus shows
+constexpr double tintSize = 8; // of the coloured spot on a thumb that has the focus
 
 } // namespace
 
@@ -62,7 +62,7 @@ void TemperatureSlider::sliderChange(SliderChange change)
     QAbstractSlider::sliderChange(change);
     if (change != SliderValueChange)
         return;
-    // AT-SPI passes on a number as the value; the words with the unit go the way of the description.
+    // AT-SPI passes the value on as a bare number, so the text with the unit becomes the description.
     setAccessibleDescription(tr("%1 K", "colour temperature in kelvin, read out by a screen reader").arg(value()));
     if (!m_isPlacing)
         choose(snapped(static_cast<double>(value() - minimum()) / (maximum() - minimum())));

@@ -14,16 +14,16 @@ class TemperatureSlider final : public QAbstractSlider
     Q_OBJECT
 
 public:
-    /// Logical pixels on every side of the slider itself, where its thumb's shadow falls.
+    /// Logical pixels on every side of the slider itself, for its thumb's shadow.
     static constexpr int shadowRoom = 3;
 
     TemperatureSlider(double minimum, double maximum, double step);
 
-    /// The owner's temperature has changed. During a drag the thumb stays with the pointer.
+    /// Shows the owner's temperature. During a drag the thumb stays with the pointer.
     void follow(double kelvin);
 
 Q_SIGNALS:
-    /// The owner is to take this value over.
+    /// The user has chosen this value, which the owner is to adopt.
     void valueChosen(double kelvin);
     /// True at each movement of a drag and at a tap, false at the end of a drag and after a tap.
     void editingChanged(bool isEditing);
@@ -39,7 +39,7 @@ protected:
 
 private:
     int snapped(double fraction) const;
-    /// In these two and below, the shadow's room is left out.
+    // The next four leave the room for the shadow out.
     double trackLength() const { return width() - 2.0 * shadowRoom; }
     double leadingDistance(const QPointF &position) const;
     QRectF track() const;
@@ -49,9 +49,9 @@ private:
     void drag(const QPointF &position);
     void endDrag();
 
-    bool m_isPlacing = false; ///< the thumb moves, and it is known why
+    bool m_isPlacing = false; ///< the value is being set by place(), not by a key, the wheel or assistive technology
     bool m_isTapPossible = false;
-    int m_wheelRest = 0; ///< eighths of a degree that have not made a step yet
+    int m_wheelRest = 0; ///< turns of the wheel that do not make a step yet, in eighths of a degree
 };
 
 } // namespace ambertide

@@ -69,7 +69,7 @@ AboutView::AboutView(const MainBundle &bundle, bool hasFeed)
     column->addSpacing(4);
     column->addWidget(version, 0, Qt::AlignHCenter);
     column->addSpacing(gapInBlock);
-    auto *line = new QHBoxLayout; // an alignment would ask for the height at the whole width
+    auto *line = new QHBoxLayout; // with an alignment instead, its height would be that at the whole width
     line->addStretch();
     line->addWidget(m_description);
     line->addStretch();

@@ -9,13 +9,13 @@ class Button;
 class MainBundle;
 class TextLabel;
 
-/// What this program is: icon, name, version, what it is for, its page on the web and the way to a newer version.
+/// What this program is: icon, name, version and purpose, its page on the web, and a button that checks for updates.
 class AboutView final : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Without a feed there is nothing to check for updates.
+    /// Without a feed the button for updates is hidden.
     AboutView(const MainBundle &bundle, bool hasFeed);
 
     void setCanCheckForUpdates(bool canCheck);

@@ -43,7 +43,7 @@ CommandLineToolView::CommandLineToolView()
     auto *title = new QVBoxLayout;
     title->setSpacing(lineGap);
     auto *name = new TextLabel(tr("Command Line Tool"), TextStyle::Headline);
-    name->setWordWrap(true); // large text
+    name->setWordWrap(true); // for large text
     title->addWidget(name);
     title->addWidget(caption(tr("Control Ambertide from Terminal")));
     auto *head = new QHBoxLayout;
@@ -51,7 +51,7 @@ CommandLineToolView::CommandLineToolView()
     head->addSpacing(paddingX);
     head->addLayout(title, 1);
     head->addSpacing(buttonGap);
-    auto *place = new QGridLayout; // of the button, whether or not it is there
+    auto *place = new QGridLayout; // the button's, in which the bar is shown instead of it
     place->addWidget(m_button, 0, 0);
     place->addWidget(m_progress, 0, 0, Qt::AlignVCenter);
     head->addLayout(place);

@@ -16,7 +16,7 @@ public:
     CommandLineToolView();
 
     void setInstalled(bool isInstalled);
-    /// While it is, a busy bar stands in for the button.
+    /// While processing, a busy bar is shown instead of the button.
     void setProcessing(bool isProcessing);
 
 Q_SIGNALS:

@@ -20,7 +20,7 @@ constexpr int padding = 20;
 constexpr int topPadding = 6;
 constexpr int gap = 14;
 
-/// Why it failed, for a person; nothing on success.
+/// Why it failed, in words for the user; nothing on success.
 std::optional<QString> run(CLIInstaller &installer, void (CLIInstaller::*operation)())
 {
     try {
@@ -81,7 +81,7 @@ void GeneralSettingsView::refresh()
 void GeneralSettingsView::installOrUninstall()
 {
     setProcessing(true);
-    // The application may end, and this be gone, before the prompt has been answered.
+    // The application may end, and this view with it, before the prompt has been answered.
     Task::start(
         m_installerExecutor,
         [view = QPointer(this), &installer = m_installer, wasInstalled = m_cliInstalled](TaskContext task) -> Async {

@@ -29,8 +29,8 @@ struct SettingsPorts
     NotificationCenter &notifications;
     const Calendar &calendar;
     const LoginItem &loginItem;
-    /// For the installer alone, whose administrator prompt holds up everything else on it. It may outlast the window;
-    /// the end of the process takes the prompt back and then destroys the executor, before the installer.
+    /// For the installer alone, whose administrator prompt holds up everything else on it. The prompt may outlast the
+    /// window; at the end of the process it is withdrawn, and then the executor is destroyed, before the installer.
     TaskExecutor &installerExecutor;
 };
 
@@ -42,7 +42,7 @@ class GeneralSettingsView final : public QWidget
 public:
     GeneralSettingsView(SettingsViewModel &viewModel, const SettingsPorts &ports);
 
-    /// Whether the tool is being installed or uninstalled, which may wait for a person.
+    /// Whether the tool is being installed or uninstalled, which may wait for the user.
     bool isProcessing() const { return m_isProcessing; }
 
 Q_SIGNALS:
@@ -61,8 +61,8 @@ private:
     Observation m_updaterObservation;
     bool m_cliInstalled;
     bool m_isProcessing = false;
-    QPointer<QWidget> m_formerFocus;    ///< before the tab was disabled
-    QPointer<QWidget> m_focusMeanwhile; ///< where it went then; anywhere else the user has put it
+    QPointer<QWidget> m_formerFocus;    ///< what had the focus before the tab was disabled
+    QPointer<QWidget> m_focusMeanwhile; ///< what got it then; if it is elsewhere, the user has moved it
     AboutView *m_about = nullptr;
     SwitchRow *m_launchAtLogin = nullptr;
     SwitchRow *m_automaticallyCheckForUpdates = nullptr;

@@ -21,7 +21,7 @@ constexpr int gap = 20;
 constexpr int smallGap = 8;
 constexpr int widestTemperature = 240;
 constexpr int pageSteps = 5;
-constexpr int buttonGap = 8; // 12 between what is drawn of them
+constexpr int buttonGap = 8; // which makes 12 between their frames
 
 QHBoxLayout *row(QWidget *first, QWidget *second)
 {
@@ -132,7 +132,7 @@ void ScheduleEntryEditor::setTemperature(int kelvin)
 void ScheduleEntryEditor::showTemperature()
 {
     const QString text = m_editedEntry.temperatureString();
-    // One that somebody else has stored may have any number of digits.
+    // A temperature that another program has stored may have any number of digits.
     m_temperatureText->setText(m_temperatureText->fontMetrics().elidedText(text, Qt::ElideRight, widestTemperature));
     m_temperature->setAccessibleDescription(text);
 }

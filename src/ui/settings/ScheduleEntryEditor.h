@@ -13,7 +13,7 @@ class SwitchRow;
 class TextLabel;
 class TimeField;
 
-/// Changes a copy of one entry. Nothing comes of it but saved().
+/// Edits a copy of one entry. All that it does with the result is to emit saved().
 class ScheduleEntryEditor final : public QWidget
 {
     Q_OBJECT
@@ -30,7 +30,7 @@ public:
     ScheduleEntryEditor(const ScheduleEntry &entry, const TemperatureRange &range, const Calendar &calendar);
 
 Q_SIGNALS:
-    /// Comes from the event loop, at most once.
+    /// Emitted from the event loop, at most once.
     void saved(const ScheduleEntry &entry);
     void cancelled();
 

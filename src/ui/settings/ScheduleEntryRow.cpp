@@ -47,7 +47,7 @@ ScheduleEntryRow::ScheduleEntryRow()
       m_edit(iconButton(tr("Edit"), symbols::pencil, &Theme::accent)),
       m_delete(iconButton(tr("Delete"), symbols::trash, &Theme::red))
 {
-    // A temperature that somebody else has stored may have any number of digits.
+    // A temperature that another program has stored may have any number of digits.
     m_temperature->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_disabled->setText(tr("Disabled"));
     m_disabled->setContentsMargins(disabledPadding, 0, disabledPadding, 0);
@@ -114,7 +114,7 @@ void ScheduleEntryRow::keyPressEvent(QKeyEvent *event)
         break;
     case Qt::Key_Up:
     case Qt::Key_Down:
-        event->ignore(); // for the list
+        event->ignore(); // the list handles these
         break;
     default:
         Button::keyPressEvent(event);

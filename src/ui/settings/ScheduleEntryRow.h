@@ -7,8 +7,8 @@ class QSpacerItem;
 
 namespace ambertide {
 
-/// One entry of the schedule. Pressing the row edits the entry, by mouse, Return or Space; Delete and Backspace delete
-/// it; and there is a button for either.
+/// One entry of the schedule. Pressing the row with the mouse, Return or Space edits the entry, Delete or Backspace
+/// deletes it, and there is a button for either.
 class ScheduleEntryRow final : public Button
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ public:
     ScheduleEntryRow();
 
     const ScheduleEntry &entry() const { return m_entry; }
-    /// `time` as it is shown.
+    /// `time` is the entry's time as it is shown.
     void setEntry(const ScheduleEntry &entry, const QString &time, bool isActive);
 
     QWidget *lastInTabOrder() const;
@@ -35,7 +35,7 @@ protected:
 private:
     ScheduleEntry m_entry;
     bool m_isActive = false;
-    QSpacerItem *m_statusRoom; ///< grows with the symbol
+    QSpacerItem *m_statusRoom; ///< for the symbol, with which it grows
     TextLabel *m_time = nullptr;
     TextLabel *m_temperature = nullptr;
     TextLabel *m_disabled = nullptr;

@@ -114,7 +114,7 @@ void ScheduleSettingsView::showEntries()
     while (m_rows.size() < count)
         addRow();
     for (; m_rows.size() > count; m_rows.pop_back()) {
-        // It may be one of its own buttons that deletes the row.
+        // Later, since this may run inside a signal of one of the row's own buttons.
         m_rows.back()->hide();
         m_rows.back()->deleteLater();
     }
@@ -132,13 +132,13 @@ void ScheduleSettingsView::addRow()
     connect(row, &ScheduleEntryRow::deleteRequested, this, [this, row] { remove(row->entry().id); });
     m_list->insertRow(static_cast<int>(m_rows.size()), row);
     m_rows.push_back(row);
-    // What is read out and what Tab comes to follow the order of creation, not that of the list.
+    // Screen readers and Tab follow the order of creation: the button has to come after the new row again.
     m_add->raise();
     setTabOrder(row->lastInTabOrder(), m_add);
 }
 
-// The tab is moved under its window when it is scrolled. Rows are made as they come near, so that a schedule of any
-// length opens at once.
+// Scrolling moves this widget. Rows are created as the end of the list comes near, so that a schedule of any length
+// opens at once.
 void ScheduleSettingsView::moveEvent(QMoveEvent *)
 {
     const QRect seen = visibleRegion().boundingRect();
@@ -203,7 +203,7 @@ void ScheduleSettingsView::remove(const QUuid &entry)
         return;
     const bool wasFocusOnRow = isFocusOnRow();
     m_viewModel.deleteScheduleEntry({static_cast<std::size_t>(found - entries.begin())});
-    // A row further down takes the place, and the focus with it; the last one has none further down.
+    // The row, and the focus with it, now shows the next entry. But if it was the last row, it is gone.
     if (wasFocusOnRow && !isFocusOnRow() && !m_rows.empty())
         m_rows.back()->setFocus(Qt::BacktabFocusReason);
 }

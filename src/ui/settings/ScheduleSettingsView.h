@@ -47,7 +47,7 @@ private:
     void endEditing();
     void remove(const QUuid &entry);
     bool isFocusOnRow() const;
-    /// With the focus, from the row that it was on before it was edited.
+    /// After an edit that may have moved the entry to another row: moves the focus there if it was on a row.
     void followEntry(const QUuid &entry);
 
     SettingsViewModel &m_viewModel;

@@ -21,11 +21,11 @@ namespace ambertide {
 namespace {
 
 constexpr int windowWidth = 600;    // logical pixels, as are all below
-constexpr int smallestHeight = 324; // which a sheet needs, so that the window stays as it is when one opens
+constexpr int smallestHeight = 324; // enough for a sheet, so that the window need not grow when one opens
 constexpr int gapAboveTabs = 12;
 constexpr int gapBelowTabs = 10;
-constexpr QMargins aroundTrouble{20, 0, 20, 14};
-constexpr std::chrono::seconds betweenLooks{1}; // for trouble, which comes on other threads
+constexpr QMargins troubleMargins{20, 0, 20, 14};
+constexpr std::chrono::seconds troubleInterval{1}; // it arises on other threads, so it is looked for
 
 } // namespace
 
@@ -52,10 +52,10 @@ SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
     column->addWidget(m_trouble);
     m_trouble->setWordWrap(true);
     m_trouble->setAlignment(Qt::AlignHCenter);
-    m_trouble->setContentsMargins(aroundTrouble);
-    auto *looks = new QTimer(this);
-    connect(looks, &QTimer::timeout, this, &SettingsView::showTrouble);
-    looks->start(betweenLooks);
+    m_trouble->setContentsMargins(troubleMargins);
+    auto *troubleTimer = new QTimer(this);
+    connect(troubleTimer, &QTimer::timeout, this, &SettingsView::showTrouble);
+    troubleTimer->start(troubleInterval);
     showTrouble();
 
     addTab(symbols::gearshape, tr("General"), m_general);
@@ -74,7 +74,7 @@ SettingsView::SettingsView(AppViewModel &appViewModel, const Ports &ports)
 
 SettingsView::~SettingsView()
 {
-    // The views go before the model that they show.
+    // The views have to be destroyed before the model that they show.
     qDeleteAll(findChildren<QWidget *>(Qt::FindDirectChildrenOnly));
 }
 
@@ -109,10 +109,10 @@ void SettingsView::showTrouble()
 
 bool SettingsView::event(QEvent *event)
 {
-    const bool isTaken = QWidget::event(event);
+    const bool isHandled = QWidget::event(event);
     if (event->type() == QEvent::LayoutRequest)
         fit();
-    return isTaken;
+    return isHandled;
 }
 
 void SettingsView::showEvent(QShowEvent *event)
@@ -129,12 +129,12 @@ void SettingsView::closeEvent(QCloseEvent *event)
 {
     if (!m_general->isProcessing())
         return;
-    // Another window would begin the same once more.
+    // A new window would not know that an installation is under way, and could start another.
     hide();
     event->ignore();
 }
 
-// Only once it has been placed is its frame known, and then its screen may be another one.
+// The size of the frame is known only when the window has been placed, which may be on another screen.
 void SettingsView::moveEvent(QMoveEvent *) { fit(); }
 
 void SettingsView::fit()

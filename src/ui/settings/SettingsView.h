@@ -12,11 +12,12 @@ namespace ambertide {
 class Page;
 class TextLabel;
 
-/// The Settings window with its two tabs, and the model behind them; below, for as long as it lasts, what keeps
-/// settings from being saved or displays from being guarded. Main thread. It opens on General, in front, as high as its
-/// tab needs and the screen allows; wider than usual for large text alone. Closing deletes it, but while the tool is
-/// being installed it only hides until that has ended: its owner holds it in a QPointer, and makes one when the user
-/// asks for it and there is none.
+/// The Settings window with its two tabs, and the model behind them. Below the tabs it says what keeps settings from
+/// being saved or displays from being guarded, as long as something does. Main thread.
+///
+/// It opens on General, in front of other windows, as high as the tab needs and the screen allows; it is wider than
+/// usual only for large text. Closing deletes it, but while the tool is being installed it is only hidden until that
+/// has ended. So its owner holds it in a QPointer, and creates one when the user asks for it and there is none.
 class SettingsView final : public QWidget
 {
     Q_OBJECT
@@ -27,11 +28,11 @@ public:
     SettingsView(AppViewModel &appViewModel, const Ports &ports);
     ~SettingsView() override;
 
-    /// Once the window is shown.
+    /// To be called when the window is shown.
     void showSchedule() { m_settingsViewModel.setSelectedTab(1); }
 
 Q_SIGNALS:
-    /// The keys that end a program were pressed.
+    /// The keys for quitting a program were pressed.
     void quitRequested();
 
 protected:

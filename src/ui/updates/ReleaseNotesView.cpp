@@ -27,9 +27,9 @@ QRegularExpression pattern(const char *text)
                                                        QRegularExpression::DotMatchesEverythingOption);
 }
 
-/// Leaves no tags but line breaks to the toolkit's reader of HTML, which takes quadratic time for nested elements and
-/// gigabytes for a table that claims a thousand columns. Each pattern takes a tag to its end or to the start of the
-/// next, so that what is left cannot form a new one.
+/// Removes all tags but line breaks before the toolkit reads the HTML, since it takes quadratic time for nested
+/// elements and gigabytes for a table that claims a thousand columns. Each pattern matches a tag up to its end or the
+/// start of the next one, so that what is left cannot form a new tag.
 QString plainTextOfHtml(QString html)
 {
     static const auto hidden = pattern("<!--.*?(-->|\\z)|<(script|style|head|title)\\b.*?(</\\2\\b[^<>]*>?|\\z)");

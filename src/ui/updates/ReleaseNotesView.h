@@ -7,7 +7,7 @@
 namespace ambertide {
 
 /// Release notes to be read and copied, by mouse or keyboard, on a card's surface. They are foreign: nothing that they
-/// name is loaded, run or opened, and whatever they hold takes no longer than their length asks for.
+/// name is loaded, run or opened, and no content takes longer to show than others of its length.
 class ReleaseNotesView final : public QPlainTextEdit
 {
     Q_OBJECT

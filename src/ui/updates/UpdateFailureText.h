@@ -4,7 +4,7 @@
 
 namespace ambertide {
 
-/// What went wrong and what a person can do about it, translated.
+/// What went wrong and what the user can do about it, translated.
 QString describeForPeople(const UpdateFailure &failure);
 
 } // namespace ambertide

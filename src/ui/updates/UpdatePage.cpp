@@ -10,7 +10,7 @@ namespace ambertide {
 
 namespace {
 
-// Logical pixels. What is seen of the icon and of a button begins somewhat inside of its edges.
+// Logical pixels. The visible parts of the icon and of a button begin somewhat inside their edges.
 constexpr int margin = 20;
 constexpr int iconInset = 4;
 constexpr int buttonInset = 2;
@@ -84,7 +84,7 @@ Button *UpdatePage::addDefaultButton(const QString &text)
 {
     m_default = new Button(text, Button::Kind::Prominent);
     m_default->setDefault(true);
-    // A screen reader tells it with the button, which gets the focus when the page comes up.
+    // A screen reader reads this with the button, which gets the focus when the page is shown.
     m_default->setAccessibleDescription(accessibleName() + u'\n' + accessibleDescription());
     m_row->addWidget(m_default);
     return m_default;

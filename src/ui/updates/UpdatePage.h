@@ -9,8 +9,8 @@ namespace ambertide {
 
 class Button;
 
-/// One state of the update window: the application's icon, a heading and a sentence beside it, something to look at,
-/// and a row of buttons. Texts are shown as they are, never as rich text: they may come from a feed.
+/// One state of the update window: the application's icon, a heading and a sentence beside it, further content if there
+/// is any, and a row of buttons. Texts are shown as they are, never as rich text: they may come from a feed.
 class UpdatePage final : public QWidget
 {
     Q_OBJECT
@@ -18,11 +18,11 @@ class UpdatePage final : public QWidget
 public:
     UpdatePage(const QString &heading, const QString &sentence, QWidget *parent);
 
-    /// Take the widget over. It stands under the texts, or under them and the icon.
+    /// Takes ownership of the widget and puts it under the texts; the next, across the page under texts and icon.
     void addUnderTexts(QWidget *content);
     void addAcross(QWidget *content);
 
-    /// Buttons stand in the order of the calls; `Aside` ones at the other end of the row.
+    /// Buttons are in the order of the calls; those `Aside` at the other end of the row.
     enum class Place { Row, Aside };
     Button *addButton(const QString &text, Place place = Place::Row);
     /// The one that Return presses.

@@ -30,7 +30,7 @@ constexpr int progressSteps = 1000;
 
 Card *releaseNotesCard(const UpdateSession &session)
 {
-    constexpr int inset = 3; // keeps square corners inside of the round ones
+    constexpr int inset = 3; // keeps square corners inside the round ones
     auto *notes = new ReleaseNotesView;
     notes->setNotes(session.releaseNotes());
     QObject::connect(&session, &UpdateSession::releaseNotesChanged, notes,
@@ -53,8 +53,8 @@ UpdateWindow::UpdateWindow(UpdateSession &session, std::function<void()> relaunc
     connect(&m_session, &UpdateSession::stateChanged, this, &UpdateWindow::showState);
     connect(&m_session, &UpdateSession::askedAgain, this, &UpdateWindow::bringForward);
     showState();
-    // An answer that comes at once is shown at once; and a window that changes its size before the window manager has
-    // placed it would end up in the screen's corner.
+    // Shown only then, so that a quick answer is the first thing it shows, and because a window that changes its size
+    // before the window manager has placed it would end up in the screen's corner.
     QTimer::singleShot(timeToAnswer, this, [this] {
         if (m_session.state() != UpdateSession::State::Ended)
             show();
@@ -76,7 +76,7 @@ void UpdateWindow::showState()
         return hide();
     auto *page = pageForState();
     if (m_page != nullptr) {
-        // The change may come out of one of the old page's buttons.
+        // Deleted later, since this may run inside a signal of one of the old page's buttons.
         layout()->removeWidget(m_page);
         m_page->hide();
         m_page->deleteLater();
@@ -94,7 +94,7 @@ void UpdateWindow::fit()
     const QSize room = roomOnScreen(*this).size();
     const int wanted = std::max(qRound(usualWidth * textScale()), layout()->minimumSize().width());
     const int width = std::min(wanted, room.width());
-    // A layout's minimum height does not take in the lines of wrapped sentences.
+    // A layout's minimum height does not include the further lines of wrapped sentences.
     setMinimumSize(width, std::min(layout()->totalHeightForWidth(width), room.height()));
 }
 
@@ -173,7 +173,7 @@ UpdatePage *UpdateWindow::downloadingPage()
 {
     auto *page = new UpdatePage(tr("Downloading the update\u2026"), {}, this);
     auto *bar = new ProgressBar(page->accessibleName());
-    // A space keeps the line's height until there is something to tell.
+    // A space keeps the line's height until there is something to show.
     auto *amount = new TextLabel(QStringLiteral(" "), TextStyle::Subheadline, &Theme::secondaryText);
     connect(&m_session, &UpdateSession::progressed, bar, [bar, amount](qint64 received, qint64 expected) {
         const QLocale locale;

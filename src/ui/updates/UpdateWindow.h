@@ -17,7 +17,7 @@ class UpdateWindow final : public QDialog
     Q_OBJECT
 
 public:
-    /// Shows itself after a moment, on the page that the session has come to by then. `session` must outlive it.
+    /// Shows itself after a moment, with the state that the session has reached by then. `session` must outlive it.
     /// `relaunch` replaces this process with the new version.
     UpdateWindow(UpdateSession &session, std::function<void()> relaunch);
 
