@@ -43,10 +43,12 @@ private:
     {
         m_schedule.cancel();
         m_schedule = {};
+        // A task that was cancelled before its start begins all the same, and this may be gone by then.
         if (m_isAutomatic && canCheckForUpdates())
-            m_schedule = Task::startOnMain(m_service.m_executor, [this](TaskContext context) {
-                return m_service.checkWhenDue(context, m_interval);
-            });
+            m_schedule = Task::startOnMain(m_service.m_executor,
+                                           [&service = m_service, interval = m_interval](TaskContext context) {
+                                               return service.checkWhenDue(context, interval);
+                                           });
     }
 
     UpdateService &m_service;
