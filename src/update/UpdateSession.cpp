@@ -57,6 +57,8 @@ void UpdateSession::start()
         m_origin = Origin::Manual; // it is the user who tries again
     if (m_origin == Origin::Manual)
         m_defaults.setData(skippedVersionKey, {});
+    m_notesDownloader.cancel(); // of the release that the former check found
+    m_item = {};
     m_feed.close();
     m_feed.setData({});
     m_feed.open(QIODevice::WriteOnly);
