@@ -12,7 +12,7 @@ struct PrivilegedResult
     enum class Status {
         Succeeded,
         Failed,  ///< refused by the user or the system, or the command itself ended with an error
-        Rejected ///< nothing was asked or run: the system does not take this command
+        Rejected ///< nothing was asked or run: the system does not accept this command
     };
 
     Status status = Status::Succeeded;

@@ -17,7 +17,7 @@ namespace {
 constexpr int scrollBarExtent = 10; // logical pixels
 constexpr int toolTipPadding = 5;
 
-/// Qt and our own controls pass an option of this class wherever it is called.
+/// Wherever this is called, Qt and our own controls pass an option of this class.
 template <typename Option>
 const Option &as(const QStyleOption *option)
 {

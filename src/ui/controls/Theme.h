@@ -47,7 +47,7 @@ struct Theme
 /// Gives selections and links the theme's accent and tool tips the colours of its cards, whatever the desktop's are.
 void setAccent(QPalette &palette);
 
-/// The palette for desktops that tell no colours of their own.
+/// The palette for desktops that provide no colours of their own.
 QPalette housePalette(bool isDark, bool isHighContrast);
 
 /// Contrast ratio of two opaque colours, 1 to 21, after WCAG 2.1.
