@@ -137,9 +137,9 @@ void ScheduleSettingsView::addRow()
     setTabOrder(row->lastInTabOrder(), m_add);
 }
 
-// Scrolling moves this widget. Rows are created as the end of the list comes near, so that a schedule of any length
-// opens at once.
-void ScheduleSettingsView::moveEvent(QMoveEvent *)
+// This is painted when it is shown and as it is scrolled. Rows are created as the end of the list comes near, so that a
+// schedule of any length opens at once.
+void ScheduleSettingsView::paintEvent(QPaintEvent *)
 {
     const QRect seen = visibleRegion().boundingRect();
     if (m_rows.size() < m_entries.size() && seen.bottom() > height() - 2 * seen.height())
