@@ -30,11 +30,12 @@
 
 namespace ambertide {
 
-/// In the order of construction. They are destroyed in the reverse order: the tasks before what they work on.
+/// In the order of construction, which is the reverse of that of destruction: the toolkit changes the environment while
+/// it starts, so no other thread may read that yet, and the tasks end before what they work on.
 struct LinuxSystem::Adapters
 {
-    std::unique_ptr<BackendDisplayServices> displays;
     SessionApplication application;
+    std::unique_ptr<BackendDisplayServices> displays;
     PlistMainBundle mainBundle;
     SystemCalendar calendar;
     SettingsUserDefaults userDefaults;
@@ -53,7 +54,7 @@ struct LinuxSystem::Adapters
     ThreadTaskExecutor installerExecutor;
 
     Adapters(const std::filesystem::path &program, int &argc, char **argv)
-        : displays(makeSessionDisplayServices(program.parent_path())), application(argc, argv), mainBundle(program),
+        : application(argc, argv), displays(makeSessionDisplayServices(program.parent_path())), mainBundle(program),
           updateInstaller(makeUpdateInstaller(program.parent_path())), privilegedRunner(program.parent_path())
     {
     }
