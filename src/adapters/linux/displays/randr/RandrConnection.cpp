@@ -30,7 +30,7 @@ std::string nameOf(const XcbReply<xcb_randr_get_output_info_reply_t> &info)
 {
     if (!info)
         return {};
-    const std::span name(xcb_randr_get_output_info_name(info.get()), info->name_len);
+    const auto name = listIn(info, xcb_randr_get_output_info_name(info.get()), info->name_len);
     return {name.begin(), name.end()};
 }
 
@@ -69,8 +69,8 @@ bool RandrConnection::hasXwaylandOutput()
     constexpr auto prefix = "XWAYLAND"sv;
     std::vector<xcb_randr_get_output_info_cookie_t> cookies;
     for (const auto &resources : screenResources()) {
-        const std::span outputs(xcb_randr_get_screen_resources_current_outputs(resources.get()),
-                                resources->num_outputs);
+        const auto outputs =
+            listIn(resources, xcb_randr_get_screen_resources_current_outputs(resources.get()), resources->num_outputs);
         for (const auto output : outputs)
             cookies.push_back(xcb_randr_get_output_info(m_xcb.get(), output, resources->config_timestamp));
     }
@@ -179,7 +179,8 @@ void RandrConnection::readCrtcs()
     };
     std::vector<Questions> asked;
     for (const auto &resources : screenResources()) {
-        const std::span listed(xcb_randr_get_screen_resources_current_crtcs(resources.get()), resources->num_crtcs);
+        const auto listed =
+            listIn(resources, xcb_randr_get_screen_resources_current_crtcs(resources.get()), resources->num_crtcs);
         for (const auto crtc : listed) {
             asked.push_back({crtc, xcb_randr_get_crtc_info(m_xcb.get(), crtc, resources->config_timestamp),
                              xcb_randr_get_crtc_gamma_size(m_xcb.get(), crtc)});
@@ -194,10 +195,12 @@ void RandrConnection::readCrtcs()
         const bool isActive = info && info->mode != XCB_NONE;
         const bool hasTable = table && table->size >= smallestTable && table->size <= largestTable;
         m_crtcs.push_back({crtc, isActive, hasTable ? table->size : std::uint16_t{0}, {}});
-        outputs.push_back(
-            info && info->num_outputs > 0
-                ? xcb_randr_get_output_info(m_xcb.get(), *xcb_randr_get_crtc_info_outputs(info.get()), info->timestamp)
-                : xcb_randr_get_output_info_cookie_t{});
+        auto &question = outputs.emplace_back();
+        if (!info)
+            continue;
+        const auto shown = listIn(info, xcb_randr_get_crtc_info_outputs(info.get()), info->num_outputs);
+        if (!shown.empty())
+            question = xcb_randr_get_output_info(m_xcb.get(), shown.front(), info->timestamp);
     }
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         if (outputs[i].sequence != 0)
