@@ -126,6 +126,10 @@ NightLightLoan::End NightLightLoan::giveBack(std::chrono::milliseconds patience)
 
 NightLightLoan::End NightLightLoan::tryGiveBack()
 {
+    if (!settings_file::read(m_files.state)) {
+        fail("read", m_files.state);
+        return End::failed;
+    }
     const auto state = readState();
     if (!state)
         return End::nothingBorrowed;
