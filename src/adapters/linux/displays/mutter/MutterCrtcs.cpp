@@ -6,6 +6,8 @@ namespace {
 
 constexpr int mostRefusals = 2;
 constexpr std::uint64_t microsecondsForReply = 2'000'000;
+/// Foreign tables that are further apart than some passes are no contest.
+constexpr std::chrono::seconds foreignTablesApart{10};
 
 SdBusSlot send(sd_bus *bus, const SdBusMessage &call, sd_bus_message_handler_t handler, void *context)
 {
@@ -145,6 +147,9 @@ void MutterCrtcs::takeGamma(Crtc &crtc, sd_bus_message *reply)
         crtc.size = display_config::tableSize(*gamma);
     if (crtc.shown && !display_config::isSame(*gamma, *crtc.shown)) {
         crtc.shown.reset();
+        const auto now = std::chrono::steady_clock::now();
+        if (now - std::exchange(crtc.lastForeign, now) > foreignTablesApart)
+            crtc.foreignTables = 0;
         m_isContested = m_isContested || ++crtc.foreignTables >= mostForeignTables;
     }
     proceed(crtc);

@@ -51,7 +51,8 @@ private:
         std::optional<GammaTables> wanted{};
         std::optional<GammaRamp> sent{};  ///< by the call under way
         std::optional<GammaRamp> shown{}; ///< nothing where that is unknown
-        int foreignTables = 0;            ///< seen since forgetShown()
+        int foreignTables = 0;            ///< seen since forgetShown(), each soon after the one before
+        SdBusDeadline lastForeign{};      ///< when the last of them was seen
         bool mustBeLookedAt = false;
         SdBusSlot call{}; ///< under way
     };
