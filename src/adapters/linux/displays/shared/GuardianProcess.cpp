@@ -53,6 +53,7 @@ void GuardianProcess::dismiss()
 {
     if (isRunning() && m_told != 0)
         tell(0);
+    m_isMissing = false; // and not missed while nothing is tinted
 }
 
 void GuardianProcess::renew()
