@@ -12,6 +12,7 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -51,7 +52,8 @@ QLayout *divider()
     return padded(line, 0, dividerPadding);
 }
 
-int hundreds(double temperature) { return static_cast<int>(temperature / 100); }
+/// A schedule that somebody has written by hand may hold any number.
+long long wholeKelvin(double temperature) { return static_cast<long long>(std::clamp(temperature, -1e18, 1e18)); }
 
 } // namespace
 
@@ -147,7 +149,7 @@ QString MenuBarView::temperatureText(double temperature)
 {
     if (temperature >= AppViewModel::neutralTemperature)
         return tr("Normal (Daylight)");
-    const auto kelvin = static_cast<long long>(temperature);
+    const auto kelvin = wholeKelvin(temperature);
     const QString description = getTemperatureDescription(temperature);
     return description.isEmpty() ? tr("%1K").arg(kelvin) : tr("%1K (%2)").arg(kelvin).arg(description);
 }
@@ -157,7 +159,7 @@ QString MenuBarView::getTemperatureDescription(double temperature)
     const std::map<long long, QString> descriptions = {{1900, tr("Candle")},   {2700, tr("Tungsten")},
                                                        {3400, tr("Halogen")},  {4200, tr("Fluorescent")},
                                                        {5500, tr("Sunlight")}, {6500, tr("Daylight")}};
-    const auto found = descriptions.find(static_cast<long long>(temperature));
+    const auto found = descriptions.find(wholeKelvin(temperature));
     return found != descriptions.end() ? found->second : QString();
 }
 
@@ -195,7 +197,7 @@ void MenuBarView::follow()
 {
     const double former = std::exchange(m_temperature, m_viewModel.temperature());
     if (former != m_temperature) {
-        if (m_isDragging && hundreds(former) != hundreds(m_temperature))
+        if (m_isDragging && wholeKelvin(former / 100) != wholeKelvin(m_temperature / 100))
             m_haptics.performLevelChange();
         showTemperature();
     }
