@@ -25,7 +25,7 @@ def expect_controls(*window, controls):
     wait_until(lambda: screen_reader.outline(*window, roles=CONTROLS) == controls, f"{window} has not just {controls}")
 
 
-def windows(desktop):
+def without_mouse(desktop):
     desktop.start_application()
     desktop.open_panel()
     expect_controls("frame", "Ambertide", controls=PANEL)
@@ -34,35 +34,24 @@ def windows(desktop):
     assert "3400K (Halogen)" in screen_reader.texts()
     desktop.tool("set", "2700")
     wait_until(lambda: screen_reader.element(*SLIDER).get_description() == "2700 K", "the slider does not follow")
-    desktop.key("Escape")
-    desktop.show_settings()
-    expect_controls("frame", "Ambertide Settings", controls=TABS + GENERAL)
-    screen_reader.act("page tab", "Schedule")
-    screen_reader.act(*ADD)
-    expect_controls("dialog", "Edit Schedule Entry", controls=EDITOR)
-    screen_reader.act("push button", "Save")
-    expect_controls("frame", "Ambertide Settings", controls=TABS + [SCHEDULE, *ENTRY, ADD])
-
-
-def keyboard(desktop):
-    desktop.start_application()
-    desktop.open_panel()
     for keys, kelvin in ((("Home",), "1000"), (("Right", "Up", "Left"), "1100"), (("Prior",), "1600")):
-        focus(desktop, SLIDER)
-        desktop.key(*keys)
+        press(desktop, SLIDER, *keys)
         wait_until(lambda: desktop.tool("get") == kelvin, f"{keys} do not lead to {kelvin} K")
     for key in "space", "Return":
-        focus(desktop, SCHEDULE)
         before = screen_reader.is_checked(*SCHEDULE)
-        desktop.key(key)
+        press(desktop, SCHEDULE, key)
         wait_until(lambda: screen_reader.is_checked(*SCHEDULE) != before, f"{key} does not switch the schedule")
     press(desktop, PANEL[0], "Return")
     wait_until(lambda: screen_reader.focused() is not None, "nothing in Settings has the keyboard")
     press(desktop, TABS[0], "Right")
     press(desktop, ADD, "Return")
+    expect_controls("dialog", "Edit Schedule Entry", controls=EDITOR)
     press(desktop, EDITOR[-1], "space")
+    expect_controls("frame", "Ambertide Settings", controls=TABS + [SCHEDULE, *ENTRY, ADD])
     press(desktop, ENTRY[0], "Delete")
     screen_reader.wait_until_gone(*ENTRY[0])
+    screen_reader.act(*TABS[0])
+    expect_controls("frame", "Ambertide Settings", controls=TABS + GENERAL)
     desktop.key("ctrl+w")
     screen_reader.wait_until_gone("frame", "Ambertide Settings")
     desktop.open_panel()
@@ -70,22 +59,17 @@ def keyboard(desktop):
     assert desktop.application.wait(20) == 0
 
 
-def press(desktop, control, key):
-    focus(desktop, control)
-    desktop.key(key)
-
-
-def focus(desktop, control):
-    """By Tab."""
+def press(desktop, control, *keys):
+    """Once Tab has led there."""
     wait_until(lambda: screen_reader.elements(*control), f"there is no {control}")
     for _ in range(20):
         before = screen_reader.focused()
         if before == control:
-            return
+            return desktop.key(*keys)
         desktop.key("Tab")
         # The field has three parts: hour, minute and half of the day.
-        wait_until(lambda: before == EDITOR[0] or screen_reader.focused() not in (None, before), f"Tab stays at {before}")
+        wait_until(lambda: before == EDITOR[0] or screen_reader.focused() not in (None, before), f"Tab keeps {before}")
     raise AssertionError(f"Tab does not come to {control}")
 
 
-main({"windows": windows, "keyboard": keyboard})
+main({"without-mouse": without_mouse})

@@ -15,11 +15,16 @@ import time
 
 from gi.repository import GLib
 
-PANELS = pathlib.Path(__file__).resolve().parent / "panels"
+FILES = pathlib.Path(__file__).resolve().parent / "panels"
+# Each panel's arguments, and where it shows its only icon.
+PANELS = {"xfce4-panel": (["--disable-wm-check"], (1266, 15)),
+          "lxqt-panel": (["-c", str(FILES / "lxqt-panel.conf")], (1265, 785)),
+          "tint2": (["-c", str(FILES / "tint2rc")], (1265, 784))}
 NEUTRAL = (65535, 65535, 65535)
 AT_3400 = (65535, 48740, 34739)
 AT_2700 = (65535, 42847, 22463)
-BUS_CONFIGURATION = """<busconfig><type>session</type><listen>unix:path={0}/bus</listen><servicedir>{0}/services</servicedir>
+BUS_CONFIGURATION = """<busconfig>
+<type>session</type><listen>unix:path={0}/bus</listen><servicedir>{0}/services</servicedir>
 <policy context="default"><allow send_destination="*"/><allow receive_sender="*"/><allow own="*"/></policy></busconfig>
 """
 
@@ -30,8 +35,8 @@ def wait_until(condition, what, seconds=20):
     while time.monotonic() < deadline:
         try:
             value = condition()
-        except GLib.Error:
-            value = None  # an accessible element went while it was looked at
+        except (GLib.Error, subprocess.CalledProcessError):
+            value = None  # an accessible element went while it was looked at, or the application is busy
         if value:
             return value
         time.sleep(0.02)
@@ -39,7 +44,7 @@ def wait_until(condition, what, seconds=20):
 
 
 class Desktop:
-    """Starts all but Ambertide. `panel` is one of panels/."""
+    """Starts all but Ambertide."""
 
     def __init__(self, build, panel="xfce4-panel", scale=1, gtk_theme="Adwaita"):
         self.build = pathlib.Path(build).resolve()
@@ -54,10 +59,10 @@ class Desktop:
                           GTK_THEME=gtk_theme)
         self._start_server(f"{1280 * scale}x{800 * scale}x24")
         self._start_buses()
-        self.start("openbox", "--config-file", str(PANELS / "openbox.xml"))
+        self.start("openbox", "--config-file", str(FILES / "openbox.xml"))
         wait_until(lambda: self.xdotool("get_num_desktops"), "no window manager answers")
-        self._start_panel(panel)
-        x, y = {"xfce4-panel": (1266, 15), "lxqt-panel": (1265, 785), "tint2": (1265, 784)}[panel]
+        arguments, (x, y) = PANELS[panel]
+        self._start_panel(panel, arguments)
         self.icon = x * scale, y * scale
         self.application = None
 
@@ -95,16 +100,14 @@ class Desktop:
         os.environ["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.home}/bus"
         os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={self.home}/no-system-bus"
 
-    def _start_panel(self, panel):
+    def _start_panel(self, panel, arguments):
         folder = self.home / ".config/xfce4/xfconf/xfce-perchannel-xml"
         folder.mkdir(parents=True)
-        shutil.copy(PANELS / "xfce4-panel.xml", folder)
-        arguments = {"xfce4-panel": ["--disable-wm-check"], "lxqt-panel": ["-c", str(PANELS / "lxqt-panel.conf")],
-                     "tint2": ["-c", str(PANELS / "tint2rc")]}[panel]
+        shutil.copy(FILES / "xfce4-panel.xml", folder)
         for attempt in 1, 2:  # Xfce's now and then comes up without a window
             process = self.start(panel, *arguments)
             try:
-                wait_until(lambda: self.xdotool("search", "--onlyvisible", "--class", panel), f"{panel} shows no window")
+                wait_until(lambda: self.xdotool("search", "--onlyvisible", "--class", panel), f"no window of {panel}")
                 return
             except TimeoutError:
                 if attempt == 2:
@@ -115,7 +118,7 @@ class Desktop:
     # The application
 
     def start_application(self, *wrapper, **environment):
-        """Returns when it takes requests. The environment is its own, on top of everybody's; a wrapper is a command that
+        """Returns when it takes requests. The environment is added to everybody's; a wrapper is a command that
         runs the one behind it."""
         self.application = self.start(*wrapper, str(self.bundle / "Contents/MacOS/Ambertide"),
                                       output=open(self.home / "application.log", "wb"),
@@ -167,10 +170,6 @@ class Desktop:
         """A method of org.freedesktop.Application, with busctl's words for its arguments."""
         subprocess.run(["busctl", "--user", "call", "me.tovanu.Ambertide", "/me/tovanu/Ambertide",
                         "org.freedesktop.Application", method, *arguments], check=True, stdout=subprocess.DEVNULL)
-
-    def activate(self):
-        """What a launcher does when the application runs already."""
-        self.call("Activate", "a{sv}", "0")
 
     def show_settings(self):
         self.call("ActivateAction", "sava{sv}", "settings", "0", "0")

@@ -12,19 +12,23 @@ from desktop import wait_until
 State = Atspi.StateType
 
 
-def application(name="Ambertide"):
-    """The root of a program that draws windows."""
+def application():
+    """The root of Ambertide, once it draws windows."""
     def find():
         root = Atspi.get_desktop(0)
         root.clear_cache()
-        for index in range(root.get_child_count()):
-            child = root.get_child_at_index(index)
-            if child is not None and child.get_name() == name:
+        for child in children(root):
+            if child.get_name() == "Ambertide":
                 child.set_cache_mask(Atspi.Cache.NONE)
                 return child
         return None
 
-    return wait_until(find, f"{name} is not on the accessibility bus")
+    return wait_until(find, "Ambertide is not on the accessibility bus")
+
+
+def children(element):
+    found = [element.get_child_at_index(index) for index in range(element.get_child_count())]
+    return [child for child in found if child is not None]
 
 
 def role_of(element):
@@ -35,21 +39,15 @@ def role_of(element):
 
 def elements(role=None, name=None, within=None):
     """What is shown, in reading order, with these properties."""
-    found = []
-
-    def visit(element):
-        try:
-            if element is None or not has_state(element, State.SHOWING):
-                return
-            if role in (None, role_of(element)) and name in (None, element.get_name()):
-                found.append(element)
-            for index in range(element.get_child_count()):
-                visit(element.get_child_at_index(index))
-        except GLib.Error:
-            pass  # it went while it was looked at
-
-    visit(within or application())
-    return found
+    element = within or application()
+    try:
+        if not has_state(element, State.SHOWING):
+            return []
+        matches = role in (None, role_of(element)) and name in (None, element.get_name())
+        inside = [found for child in children(element) for found in elements(role, name, child)]
+    except GLib.Error:
+        return []  # it went while it was looked at
+    return [element] * matches + inside
 
 
 def outline(role, name, roles):
