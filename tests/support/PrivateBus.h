@@ -27,9 +27,6 @@ public:
 </busconfig>
 )";
         write(QStringLiteral("bus.conf"), QString::fromLatin1(configuration).arg(m_folder.path()).toUtf8());
-        m_daemon.setProgram(QStringLiteral("dbus-daemon"));
-        m_daemon.setArguments({QStringLiteral("--config-file=%1/bus.conf").arg(m_folder.path()),
-                               QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
         m_daemon.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
         qputenv(addressVariable, "unix:path=" + m_folder.path().toUtf8() + "/bus");
         start();
@@ -39,7 +36,8 @@ public:
     /// Again at the same address.
     void start()
     {
-        m_daemon.start();
+        m_daemon.startCommand(
+            QStringLiteral("dbus-daemon --config-file=%1/bus.conf --nofork --print-address=1").arg(m_folder.path()));
         if (!m_daemon.waitForReadyRead()) // the address, written once it listens
             qFatal("The private bus does not start: %s", m_daemon.readAllStandardError().constData());
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -38,12 +39,10 @@ EndSection
 )";
         m_process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
         // Far apart at random rather than the first that is free: another test would take that while this one restarts.
-        for (int attempt = 1; attempt < 5 && !isRunning(); ++attempt) {
+        do {
             m_display = QStringLiteral(":%1").arg(QRandomGenerator::global()->bounded(1000, 59000));
-            tryToStart();
-        }
-        if (!isRunning())
-            start();
+        } while (QFile::exists(QStringLiteral("/tmp/.X%1-lock").arg(m_display.mid(1))));
+        start();
     }
     ~PrivateXServer() { stop(); }
 
@@ -51,16 +50,22 @@ EndSection
     std::string display() const { return m_display.toStdString(); }
     void stop()
     {
-        m_process.terminate();
-        if (!m_process.waitForFinished(10'000)) {
-            m_process.kill();
-            m_process.waitForFinished();
-        }
+        m_process.terminate(); // so that it removes its lock
+        m_process.waitForFinished(10'000);
     }
     void start()
     {
-        tryToStart();
-        if (!isRunning())
+        // The Xorg in PATH may be a wrapper that wants a console.
+        const auto program = QString::fromLatin1(m_kind == Kind::dummy ? "/usr/lib/xorg/Xorg" : "Xvfb");
+        auto command = QStringLiteral("%1 %2 -displayfd 1 -noreset -nolisten tcp").arg(program, m_display);
+        if (m_kind == Kind::dummy)
+            command += QStringLiteral(" -novtswitch -sharevts -keeptty -config %1/xorg.conf -logfile %1/xorg.log")
+                           .arg(m_folder.path());
+        m_process.startCommand(command);
+        // It writes its number when it listens.
+        while (m_process.state() != QProcess::NotRunning && !m_process.canReadLine())
+            m_process.waitForReadyRead(30'000);
+        if (m_process.state() == QProcess::NotRunning)
             throw std::runtime_error("no X server: " + m_process.readAllStandardError().toStdString());
     }
     /// It stays as it is, but answers nobody.
@@ -70,7 +75,8 @@ EndSection
     /// Runs the `xrandr` program with these arguments.
     void xrandr(const QString &arguments) const
     {
-        if (QProcess::execute(QStringLiteral("xrandr"), words(QStringLiteral("--display %1 ") + arguments)) != 0)
+        const QStringList atThisServer = {QStringLiteral("--display"), m_display};
+        if (QProcess::execute(QStringLiteral("xrandr"), atThisServer + arguments.split(u' ')) != 0)
             throw std::runtime_error("xrandr failed: " + arguments.toStdString());
     }
     void switchOn(const QString &output) const
@@ -81,27 +87,6 @@ EndSection
     void switchOff(const QString &output) const { xrandr(QStringLiteral("--output %1 --off").arg(output)); }
 
 private:
-    bool isRunning() const { return m_process.state() == QProcess::Running; }
-    /// With the display for %1 and the folder for %2.
-    QStringList words(const QString &line) const
-    {
-        auto words = line.split(u' ');
-        return words.replaceInStrings(QStringLiteral("%1"), m_display)
-            .replaceInStrings(QStringLiteral("%2"), m_folder.path());
-    }
-    void tryToStart()
-    {
-        auto arguments = words(QStringLiteral("%1 -displayfd 1 -noreset -nolisten tcp"));
-        if (m_kind == Kind::dummy)
-            arguments +=
-                words(QStringLiteral("-novtswitch -sharevts -keeptty -config %2/xorg.conf -logfile %2/xorg.log"));
-        // The Xorg in PATH may be a wrapper that wants a console.
-        m_process.start(QLatin1String(m_kind == Kind::dummy ? "/usr/lib/xorg/Xorg" : "Xvfb"), arguments);
-        // It writes its number when it listens.
-        while (m_process.state() != QProcess::NotRunning && !m_process.canReadLine())
-            m_process.waitForReadyRead(30'000);
-    }
-
     const Kind m_kind;
     QTemporaryDir m_folder;
     QProcess m_process;

@@ -21,6 +21,13 @@ struct Service
         waitUntilReady(bus.get(), std::chrono::steady_clock::now() + 20s);
         sd_bus_request_name(bus.get(), name, 0);
     }
+
+    template <typename... Value>
+    void announce(const char *group, const char *key, const char *type, Value... value)
+    {
+        sd_bus_emit_signal(bus.get(), "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings",
+                           "SettingChanged", "ssv", group, key, type, value...);
+    }
 };
 
 struct Portal : Service
@@ -32,24 +39,13 @@ struct Portal : Service
     void answer(const char *types, Values... values)
     {
         SdBusMessage call;
-        const auto hasCall = [&call] {
-            return call && sd_bus_message_is_method_call(call.get(), nullptr, nullptr) > 0;
-        };
-        const auto readCall = [&] {
+        QVERIFY(QTest::qWaitFor([&] {
             sd_bus_message *message = nullptr;
-            if (!hasCall() && sd_bus_process(bus.get(), &message) > 0)
+            if (sd_bus_process(bus.get(), &message) > 0)
                 call.reset(message);
-            return hasCall();
-        };
-        QTRY_VERIFY(readCall());
+            return call && sd_bus_message_is_method_call(call.get(), nullptr, nullptr) > 0;
+        }));
         sd_bus_reply_method_return(call.get(), types, values...);
-    }
-
-    template <typename... Value>
-    void announce(const char *group, const char *key, const char *type, Value... value)
-    {
-        sd_bus_emit_signal(bus.get(), "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings",
-                           "SettingChanged", "ssv", group, key, type, value...);
     }
 };
 
@@ -87,6 +83,7 @@ private Q_SLOTS:
         portal->announce(appearanceGroup, "color-scheme", "s", "dark");
         QTRY_COMPARE(look(), "any still");
         Service xfconf(SdBusKind::session, "org.xfce.Xfconf");
+        xfconf.announce(appearanceGroup, "color-scheme", "v", "u", 2); // is not the portal
         sd_bus_emit_signal(xfconf.bus.get(), "/org/xfce/Xfconf", "org.xfce.Xfconf", "PropertyChanged", "ssv",
                            "xsettings", "/Gtk/FontName", "s", " Sans 12");
         QTRY_COMPARE(look(), "any still Sans 12");
@@ -109,12 +106,18 @@ private Q_SLOTS:
         int wakes = 0;
         const auto observation = wake.observe([&wakes] { ++wakes; });
         QVERIFY(session.readyBus(std::chrono::steady_clock::now() + 10s) != nullptr);
-        const Service logind(SdBusKind::system, "org.freedesktop.login1");
-        for (const int isGoingToSleep : {1, 0, 1})
-            sd_bus_emit_signal(logind.bus.get(), "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
-                               "PrepareForSleep", "b", isGoingToSleep);
-        sd_bus_flush(logind.bus.get());
-        QTRY_COMPARE(wakes, 1);
+        int ends = 0;
+        const auto ended = session.match("type='signal',member='End'", [&ends](sd_bus_message *) { ++ends; });
+        for (const char *name : {"a.stranger", "org.freedesktop.login1"}) {
+            const Service sender(SdBusKind::system, name);
+            for (const int isGoingToSleep : {1, 0, 1})
+                sd_bus_emit_signal(sender.bus.get(), "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
+                                   "PrepareForSleep", "b", isGoingToSleep);
+            sd_bus_emit_signal(sender.bus.get(), "/", "a.b", "End", "");
+            sd_bus_flush(sender.bus.get());
+        }
+        QTRY_COMPARE(ends, 2);
+        QCOMPARE(wakes, 1);
     }
 };
 
