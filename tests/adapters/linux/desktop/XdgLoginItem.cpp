@@ -115,7 +115,8 @@ private Q_SLOTS:
             QCOMPARE(QProcess::execute(generator, {m_home->path(), m_home->path(), m_home->path()}), 0);
             QCOMPARE(unit.open(QIODevice::ReadOnly), addition.empty());
             QCOMPARE(m_item.status() == Enabled, addition.empty());
-            QCOMPARE(unit.readAll().contains("f%%g%%%%h;i#j Янтарь 琥珀/Contents/MacOS/Ambertide\" --at-login\n"), addition.empty());
+            QCOMPARE(unit.readAll().contains("f%%g%%%%h;i#j Янтарь 琥珀/Contents/MacOS/Ambertide\" --at-login\n"),
+                     addition.empty());
         }
     }
 };
