@@ -106,6 +106,13 @@ private Q_SLOTS:
         int wakes = 0;
         const auto observation = wake.observe([&wakes] { ++wakes; });
         QVERIFY(session.readyBus(std::chrono::steady_clock::now() + 10s) != nullptr);
+        const char *own = nullptr;
+        sd_bus_get_unique_name(session.bus(), &own);
+        const auto straightToIt = QStringLiteral("--system emit --destination=%1 /org/freedesktop/login1 "
+                                                 "org.freedesktop.login1.Manager PrepareForSleep b false");
+        QCOMPARE(
+            QProcess::execute(QStringLiteral("busctl"), QProcess::splitCommand(straightToIt.arg(QLatin1String(own)))),
+            0);
         int ends = 0;
         const auto ended = session.match("type='signal',member='End'", [&ends](sd_bus_message *) { ++ends; });
         for (const char *name : {"a.stranger", "org.freedesktop.login1"}) {
