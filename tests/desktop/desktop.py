@@ -18,8 +18,8 @@ from gi.repository import GLib
 FILES = pathlib.Path(__file__).resolve().parent / "panels"
 # Each panel's arguments, and where it shows its only icon.
 PANELS = {"xfce4-panel": (["--disable-wm-check"], (1266, 15)),
-          "lxqt-panel": (["-c", str(FILES / "lxqt-panel.conf")], (1265, 785)),
-          "tint2": (["-c", str(FILES / "tint2rc")], (1265, 784))}
+          "lxqt-panel": (["-c", "lxqt-panel.conf"], (1265, 785)),
+          "tint2": (["-c", "tint2rc"], (1265, 784))}
 NEUTRAL = (65535, 65535, 65535)
 AT_3400 = (65535, 48740, 34739)
 AT_2700 = (65535, 42847, 22463)
@@ -104,8 +104,9 @@ class Desktop:
         folder = self.home / ".config/xfce4/xfconf/xfce-perchannel-xml"
         folder.mkdir(parents=True)
         shutil.copy(FILES / "xfce4-panel.xml", folder)
+        shutil.copytree(FILES, self.home, dirs_exist_ok=True)  # LXQt's writes to its file
         for attempt in 1, 2:  # Xfce's now and then comes up without a window
-            process = self.start(panel, *arguments)
+            process = self.start(panel, *arguments, cwd=self.home)
             try:
                 wait_until(lambda: self.xdotool("search", "--onlyvisible", "--class", panel), f"no window of {panel}")
                 return
