@@ -36,13 +36,6 @@ int handle(sd_bus_message *message, void *handler, sd_bus_error *)
     return 0;
 }
 
-/// Signals for everybody alone: the bus holds these to the sender that a rule names, but hands over whatever any
-/// program sends to this one.
-int handleBroadcast(sd_bus_message *message, void *handler, sd_bus_error *error)
-{
-    return sd_bus_message_get_destination(message) == nullptr ? handle(message, handler, error) : 0;
-}
-
 std::string nameOf(SdBusKind kind) { return kind == SdBusKind::session ? "session bus" : "system bus"; }
 
 } // namespace
@@ -92,7 +85,7 @@ Observation DBusSession::install(Installer installer)
 Observation DBusSession::match(std::string rule, MessageHandler handler)
 {
     return install([rule = std::move(rule), shared = std::make_shared<MessageHandler>(std::move(handler))](
-                       sd_bus *bus) { return addMatch(bus, rule, handleBroadcast, shared.get()); });
+                       sd_bus *bus) { return addMatch(bus, rule, handle, shared.get()); });
 }
 
 Observation DBusSession::call(std::function<SdBusMessage(sd_bus *)> makeCall, MessageHandler answered)

@@ -22,13 +22,26 @@ std::uint64_t microsecondsUntil(SdBusDeadline deadline)
 /// handler, sd-bus would close the connection.
 int ignoreReply(sd_bus_message *, void *, sd_bus_error *) { return 0; }
 
+/// Drops a signal that another program sends to this connection alone. The bus holds broadcasts to the sender that a
+/// rule names, but delivers whatever is addressed to a connection, and sd-bus takes its sender for the one of the rule.
+int dropForgedSignal(sd_bus_message *message, void *, sd_bus_error *)
+{
+    const char *const sender = sd_bus_message_get_sender(message);
+    return sd_bus_message_is_signal(message, nullptr, nullptr) > 0 &&
+           sd_bus_message_get_destination(message) != nullptr &&
+           (!sender || std::string_view(sender) != "org.freedesktop.DBus");
+}
+
 } // namespace
 
 SdBusConnection openSdBus(SdBusKind kind)
 {
     sd_bus *bus = nullptr;
     const int result = kind == SdBusKind::session ? sd_bus_open_user(&bus) : sd_bus_open_system(&bus);
-    return SdBusConnection(result < 0 ? nullptr : bus);
+    if (result < 0)
+        return nullptr;
+    sd_bus_add_filter(bus, nullptr, dropForgedSignal, nullptr);
+    return SdBusConnection(bus);
 }
 
 bool processUntil(sd_bus *bus, SdBusDeadline deadline, const std::function<bool()> &isDone)

@@ -26,7 +26,7 @@ using SdBusDeadline = std::chrono::steady_clock::time_point;
 enum class SdBusKind { session, system };
 
 /// Starts a connection, without waiting for the bus to answer. Messages may be queued at once. Null when there is no
-/// such bus.
+/// such bus. Of signals only broadcasts arrive, and those of the bus itself.
 SdBusConnection openSdBus(SdBusKind kind);
 
 /// Handles messages until `isDone` returns true. False when the deadline came first or the connection has ended.
