@@ -249,13 +249,16 @@ void drawSlider(QPainter &painter, const QStyleOptionSlider &option)
 QRect scrollThumb(const QStyleOptionSlider &option)
 {
     const QRect groove = option.rect;
-    const int room = groove.height();
+    const bool isHorizontal = option.orientation == Qt::Horizontal;
+    const int room = isHorizontal ? groove.width() : groove.height();
     const qint64 range = qint64(option.maximum) - option.minimum;
     const auto share = room * qint64(option.pageStep) / qMax(qint64(1), range + option.pageStep);
     const int length = range == 0 ? room : qMin(room, qMax(shortestScrollThumb, static_cast<int>(share)));
     const int start = QStyle::sliderPositionFromValue(option.minimum, option.maximum, option.sliderPosition,
                                                       room - length, option.upsideDown);
-    return {groove.x(), groove.y() + start, groove.width(), length};
+    const QRect thumb = isHorizontal ? QRect(groove.x() + start, groove.y(), length, groove.height())
+                                     : QRect(groove.x(), groove.y() + start, groove.width(), length);
+    return QStyle::visualRect(option.direction, groove, thumb);
 }
 
 void drawScrollBar(QPainter &painter, const QStyleOptionSlider &option)
@@ -269,7 +272,7 @@ void drawScrollBar(QPainter &painter, const QStyleOptionSlider &option)
                                      : isTouched          ? touchedScrollOpacity
                                                           : restingScrollOpacity));
     painter.fillRect(option.rect, theme.window);
-    fillRounded(painter, thumb, thumb.width() / 2, ink);
+    fillRounded(painter, thumb, qMin(thumb.width(), thumb.height()) / 2, ink);
 }
 
 bool isBusy(const QStyleOptionProgressBar &option) { return option.minimum == option.maximum; }

@@ -37,15 +37,19 @@ QRect scrollBarPart(const QStyleOptionSlider &bar, QStyle::SubControl part)
 {
     const QRect groove = bar.rect;
     const QRect thumb = scrollThumb(bar);
+    const bool isHorizontal = bar.orientation == Qt::Horizontal;
+    const bool isMirrored = isHorizontal && bar.direction == Qt::RightToLeft;
+    const QRect before(groove.topLeft(), isHorizontal ? thumb.bottomLeft() : thumb.topRight());
+    const QRect behind(isHorizontal ? thumb.topRight() : thumb.bottomLeft(), groove.bottomRight());
     switch (part) {
     case QStyle::SC_ScrollBarGroove:
         return groove;
     case QStyle::SC_ScrollBarSlider:
         return thumb;
     case QStyle::SC_ScrollBarSubPage:
-        return {groove.topLeft(), thumb.topRight()};
+        return isMirrored ? behind : before;
     case QStyle::SC_ScrollBarAddPage:
-        return {thumb.bottomLeft(), groove.bottomRight()};
+        return isMirrored ? before : behind;
     default:
         return {};
     }
@@ -156,6 +160,8 @@ QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
 void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                                const QWidget *widget) const
 {
+    if (element == PE_PanelScrollAreaCorner)
+        return;
     if (element != PE_PanelTipLabel)
         return QProxyStyle::drawPrimitive(element, option, painter, widget);
     const auto theme = Theme::of(option->palette);

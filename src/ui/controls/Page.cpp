@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QLayout>
 #include <QScreen>
+#include <QScrollBar>
 
 namespace ambertide {
 
@@ -26,7 +27,6 @@ Page::Page(QWidget *content, QWidget *parent) : QScrollArea(parent)
 {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWidgetResizable(true);
     setWidget(content);
     content->setAutoFillBackground(false);
@@ -47,7 +47,8 @@ int Page::idealHeight(int width) const
 
 QSize Page::minimumSizeHint() const
 {
-    return {widget()->minimumSizeHint().width(), QScrollArea::minimumSizeHint().height()};
+    const int width = widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width();
+    return {width, QScrollArea::minimumSizeHint().height()};
 }
 
 bool Page::eventFilter(QObject *watched, QEvent *event)

@@ -8,8 +8,8 @@ namespace ambertide {
 /// panels take nor the height of a title bar, so there their usual height is left out.
 QRect roomOnScreen(const QWidget &window);
 
-/// Shows its content, and scrolls it if there is not enough room for its height; never narrower than the content. Has
-/// no background of its own. A control that gets the focus is scrolled into view.
+/// Shows its content, and scrolls it where there is not enough room; asks to be as wide as the content. Has no
+/// background of its own. A control that gets the focus is scrolled into view.
 class Page final : public QScrollArea
 {
     Q_OBJECT

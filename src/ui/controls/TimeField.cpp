@@ -118,12 +118,13 @@ void TimeField::stepBy(int steps)
 
 QSize TimeField::sizeHint() const
 {
+    constexpr int roomInEditor = 5; // which a QLineEdit keeps free beside the text, and for its cursor
     int width = 0;
     for (const int hour : {10, 22})
         width = qMax(width, fontMetrics().horizontalAdvance(QLocale().toString(QTime(hour, 0), m_format)));
     QStyleOptionSpinBox option;
     initStyleOption(&option);
-    return style()->sizeFromContents(QStyle::CT_SpinBox, &option, {width, fontMetrics().height()}, this);
+    return style()->sizeFromContents(QStyle::CT_SpinBox, &option, {width + roomInEditor, fontMetrics().height()}, this);
 }
 
 void TimeField::focusOutEvent(QFocusEvent *event)

@@ -71,7 +71,7 @@ AboutView::AboutView(const MainBundle &bundle, bool hasFeed)
     column->addSpacing(gapInBlock);
     auto *line = new QHBoxLayout; // with an alignment instead, its height would be that at the whole width
     line->addStretch();
-    line->addWidget(m_description);
+    line->addWidget(m_description, 1);
     line->addStretch();
     column->addLayout(line);
     column->addSpacing(gapInBlock + gapAboveButton);
@@ -93,7 +93,7 @@ void AboutView::changeEvent(QEvent *event)
 
 void AboutView::fitDescription()
 {
-    m_description->setFixedWidth(qRound(descriptionWidth * std::max(1.0, textScale())));
+    m_description->setMaximumWidth(qRound(descriptionWidth * std::max(1.0, textScale())));
 }
 
 void AboutView::setCanCheckForUpdates(bool canCheck) { m_checkForUpdates->setEnabled(canCheck); }
