@@ -252,7 +252,7 @@
     </message>
     <message>
         <source>This desktop lets no program tint the displays.</source>
-        <translation>Dieser Desktop lässt kein Programm die Bildschirme einfärben.</translation>
+        <translation>Dieser Desktop lässt keine Färbung zu.</translation>
     </message>
     <message>
         <source>None of the displays here can be tinted.</source>
