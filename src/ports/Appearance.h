@@ -22,6 +22,8 @@ public:
     /// The font that the user has chosen since this program started, if the toolkit does not follow such a change by
     /// itself; else empty. Family, styles and size in points, as in "Noto Sans Bold 12".
     virtual std::string changedFont() const = 0;
+    /// By how much the user wants text larger than its fonts say, 0.5 to 3. On X11 the toolkit knows it already.
+    virtual double textFactor() const = 0;
 
     /// `changed` is called after any of the above has changed.
     virtual Observation observe(std::function<void()> changed) = 0;

@@ -4,12 +4,12 @@
 #include "ui/controls/Theme.h"
 
 #include <QApplication>
-#include <QFont>
 #include <QStyle>
 #include <QTimer>
 
 #include <chrono>
 #include <optional>
+#include <utility>
 
 namespace ambertide {
 
@@ -38,7 +38,8 @@ std::optional<QFont> fontDescribed(const QString &description)
 
 } // namespace
 
-AppearanceFollower::AppearanceFollower(Appearance &appearance) : m_appearance(appearance)
+AppearanceFollower::AppearanceFollower(Appearance &appearance)
+    : m_appearance(appearance), m_desktopFont(QApplication::font())
 {
     installStyle();
     // A palette other than the style's own comes from a platform theme, which knows the desktop's colours and follows
@@ -73,7 +74,13 @@ void AppearanceFollower::follow()
     if (m_style.isNull())
         return; // the next style is about to be installed, and that calls this again
     m_style->setMotionReduced(m_appearance.prefersReducedMotion());
-    const auto font = fontDescribed(QString::fromStdString(m_appearance.changedFont()));
+    auto font = fontDescribed(QString::fromStdString(m_appearance.changedFont()));
+    const bool isWayland = QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+    const double textFactor = isWayland ? m_appearance.textFactor() : 1;
+    if (!font && std::exchange(m_textFactor, textFactor) != textFactor)
+        font = m_desktopFont;
+    if (font && font->pointSizeF() > 0)
+        font->setPointSizeF(font->pointSizeF() * textFactor);
     if (font && *font != QApplication::font())
         QApplication::setFont(*font);
     const bool isHighContrast = m_appearance.prefersHighContrast();

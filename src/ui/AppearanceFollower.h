@@ -2,6 +2,7 @@
 
 #include "ports/Appearance.h"
 
+#include <QFont>
 #include <QObject>
 #include <QPointer>
 
@@ -24,6 +25,8 @@ private:
 
     Appearance &m_appearance;
     QPointer<HouseStyle> m_style; ///< belongs to QApplication
+    const QFont m_desktopFont;    ///< at the start
+    double m_textFactor = 1;      ///< of the application's font to that
     bool m_hasDesktopPalette;
     bool m_isDesktopDark; ///< whether the palette at the start was dark
     Observation m_observation;

@@ -18,6 +18,7 @@ class AppearanceFollowerTest : public QObject
         bool prefersHighContrast() const override { return false; }
         bool prefersReducedMotion() const override { return isMotionReduced; }
         std::string changedFont() const override { return font; }
+        double textFactor() const override { return 1; }
         Observation observe(std::function<void()> observer) override
         {
             return changed = std::move(observer), Observation();

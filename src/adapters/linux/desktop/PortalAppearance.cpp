@@ -3,6 +3,8 @@
 #include "adapters/linux/bus/SdBusWriter.h"
 
 #include <array>
+#include <cstdlib>
+#include <string_view>
 #include <utility>
 
 namespace ambertide {
@@ -29,8 +31,22 @@ constexpr Setting reducedMotionSetting = {"org.freedesktop.appearance", "reduced
 constexpr Setting highContrastSetting = {"org.gnome.desktop.a11y.interface", "high-contrast"};
 constexpr Setting animationsSetting = {"org.gnome.desktop.interface", "enable-animations"};
 
-constexpr std::array allSettings = {colorSchemeSetting, contrastSetting, reducedMotionSetting, highContrastSetting,
-                                    animationsSetting};
+/// A number.
+constexpr Setting textSetting = {"org.gnome.desktop.interface", "text-scaling-factor"};
+
+constexpr std::array allSettings = {colorSchemeSetting,  contrastSetting,   reducedMotionSetting,
+                                    highContrastSetting, animationsSetting, textSetting};
+
+// The range of the setting.
+constexpr double smallestText = 0.5;
+constexpr double largestText = 3;
+
+/// Elsewhere the fonts are as large as people want them.
+bool isGnome()
+{
+    const char *desktops = std::getenv("XDG_CURRENT_DESKTOP"); // a list with colons
+    return desktops != nullptr && std::string_view(desktops).find("GNOME") != std::string_view::npos;
+}
 
 } // namespace
 
@@ -117,6 +133,9 @@ void PortalAppearance::updateLook()
     look.isHighContrast = number(contrastSetting) == 1 || is(highContrastSetting, true);
     look.isMotionReduced = number(reducedMotionSetting) == 1 || is(animationsSetting, false);
     look.changedFont = m_xfceFont;
+    const auto factor = numberValue(m_settings[textSetting.group], textSetting.key);
+    if (factor >= smallestText && factor <= largestText && isGnome())
+        look.textFactor = *factor;
     if (std::exchange(m_look, look) != look)
         m_session.afterMessage([this] { m_observers.notify(); });
 }

@@ -27,6 +27,7 @@ public:
     bool prefersHighContrast() const override { return m_look.isHighContrast; }
     bool prefersReducedMotion() const override { return m_look.isMotionReduced; }
     std::string changedFont() const override { return m_look.changedFont; }
+    double textFactor() const override { return m_look.textFactor; }
     Observation observe(std::function<void()> changed) override;
 
 private:
@@ -36,6 +37,7 @@ private:
         bool isHighContrast = false;
         bool isMotionReduced = false;
         std::string changedFont;
+        double textFactor = 1;
         bool operator==(const Look &) const = default;
     };
 
