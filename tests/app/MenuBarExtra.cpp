@@ -4,9 +4,9 @@
 #include "support/ModelBench.h"
 #include "ui/panel/PanelWindow.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QLayout>
-#include <QPushButton>
 #include <QTest>
 
 using namespace ambertide;
@@ -27,36 +27,22 @@ struct FakeDesktop final : HapticPerformer, PanelPlacement
     void anchor(QWindow &, const QMargins &, std::optional<QPoint>) override {}
 };
 
-struct IdleUpdaterController final : UpdaterController
-{
-    void setAutomaticallyChecksForUpdates(bool) override {}
-    void setUpdateCheckInterval(double) override {}
-    void checkForUpdates() override {}
-    bool canCheckForUpdates() const override { return true; }
-};
-
 struct FakeTrayIcon final : TrayIcon
 {
-    struct State
-    {
-        Presence presence = Presence::Shown;
-        std::string menu;
-        std::string toolTip;
-        Callbacks callbacks;
-    };
+    explicit FakeTrayIcon(Callbacks itsCallbacks) : callbacks(std::move(itsCallbacks)) {}
 
-    explicit FakeTrayIcon(State &itsState) : state(itsState) {}
+    Callbacks callbacks;
+    Presence now = Presence::Shown;
+    std::string menu;
+    std::string toolTip;
 
-    State &state;
-
-    Presence presence() const override { return state.presence; }
+    Presence presence() const override { return now; }
     void setMenu(std::vector<TrayMenuItem> items) override
     {
-        state.menu.clear();
         for (const auto &item : items)
-            state.menu.append(item.text).append(item.isEnabled ? "|" : " (disabled)|");
+            menu.append(item.text).append(item.isEnabled ? "|" : " (disabled)|");
     }
-    void setToolTip(std::string text) override { state.toolTip = text; }
+    void setToolTip(std::string text) override { toolTip = text; }
 };
 
 } // namespace
@@ -69,10 +55,10 @@ class MenuBarExtraTest : public QObject
     {
         Bench() : ModelBench(3400) {}
 
-        SparkleUpdater updater{[] { return std::make_unique<IdleUpdaterController>(); }, userDefaults};
+        SparkleUpdater updater{system.createUpdater, userDefaults};
         FakeDesktop desktop;
         bool hasOpenedSchedule = false;
-        FakeTrayIcon::State icon;
+        FakeTrayIcon *icon = nullptr;
         MenuBarExtra extra{{.viewModel = *model,
                             .updater = updater,
                             .executor = executor,
@@ -85,21 +71,22 @@ class MenuBarExtraTest : public QObject
 
         std::unique_ptr<TrayIcon> makeIcon(TrayIcon::Callbacks callbacks)
         {
-            icon.callbacks = std::move(callbacks);
-            return std::make_unique<FakeTrayIcon>(icon);
+            icon = new FakeTrayIcon(std::move(callbacks));
+            return std::unique_ptr<TrayIcon>(icon);
         }
         void tellPresence(TrayIcon::Presence presence)
         {
-            icon.presence = presence;
-            icon.callbacks.presenceChanged();
+            icon->now = presence;
+            icon->callbacks.presenceChanged();
             QCoreApplication::processEvents();
         }
         static QWidget *panel()
         {
-            const auto windows = QApplication::topLevelWidgets();
-            const auto isPanel = [](auto *each) { return qobject_cast<PanelWindow *>(each) && each->isVisible(); };
-            const auto found = std::ranges::find_if(windows, isPanel);
-            return found == windows.end() ? nullptr : *found;
+            for (auto *each : QApplication::topLevelWidgets()) {
+                if (qobject_cast<PanelWindow *>(each) != nullptr && each->isVisible())
+                    return each;
+            }
+            return nullptr;
         }
         /// How often the displays are written within this time.
         std::size_t writesIn(std::chrono::nanoseconds duration)
@@ -113,8 +100,8 @@ private Q_SLOTS:
     void writesTheTintAgainWhenTheSystemMayHaveResetIt()
     {
         Bench bench;
-        QCOMPARE(bench.icon.toolTip, "3400K (Halogen)");
-        QCOMPARE(bench.icon.menu.c_str(), "Settings...|Check for Updates...||Quit Ambertide|");
+        QCOMPARE(bench.icon->toolTip, "3400K (Halogen)");
+        QCOMPARE(bench.icon->menu.c_str(), "Settings...|Check for Updates...||Quit Ambertide|");
         bench.extra.toggle({});
         QVERIFY(bench.writesIn(0s) > 0);
         const auto ofTheLoop = bench.writesIn(2s); // what counts is what comes on top of it
@@ -129,7 +116,7 @@ private Q_SLOTS:
             QCOMPARE(bench.writesIn(0s), writes);
         }
         bench.model->setTemperature(6500);
-        QCOMPARE(bench.icon.toolTip, "Normal (Daylight)");
+        QCOMPARE(bench.icon->toolTip, "Normal (Daylight)");
         bench.writesIn(5s);
         Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
         QCOMPARE(bench.writesIn(0s), 0U);
@@ -139,30 +126,27 @@ private Q_SLOTS:
     {
         Bench bench;
         bench.extra.toggle({});
-        const auto shows = [](const char *text) {
-            const auto widgets = Bench::panel()->findChildren<QWidget *>();
-            return std::ranges::count_if(widgets, [text](const auto *each) {
-                       return each->isVisible() && each->property("text").toString() == QLatin1String(text);
-                   }) == 1;
+        const auto shown = [](const char *text) -> QWidget * {
+            for (auto *each : Bench::panel()->findChildren<QWidget *>()) {
+                if (each->isVisible() && each->property("text").toString() == QLatin1String(text))
+                    return each;
+            }
+            return nullptr;
         };
         const char *refusal = "None of the displays here can be tinted.";
         bench.displays.tintRefusal = {TintRefusal::Reason::Displays, "no tables"};
         bench.notifications.post(notifications::withoutUserInfo(notifications::checkScheduleNow));
-        QVERIFY(shows(refusal) && bench.icon.toolTip == refusal);
+        QVERIFY(shown(refusal) && bench.icon->toolTip == refusal);
         bench.distributed.post(notifications::withoutUserInfo(notifications::getTemperature), Delivery::standard);
         QVERIFY(bench.distributed.posts.back().first.userInfo->at("refusal") == UserInfoValue("no tables"));
         bench.displays.tintRefusal.reset();
         bench.notifications.post(notifications::withoutUserInfo(notifications::checkScheduleNow));
-        QVERIFY(!shows(refusal) && bench.icon.toolTip == "3400K (Halogen)");
+        QVERIFY(!shown(refusal) && bench.icon->toolTip == "3400K (Halogen)");
 
         const char *link = "Nothing is scheduled yet...";
-        QVERIFY(!shows(link));
+        QVERIFY(!shown(link));
         bench.model->setScheduleEnabled(true);
-        QVERIFY(shows(link));
-        for (auto *each : Bench::panel()->findChildren<QPushButton *>()) {
-            if (each->text() == QLatin1String(link))
-                each->click();
-        }
+        qobject_cast<QAbstractButton *>(shown(link))->click();
         QVERIFY(bench.hasOpenedSchedule && Bench::panel() == nullptr);
     }
 

@@ -2,10 +2,37 @@
 
 #include "model/AppViewModel.h"
 #include "model/ScheduleEntry.h"
+#include "ports/LoginItem.h"
+#include "ports/PrivilegedRunner.h"
+#include "ports/UpdaterController.h"
 #include "protocol/DefaultsKeys.h"
 #include "support/Fakes.h"
 
 namespace ambertide {
+
+/// An administrator, a login item and an updater. Writes down what it is told, in order.
+struct FakeSystem final : PrivilegedRunner, LoginItem
+{
+    struct Updater final : UpdaterController
+    {
+        explicit Updater(std::string &record) : calls(record) {}
+        void setAutomaticallyChecksForUpdates(bool isOn) override { calls += isOn ? "on " : "off "; }
+        void setUpdateCheckInterval(double) override {}
+        void checkForUpdates() override { calls += "check "; }
+        bool canCheckForUpdates() const override { return true; }
+        std::string &calls;
+    };
+
+    PrivilegedResult run(const std::string &command) override { return calls += command, result; }
+    void cancel() override {}
+    LoginItemStatus status() const override { return LoginItemStatus::NotRegistered; }
+    std::optional<std::string> registerItem() override { return calls += "login ", std::nullopt; }
+    std::optional<std::string> unregisterItem() override { return calls += "no-login ", std::nullopt; }
+
+    std::string calls;
+    PrivilegedResult result; ///< of every command
+    UpdaterControllerFactory createUpdater = [this] { return std::make_unique<Updater>(calls); };
+};
 
 /// The application's model, with everything that it works on.
 struct ModelBench
@@ -53,6 +80,7 @@ struct ModelBench
     NotificationCenter notifications;
     FakeDistributedNotificationCenter distributed;
     FakeCalendar calendar;
+    FakeSystem system;
     FakeTaskExecutor executor;
     std::optional<AppViewModel> model;
 };

@@ -1,8 +1,6 @@
 #include "integration/CLIInstaller.h"
 #include "integration/LaunchHelper.h"
-#include "ports/PrivilegedRunner.h"
 #include "support/CapturedConsole.h"
-#include "support/Fakes.h"
 #include "support/ModelBench.h"
 #include "ui/controls/HouseStyle.h"
 #include "ui/controls/Page.h"
@@ -23,56 +21,34 @@
 #include <fstream>
 
 using namespace ambertide;
+namespace fs = std::filesystem;
 
 namespace {
-
-/// What the window asks of the system, in order.
-struct FakeSystem final : PrivilegedRunner, LoginItem
-{
-    PrivilegedResult run(const std::string &) override { return result; }
-    void cancel() override {}
-    LoginItemStatus status() const override { return LoginItemStatus::NotRegistered; }
-    std::optional<std::string> registerItem() override { return calls += "login ", std::nullopt; }
-    std::optional<std::string> unregisterItem() override { return calls += "no-login ", std::nullopt; }
-    PrivilegedResult result;
-    std::string calls;
-};
-
-struct FakeUpdaterController final : UpdaterController
-{
-    explicit FakeUpdaterController(std::string &record) : calls(record) {}
-    void setAutomaticallyChecksForUpdates(bool isOn) override { calls += isOn ? "on " : "off "; }
-    void setUpdateCheckInterval(double) override {}
-    void checkForUpdates() override { calls += "check "; }
-    bool canCheckForUpdates() const override { return true; }
-    std::string &calls;
-};
 
 /// An open Settings window with everything that it works on.
 struct Bench : ModelBench
 {
     QTemporaryDir folder;
     FakeTaskExecutor installerExecutor;
-    FakeSystem system;
     CapturedConsole console;
     FakeMainBundle bundle = FakeMainBundle(folder.path().toStdString());
-    std::filesystem::path link = bundle.bundlePath / "link";
+    fs::path tool = bundle.bundlePath / "Contents/MacOS/AmbertideCLI";
+    fs::path link = bundle.bundlePath / "link";
     CLIInstaller installer = CLIInstaller(bundle, system, link);
     LaunchHelper launchHelper = LaunchHelper(system);
-    UpdaterControllerFactory createUpdater = [this] { return std::make_unique<FakeUpdaterController>(system.calls); };
     QPointer<SettingsView> window;
 
     Bench() : ModelBench(AppViewModel::neutralTemperature)
     {
-        std::filesystem::create_directories(bundle.bundlePath / "Contents/MacOS");
-        std::ofstream(bundle.bundlePath / "Contents/MacOS/AmbertideCLI") << "tool";
+        fs::create_directories(tool.parent_path());
+        std::ofstream(tool) << "tool";
     }
     ~Bench() { delete window; }
 
     void open()
     {
-        window = new SettingsView(*model, {installer, launchHelper, bundle, createUpdater, userDefaults, notifications,
-                                           calendar, system, installerExecutor});
+        window = new SettingsView(*model, {installer, launchHelper, bundle, system.createUpdater, userDefaults,
+                                           notifications, calendar, system, installerExecutor});
         window->show();
         QVERIFY(QTest::qWaitForWindowActive(window));
     }
@@ -119,12 +95,15 @@ private Q_SLOTS:
     {
         const QFont font = QApplication::font();
         Bench bench;
-        bench.open();
+        bench.openSchedule(1);
         QCOMPARE(bench.window->width(), 600);
-        QVERIFY(bench.window->height() >= 300);
+        const QSize former = bench.window->size();
+        bench.button("Edit 12:00 AM")->click();
+        QCOMPARE(bench.sheet()->findChild<Page *>()->size(), QSize(400, 300));
+        QCOMPARE(bench.window->size(), former);
+        delete bench.window;
         QFont larger = font;
         larger.setPointSize(26);
-        bench.close();
         QApplication::setFont(larger);
         bench.open();
         for (const auto *control : bench.window->findChildren<QWidget *>()) {
@@ -173,16 +152,6 @@ private Q_SLOTS:
         QLocale::setDefault(QLocale::c());
     }
 
-    void theEditorsSheetLeavesTheWindowAsItIs()
-    {
-        Bench bench;
-        bench.openSchedule(1);
-        const QSize former = bench.window->size();
-        bench.button("Edit 12:00 AM")->click();
-        QCOMPARE(bench.sheet()->findChild<Page *>()->size(), QSize(400, 300));
-        QCOMPARE(bench.window->size(), former);
-    }
-
     void theSwitchesReachTheSystem()
     {
         Bench bench;
@@ -208,7 +177,7 @@ private Q_SLOTS:
     void offersNoUpdatesInABuildWithoutUpdater()
     {
         Bench bench;
-        bench.createUpdater = [] { return nullptr; };
+        bench.system.createUpdater = [] { return nullptr; };
         bench.open();
         for (const auto *each : bench.window->findChildren<QAbstractButton *>())
             QVERIFY(!each->isVisible() || !(each->text() + each->accessibleName()).contains(QStringLiteral("pdate")));
@@ -216,28 +185,51 @@ private Q_SLOTS:
 
     void installsAndRemovesTheTool()
     {
-        for (const auto &[wasInstalled, succeeds] : {std::pair(false, true), {true, true}, {false, false}}) {
+        const auto installation = QStringLiteral("mkdir -p /usr/local/bin && ln -sf "
+                                                 "'/Contents/MacOS/AmbertideCLI' '/link'");
+        const struct
+        {
+            bool isLinked;
+            bool hasTool;
+            QString command;     // without the folder; where there is none, the link goes before the button is pressed
+            const char *problem; // that the system has with it
+            const char *alert;
+        } rows[] = {
+            {false, true, installation, nullptr, nullptr},
+            {true, true, QStringLiteral("rm -f '/link'"), nullptr, nullptr},
+            {true, true, {}, nullptr, nullptr},
+            {false, true, installation, "no", "Failed to install the CLI tool: no"},
+            {true, false, {}, nullptr, "Could not find CLI executable in app bundle"},
+        };
+        for (const auto &[isLinked, hasTool, command, problem, alert] : rows) {
             Bench bench;
-            if (wasInstalled)
-                std::ofstream(bench.link) << "tool";
-            if (!succeeds)
-                bench.system.result = {PrivilegedResult::Status::Failed, QStringLiteral("no")};
+            if (isLinked)
+                fs::create_symlink(bench.tool, bench.link);
+            if (!hasTool)
+                fs::remove(bench.tool);
+            if (problem != nullptr)
+                bench.system.result = {PrivilegedResult::Status::Failed, QString::fromLatin1(problem)};
             bench.open();
-            auto *tool = bench.button(wasInstalled ? "Uninstall" : "Install");
-            tool->setFocus();
-            tool->click();
+            bench.system.calls.clear();
+            const bool isUninstalled = isLinked && hasTool; // a link that leads nowhere is none
+            auto *button = bench.button(isUninstalled ? "Uninstall" : "Install");
+            button->setFocus();
+            button->click();
             QVERIFY(!bench.button("Start at login")->isEnabled() && !bench.button("Check for Updates...")->isEnabled());
-            QVERIFY(tool->isHidden() && !tool->hasFocus());
+            QVERIFY(button->isHidden() && !button->hasFocus());
 
+            if (command.isEmpty())
+                fs::remove(bench.link);
             bench.installerExecutor.runReady();
-            QCOMPARE(bench.sheet() != nullptr, !succeeds);
-            if (!succeeds) {
-                QVERIFY(bench.sheet()->accessibleName().endsWith(QStringLiteral("install the CLI tool: no")));
+            QCOMPARE(QString::fromStdString(bench.system.calls).remove(bench.folder.path()), command);
+            QCOMPARE(bench.sheet() != nullptr, alert != nullptr);
+            if (alert != nullptr) {
+                QVERIFY(bench.sheet()->accessibleName().endsWith(QLatin1String(alert)));
                 QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
                 QVERIFY(bench.sheet() == nullptr);
             }
-            QCOMPARE(tool->text(), QLatin1String(wasInstalled != succeeds ? "Uninstall" : "Install"));
-            QVERIFY(tool->isEnabled() && tool->hasFocus());
+            QCOMPARE(button->text(), QLatin1String(isUninstalled == (alert == nullptr) ? "Install" : "Uninstall"));
+            QVERIFY(button->isEnabled() && button->hasFocus());
         }
     }
 
