@@ -15,7 +15,6 @@
 #include <map>
 #include <mutex>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace ambertide {
@@ -53,10 +52,7 @@ public:
     void blockThread(std::chrono::nanoseconds duration) override { m_now += duration; }
 
     std::chrono::nanoseconds now() const override { return m_now; }
-    auto sleeperCount() const
-    {
-        return static_cast<std::size_t>(std::distance(m_waiting.upper_bound(m_now), m_waiting.end()));
-    }
+    auto sleeperCount() const { return std::distance(m_waiting.upper_bound(m_now), m_waiting.end()); }
 
     /// Runs what is ready until nothing is.
     void runReady() { advance({}); }
@@ -187,31 +183,32 @@ private:
 class FakeUserDefaults final : public UserDefaults
 {
 public:
-    std::map<std::string, std::variant<double, bool, std::string>, std::less<>> values;
+    struct Value
+    {
+        double number = 0;
+        bool flag = false;
+        std::optional<std::string> bytes = {};
+    };
+
+    std::map<std::string, Value, std::less<>> values;
     std::optional<std::string> fileInTrouble;
 
     bool hasObject(std::string_view key) override { return values.contains(key); }
-    double doubleValue(std::string_view key) override { return stored<double>(key).value_or(0); }
-    bool boolValue(std::string_view key) override { return stored<bool>(key).value_or(false); }
-    std::optional<std::string> data(std::string_view key) override { return stored<std::string>(key); }
-    void setDouble(std::string_view key, double value) override { values[std::string(key)] = value; }
+    double doubleValue(std::string_view key) override { return stored(key).number; }
+    bool boolValue(std::string_view key) override { return stored(key).flag; }
+    std::optional<std::string> data(std::string_view key) override { return stored(key).bytes; }
+    void setDouble(std::string_view key, double number) override { values[std::string(key)] = {.number = number}; }
     void setInteger(std::string_view key, long long value) override { setDouble(key, static_cast<double>(value)); }
-    void setBool(std::string_view key, bool value) override { values[std::string(key)] = value; }
+    void setBool(std::string_view key, bool flag) override { values[std::string(key)] = {.flag = flag}; }
     void setData(std::string_view key, std::string_view bytes) override
     {
-        values[std::string(key)] = std::string(bytes);
+        values[std::string(key)] = {.bytes = std::string(bytes)};
     }
     void flush(std::chrono::milliseconds) override {}
     std::optional<std::string> unusableFile() override { return fileInTrouble; }
 
 private:
-    template <typename Value>
-    std::optional<Value> stored(std::string_view key) const
-    {
-        const auto found = values.find(key);
-        const auto *value = found == values.end() ? nullptr : std::get_if<Value>(&found->second);
-        return value != nullptr ? std::optional(*value) : std::nullopt;
-    }
+    Value stored(std::string_view key) const { return values.contains(key) ? values.find(key)->second : Value(); }
 };
 
 } // namespace ambertide

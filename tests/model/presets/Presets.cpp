@@ -7,16 +7,12 @@ using namespace ambertide;
 
 namespace {
 
-/// Has two texts.
 struct German final : QTranslator
 {
     bool isEmpty() const override { return false; }
     QString translate(const char *, const char *text, const char *, int) const override
     {
-        const bool isHalogen = std::string_view(text) == "halogen";
-        return isHalogen        ? QStringLiteral("halogenglühlampe")
-               : text[0] == 'a' ? QStringLiteral("ambertide auf")
-                                : QString();
+        return text[0] == 'h' ? QStringLiteral("halogenglühlampe") : text[0] == 'a' ? QStringLiteral("auf") : QString();
     }
 };
 
