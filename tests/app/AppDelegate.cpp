@@ -17,7 +17,7 @@ class AppDelegateTest : public QObject
     {
         FakeMainBundle bundle{""};
         std::vector<RunningApplication> applications = {{100}};
-        std::vector<std::int64_t> activatedProcesses;
+        std::int64_t activated = 0;
         int checks = 0;
         int terminations = 0;
         int broughtForward = 0;
@@ -27,10 +27,7 @@ class AppDelegateTest : public QObject
 
         Bench() { bundle.values["CFBundleIdentifier"] = "org.example.Program"; }
         std::vector<RunningApplication> withIdentifier(std::string_view) override { return applications; }
-        void activate(const RunningApplication &application) override
-        {
-            activatedProcesses.push_back(application.processIdentifier);
-        }
+        void activate(const RunningApplication &application) override { activated = application.processIdentifier; }
         std::int64_t currentProcessIdentifier() const override { return 100; }
         void launch()
         {
@@ -54,7 +51,7 @@ private Q_SLOTS:
         bench.applications = {{100}, {42}, {43}};
         bench.launch();
         QCOMPARE(bench.terminations, 1);
-        QCOMPARE(bench.activatedProcesses, (std::vector<std::int64_t>{42}));
+        QCOMPARE(bench.activated, std::int64_t{42});
         QCOMPARE(bench.distributed.posts.at(0).first.name, std::string("com.ambertide.instance"));
         bench.executor.advance(1min);
         QCOMPARE(bench.checks, 0);
@@ -103,11 +100,17 @@ private Q_SLOTS:
         QCOMPARE(bench.userDefaults.doubleValue("Ambertide.Temperature"), 9000.0);
         QVERIFY(passedOn.size() == 1 && passedOn[0] == (UserInfo{{"temperature", std::int64_t{9000}}}));
 
+        UserInfo hostile = {{"line\nbreak", std::string(1'000'000, 'x')}};
+        for (int i = 0; i < 1000; ++i)
+            hostile.emplace("key" + std::to_string(i), OpaqueValue{std::string(255, '(')});
         const CapturedConsole console;
         for (int i = 0; i < 10'000; ++i)
-            bench.distributed.post({notifications::updateTemperature, std::nullopt}, Delivery::standard);
+            bench.distributed.post({notifications::updateTemperature, std::exchange(hostile, {})}, Delivery::standard);
         bench.executor.advance(5s);
         QVERIFY(console.lines.size() < 50 && console.lines.back().starts_with("Received 99"));
+        for (const auto &line : console.lines)
+            QVERIFY(line.size() < 1000 && line.find('\n') == std::string::npos);
+        QVERIFY(console.lines.front().ends_with("... 997 more}}"));
     }
 };
 

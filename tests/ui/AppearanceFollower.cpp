@@ -14,23 +14,20 @@ class AppearanceFollowerTest : public QObject
 
     struct FakeAppearance final : Appearance
     {
-        ColorScheme colorScheme() const override { return ColorScheme::NoPreference; }
+        ColorScheme colorScheme() const override { return isChanged ? ColorScheme::Dark : ColorScheme::Light; }
         bool prefersHighContrast() const override { return false; }
-        bool prefersReducedMotion() const override { return isMotionReduced; }
-        std::string changedFont() const override { return font; }
+        bool prefersReducedMotion() const override { return isChanged; }
+        std::string changedFont() const override { return isChanged ? "Noto Sans, Bold 17.5" : ""; }
         double textFactor() const override { return 1; }
         Observation observe(std::function<void()> observer) override
         {
             return changed = std::move(observer), Observation();
         }
-        bool isMotionReduced = false;
-        std::string font;
+        bool isChanged = false;
         std::function<void()> changed;
     };
 
 private Q_SLOTS:
-    void initTestCase() { QApplication::setStyle(new HouseStyle); }
-
     void everyInkIsReadableOnWhatItStandsOn()
     {
         QPalette blueDesktop{QColor("#002b36")};
@@ -54,9 +51,10 @@ private Q_SLOTS:
         }
     }
 
-    void controlsFollowTheFontAndThePaletteOfTheApplication()
+    void everythingFollowsTheSystemThoughAPluginReplacesTheStyle()
     {
-        QApplication::setPalette(housePalette(false, false));
+        FakeAppearance appearance;
+        const AppearanceFollower follower(appearance);
         QWidget window;
         auto *label = new TextLabel(QStringLiteral("words"), TextStyle::Body, &Theme::secondaryText);
         auto *button = new Button(QStringLiteral("words"));
@@ -65,30 +63,18 @@ private Q_SLOTS:
         window.show();
         const int formerWidth = button->sizeHint().width();
 
-        QFont large = QApplication::font();
-        large.setPointSize(20);
-        QApplication::setFont(large);
-        QApplication::setPalette(housePalette(true, false));
-        QCoreApplication::processEvents();
-        QCOMPARE(label->palette().color(QPalette::WindowText), Theme::of(housePalette(true, false)).secondaryText);
-        QCOMPARE(label->font(), textFont(TextStyle::Body));
-        QVERIFY(button->sizeHint().width() > formerWidth);
-    }
-
-    void bringsTheHouseStyleBackWhenAPluginReplacesIt()
-    {
-        FakeAppearance appearance;
-        const AppearanceFollower follower(appearance);
         QApplication::setStyle(QStringLiteral("Fusion"));
-        appearance.isMotionReduced = true;
-        appearance.font = "Noto Sans, Bold 17.5";
+        appearance.isChanged = true;
         appearance.changed();
         QCoreApplication::processEvents();
         auto *style = qobject_cast<HouseStyle *>(QApplication::style());
         QVERIFY(style != nullptr);
+        QCOMPARE(style->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, nullptr, nullptr), 0);
         const auto font = QApplication::font();
         QVERIFY(font.family() == QStringLiteral("Noto Sans") && font.bold() && font.pointSizeF() == 17.5);
-        QCOMPARE(style->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, nullptr, nullptr), 0);
+        QTRY_COMPARE(label->palette().color(QPalette::WindowText), Theme::of(housePalette(true, false)).secondaryText);
+        QCOMPARE(label->font(), textFont(TextStyle::Body));
+        QVERIFY(button->sizeHint().width() > formerWidth);
     }
 };
 

@@ -68,49 +68,46 @@ private Q_SLOTS:
         std::signal(SIGCHLD, SIG_IGN); // as some starters leave it
     }
 
-    void outcomesAreToldApart_data()
-    {
-        QTest::addColumn<string>("script");
-        QTest::addColumn<string>("message");
-        QTest::addColumn<Outcome>("outcome");
-        QTest::addColumn<string>("line");
-        const auto row = [](const char *name, const string &script, const string &message, Outcome outcome,
-                            const string &line = {}) { QTest::newRow(name) << script << message << outcome << line; };
-        const string refuse = "echo '(pkexec:1): a warning\nError executing command as another user: '";
-        row("absent", "", "pkexec, which asks for administrator rights, is not installed", Outcome::NotAuthorised);
-        row("done", "echo noise >&2", "", Outcome::Installed, "noise");
-        row("dismissed", refuse + "'Request dismissed' >&2; exit 126",
-            "the request for administrator rights was cancelled", Outcome::Dismissed);
-        row("refused", refuse + "'Not authorized' >&2; exit 127", "administrator rights were not granted",
-            Outcome::NotAuthorised);
-        row("not pkexec's words", "echo 'sh: 1: Error executing command as another user: Not authorized' >&2; exit 127",
-            "the command ended with status 127", Outcome::NotAuthorised);
-        row("a folder", "exit 4", "/usr/local/bin/ambertide is a folder", Outcome::Failed);
-        row("no room", "printf 'disk\\033\\n\\tfull\\r\\n' >&2; exit 17", "the command ended with status 17",
-            Outcome::NoRoom, "disk full");
-        row("a child left behind", "sleep 20 & exit 9", "the command ended with status 9", Outcome::Failed);
-        row("broken off", "kill -9 $$", "the command was broken off (signal 9)", Outcome::Failed);
-        row("long", "printf '%50000s' end | tr ' ' y >&2; exit 9", "the command ended with status 9", Outcome::Failed,
-            string(4093, 'y') + "end");
-        row("signals",
-            "while read -r name value; do [ $name != SigBlk: ] || echo $value; "
-            "[ $name != SigIgn: ] || echo $((0x$value & 0x11000)); done < /proc/$$/status >&2; exit 9",
-            "the command ended with status 9", Outcome::Failed, "0000000000000000 0");
-    }
     void outcomesAreToldApart()
     {
-        QFETCH(string, script);
-        QFETCH(string, message);
-        QFETCH(Outcome, outcome);
-        QFETCH(string, line);
-        QElapsedTimer timer;
-        timer.start();
-        QCOMPARE(messageOf(script), message);
-        const auto installed = install();
-        QVERIFY(installed && installed->outcome == outcome);
-        if (!line.empty())
-            QCOMPARE(installed->message, line);
-        QVERIFY(timer.elapsed() < 10'000); // however long a child that was left behind holds the output
+        const string refuse = "echo '(pkexec:1): a warning\nError executing command as another user: '";
+        const struct
+        {
+            string script;
+            string message; // in Settings
+            Outcome outcome;
+            string line = {};
+        } rows[] = {
+            {"", "pkexec, which asks for administrator rights, is not installed", Outcome::NotAuthorised},
+            {"echo noise >&2", "", Outcome::Installed, "noise"},
+            {refuse + "'Request dismissed' >&2; exit 126", "the request for administrator rights was cancelled",
+             Outcome::Dismissed},
+            {refuse + "'Not authorized' >&2; exit 127", "administrator rights were not granted",
+             Outcome::NotAuthorised},
+            // These are not pkexec's words.
+            {"echo 'sh: 1: Error executing command as another user: Not authorized' >&2; exit 127",
+             "the command ended with status 127", Outcome::NotAuthorised},
+            {"exit 4", "/usr/local/bin/ambertide is a folder", Outcome::Failed},
+            {"printf 'disk\\033\\n\\tfull\\r\\n' >&2; exit 17", "the command ended with status 17", Outcome::NoRoom,
+             "disk full"},
+            {"sleep 20 & exit 9", "the command ended with status 9", Outcome::Failed}, // a child is left behind
+            {"kill -9 $$", "the command was broken off (signal 9)", Outcome::Failed},
+            {"printf '%50000s' end | tr ' ' y >&2; exit 9", "the command ended with status 9", Outcome::Failed,
+             string(4093, 'y') + "end"},
+            {"while read -r name value; do [ $name != SigBlk: ] || echo $value; "
+             "[ $name != SigIgn: ] || echo $((0x$value & 0x11000)); done < /proc/$$/status >&2; exit 9",
+             "the command ended with status 9", Outcome::Failed, "0000000000000000 0"},
+        };
+        for (const auto &[script, message, outcome, line] : rows) {
+            QElapsedTimer timer;
+            timer.start();
+            QCOMPARE(messageOf(script), message);
+            const auto installed = install();
+            QVERIFY2(installed && installed->outcome == outcome, script.c_str());
+            if (!line.empty())
+                QCOMPARE(installed->message, line);
+            QVERIFY(timer.elapsed() < 10'000); // however long a child that was left behind holds the output
+        }
     }
 
     void onlyTheTwoCommandsAreRunAndByNoShell()
