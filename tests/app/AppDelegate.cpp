@@ -100,7 +100,7 @@ private Q_SLOTS:
         QCOMPARE(bench.userDefaults.doubleValue("Ambertide.Temperature"), 9000.0);
         QVERIFY(passedOn.size() == 1 && passedOn[0] == (UserInfo{{"temperature", std::int64_t{9000}}}));
 
-        UserInfo hostile = {{"line\nbreak", std::string(1'000'000, 'x')}};
+        UserInfo hostile = {{"a\nbreak", std::string(1'000'000, 'x')}};
         for (int i = 0; i < 1000; ++i)
             hostile.emplace("key" + std::to_string(i), OpaqueValue{std::string(255, '(')});
         const CapturedConsole console;

@@ -88,6 +88,8 @@ private Q_SLOTS:
         m_tool.setStandardOutputFile(QStringLiteral("/dev/full"));
         QCOMPARE(statusOf("get"), 1);
         m_tool.setStandardOutputFile({});
+        application.requests.release();
+        QCOMPARE(statusOf("set,3400"), 1); // nobody tells whether that can be shown
     }
 
     void anApplicationThatCannotBeReachedIsOneLineWithinTwoSeconds()

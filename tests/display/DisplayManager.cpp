@@ -184,6 +184,7 @@ private Q_SLOTS:
         QCOMPARE(manager->temperature(), 3400.0); // that reset came too late
         const double last = shownIn(1s).back();
         manager->reset();
+        QVERIFY(manager->isShowing(6500));
         QCOMPARE(shownIn(10s), (std::vector{restored}));
         QCOMPARE(manager->temperature(), 6500.0);
         QVERIFY(executor->sleeperCount() == 1); // the periodic pass, once

@@ -116,7 +116,10 @@ private Q_SLOTS:
             bench.userDefaults.setDouble(defaults::temperature, 5000);
             bench.calendar.current = FakeCalendar::at(20, 59);
             bench.start();
-            QCOMPARE(bench.model->temperature(), 6500.0); // at start
+            QCOMPARE(bench.model->temperature(), 6500.0); // at start, during the ramp to what was stored
+            bench.nudge();
+            bench.executor.advance(5s);
+            QVERIFY(bench.isShown(6500));
             bench.calendar.current = FakeCalendar::at(21, 0);
             if (isNudged) {
                 bench.nudge();

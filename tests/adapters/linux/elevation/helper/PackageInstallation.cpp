@@ -60,7 +60,9 @@ private Q_SLOTS:
                                   "ok triggers-awaited", "ok triggers-pending"}) {
             init();
             leave(string("install ") + state);
+            m_rules.dpkg = {"/bin/sh", "-c", "echo $0 $* >>'" + path("configured") + "'"};
             QVERIFY2(installSigned(package).outcome == Outcome::Installed && isInstalled(), state);
+            QVERIFY2(std::filesystem::remove(path("configured")), state); // dpkg may refuse the package until then
         }
         leave("deinstall ok config-files");
         QCOMPARE(installSigned(package).outcome, Outcome::NotAPackage);
