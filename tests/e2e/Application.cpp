@@ -39,16 +39,15 @@ public:
         const auto tables = DisplayManager::createGammaTables(temperature);
         const auto isAt = [](int level, float share) { return std::abs(level - 65535 * double(share)) <= 1; };
         return std::ranges::all_of(m_client.activeCrtcs(), [&](auto crtc) {
-            const auto [red, green, blue] = m_client.ramp(crtc);
-            return isAt(red.back(), tables.red[255]) && isAt(green.back(), tables.green[255]) &&
-                   isAt(blue.back(), tables.blue[255]);
+            const auto [red, green, blue] = m_client.whitePoint(crtc);
+            return isAt(red, tables.red[255]) && isAt(green, tables.green[255]) && isAt(blue, tables.blue[255]);
         });
     }
     /// Whether the first display is tinted, with whatever temperature.
     bool isTinted()
     {
-        const auto [red, green, blue] = m_client.ramp(m_client.crtcs().front());
-        return red.back() == 65535 && blue.back() < 65000;
+        const auto [red, green, blue] = m_client.whitePoint(m_client.crtcs().front());
+        return red == 65535 && blue < 65000;
     }
     bool isRestored() { return m_client.showsIdentityEverywhere(); }
 

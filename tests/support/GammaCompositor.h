@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Tint.h"
+
 #include <hyprland-ctm-control-server-protocol.h>
 #include <poll.h>
 #include <unistd.h>
@@ -7,7 +9,6 @@
 #include <wlr-gamma-control-server-protocol.h>
 
 #include <array>
-#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <mutex>
@@ -38,6 +39,9 @@ public:
         int writes = 0;
         std::array<double, 3> nextMatrix{1, 1, 1};
         std::array<double, 3> matrix{1, 1, 1};
+
+        bool shows(float blue) const { return isTint(shown, blue); }
+        bool isRestored() const { return shown.empty() || shows(1); }
     };
 
     /// `socket` is a name in the folder XDG_RUNTIME_DIR.
@@ -49,17 +53,14 @@ public:
             wl_global_create(m_display, &zwlr_gamma_control_manager_v1_interface, 1, this, bindManager);
         if (kind == Kind::hyprland)
             wl_global_create(m_display, &hyprland_ctm_control_manager_v1_interface, 2, this, bindMatrices);
-        m_thread = std::thread([this] { run(); });
+        m_thread = std::jthread([this](const std::stop_token &stop) { run(stop); });
     }
     ~GammaCompositor()
     {
-        m_shouldStop = true;
-        m_thread.join();
+        m_thread = {}; // which waits for its end
         wl_display_destroy_clients(m_display);
         wl_display_destroy(m_display);
     }
-    GammaCompositor(const GammaCompositor &) = delete;
-    GammaCompositor &operator=(const GammaCompositor &) = delete;
 
     /// Its index.
     std::size_t addOutput(std::uint32_t tableSize, bool isCalibrated = false)
@@ -89,12 +90,12 @@ public:
     std::unique_lock<std::mutex> freeze() { return std::unique_lock(m_lock); }
 
 private:
-    void run()
+    void run(const std::stop_token &stop)
     {
         auto *const loop = wl_display_get_event_loop(m_display);
-        while (!m_shouldStop) {
+        while (!stop.stop_requested()) {
             pollfd source{wl_event_loop_get_fd(loop), POLLIN, 0};
-            poll(&source, 1, 10); // and then it looks whether it is to stop
+            poll(&source, 1, 10);
             const std::scoped_lock lock(m_lock);
             wl_event_loop_dispatch(loop, 0);
             wl_display_flush_clients(m_display);
@@ -122,27 +123,18 @@ private:
     }
     static void bindManager(wl_client *client, void *compositor, std::uint32_t version, std::uint32_t id)
     {
-        static const struct zwlr_gamma_control_manager_v1_interface requests
-        {
-            getControl, destroy
-        };
+        static const struct zwlr_gamma_control_manager_v1_interface requests = {getControl, destroy};
         add(client, zwlr_gamma_control_manager_v1_interface, version, id, &requests, compositor);
     }
     static void bindMatrices(wl_client *client, void *compositor, std::uint32_t version, std::uint32_t id)
     {
-        static const struct hyprland_ctm_control_manager_v1_interface requests
-        {
-            setMatrix, commitMatrices, destroy
-        };
-        add(client, hyprland_ctm_control_manager_v1_interface, version, id, &requests, compositor, loseMatrices);
+        static const struct hyprland_ctm_control_manager_v1_interface requests = {setMatrix, commitMatrices, destroy};
+        add(client, hyprland_ctm_control_manager_v1_interface, version, id, &requests, compositor);
     }
 
     static void getControl(wl_client *client, wl_resource *, std::uint32_t id, wl_resource *resource)
     {
-        static const struct zwlr_gamma_control_v1_interface requests
-        {
-            setGamma, destroy
-        };
+        static const struct zwlr_gamma_control_v1_interface requests = {setGamma, destroy};
         auto &output = dataOf<Output>(resource);
         auto *const control = add(client, zwlr_gamma_control_v1_interface, 1, id, &requests, &output, loseControl);
         if (output.control || output.isRefused) {
@@ -195,18 +187,11 @@ private:
         for (auto &output : dataOf<GammaCompositor>(manager).m_outputs)
             output.matrix = output.nextMatrix;
     }
-    static void loseMatrices(wl_resource *manager)
-    {
-        for (auto &output : dataOf<GammaCompositor>(manager).m_outputs)
-            output.matrix = output.nextMatrix = {1, 1, 1};
-    }
-
     const Kind m_kind;
     std::mutex m_lock; ///< guards all below
     wl_display *const m_display = wl_display_create();
     std::deque<Output> m_outputs; ///< removed ones included
-    std::atomic<bool> m_shouldStop = false;
-    std::thread m_thread;
+    std::jthread m_thread;
 };
 
 } // namespace ambertide

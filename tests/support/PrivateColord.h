@@ -1,65 +1,38 @@
 #pragma once
 
 #include "support/PrivateBus.h"
+#include "support/busctl.h"
 
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QtEndian>
-
+#include <lcms2.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 
-#include <cmath>
+#include <array>
 #include <csignal>
 #include <fstream>
 
 namespace ambertide {
 
-template <typename... Numbers>
-QByteArray bigEndian(Numbers... numbers)
-{
-    QByteArray bytes;
-    const auto append = [&bytes](auto number) {
-        const auto swapped = qToBigEndian(number);
-        bytes.append(reinterpret_cast<const char *>(&swapped), sizeof swapped);
-    };
-    (append(numbers), ...);
-    return bytes;
-}
+/// The exponents of red, green and blue in the calibration of the profile below.
+inline constexpr std::array calibrationGamma{2.0, 1.5, 1.0};
 
-/// A calibration: a square for red, its half for green and a straight line for blue.
-inline double calibrationCurve(std::size_t channel, double in)
+/// A colour profile, with a calibration (its tag 'vcgt', in tables of 16 bits) or without.
+inline QByteArray colourProfile(bool isCalibrated)
 {
-    return channel == 2 ? in : in * in / (channel == 0 ? 1 : 2);
-}
-
-/// Its tag 'vcgt', with so many entries.
-template <typename Entry>
-QByteArray calibrationTag(std::uint16_t count, double largest)
-{
-    QByteArray tag = "vcgt" + bigEndian(0U, 0U, std::uint16_t{3}, count, std::uint16_t{sizeof(Entry)});
-    for (std::size_t channel = 0; channel < 3; ++channel) {
-        for (int i = 0; i < count; ++i)
-            tag += bigEndian(static_cast<Entry>(std::lround(largest * calibrationCurve(channel, i / (count - 1.0)))));
-    }
-    return tag;
-}
-
-/// A colour profile with a description, which colord wants, and the given tag unless it is empty.
-inline QByteArray colourProfile(const QByteArray &tag)
-{
-    const auto description = "desc" + bigEndian(0U, 4U) + QByteArray("lab").leftJustified(82, '\0');
-    const auto size = static_cast<std::uint32_t>(tag.size());
-    QByteArray whole(128, '\0');
-    whole.replace(8, 16, bigEndian(0x02400000U) + "mntrRGB XYZ ");
-    whole.replace(36, 4, "acsp");
-    whole += bigEndian(size > 0 ? 2U : 1U) + "desc" + bigEndian(156U, 94U);
-    whole += size > 0 ? "vcgt" + bigEndian(252U, size) : QByteArray(12, '\0');
-    whole += description + QByteArray(2, '\0') + tag;
-    whole.replace(0, 4, bigEndian(static_cast<std::uint32_t>(whole.size())));
-    return whole;
+    auto *const profile = cmsCreate_sRGBProfile();
+    std::array<cmsToneCurve *, 3> curves{};
+    for (std::size_t channel = 0; channel < curves.size(); ++channel)
+        curves[channel] = cmsBuildGamma(nullptr, calibrationGamma[channel]);
+    if (isCalibrated)
+        cmsWriteTag(profile, cmsSigVcgtTag, curves.data());
+    cmsUInt32Number size = 0;
+    cmsSaveProfileToMem(profile, nullptr, &size);
+    QByteArray content(static_cast<int>(size), '\0');
+    cmsSaveProfileToMem(profile, content.data(), &size);
+    cmsFreeToneCurveTriple(curves.data());
+    cmsCloseProfile(profile);
+    return content;
 }
 
 /// The real colord on a system bus of its own, with its databases in a folder of its own. Both end with this object.
@@ -114,12 +87,9 @@ private:
                         const QString &object = QStringLiteral("/org/freedesktop/ColorManager"),
                         const QString &interface = {})
     {
-        constexpr char command[] = "--system call org.freedesktop.ColorManager %1 org.freedesktop.ColorManager%2 %3";
-        QProcess busctl;
-        busctl.start(QStringLiteral("busctl"),
-                     QProcess::splitCommand(QString::fromLatin1(command).arg(object, interface, arguments)));
-        busctl.waitForFinished();
-        return QString::fromUtf8(busctl.readAll()).section(u'"', 1, 1);
+        return busctl(QStringLiteral("--system call org.freedesktop.ColorManager %1 org.freedesktop.ColorManager%2 %3")
+                          .arg(object, interface, arguments))
+            .section(u'"', 1, 1);
     }
 
     const PrivateBus m_bus{"DBUS_SYSTEM_BUS_ADDRESS"};

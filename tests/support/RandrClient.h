@@ -1,13 +1,11 @@
 #pragma once
 
+#include "adapters/linux/x11/Selection.h"
+#include "support/Tint.h"
+
 #include <xcb/randr.h>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstdint>
-#include <cstdlib>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -19,11 +17,7 @@ namespace ambertide {
 class RandrClient
 {
 public:
-    /// Red, green, blue.
-    using Ramp = std::array<std::vector<std::uint16_t>, 3>;
-
-    explicit RandrClient(const std::string &display)
-        : m_connection(xcb_connect(display.c_str(), nullptr), xcb_disconnect)
+    explicit RandrClient(const std::string &display) : m_connection(xcb_connect(display.c_str(), nullptr))
     {
         if (xcb_connection_has_error(m_xcb))
             throw std::runtime_error("no X server at " + display);
@@ -48,46 +42,49 @@ public:
         });
         return active;
     }
-    Ramp ramp(xcb_randr_crtc_t crtc)
+    /// The tables of red, green and blue, one after the other.
+    std::vector<std::uint16_t> levels(xcb_randr_crtc_t crtc)
     {
         const auto cookie = xcb_randr_get_crtc_gamma(m_xcb, crtc);
         const auto reply = answered(xcb_randr_get_crtc_gamma_reply(m_xcb, cookie, nullptr));
-        const auto table = [size = reply->size](const std::uint16_t *first) {
-            return std::vector<std::uint16_t>(first, first + size);
-        };
-        return {table(xcb_randr_get_crtc_gamma_red(reply.get())), table(xcb_randr_get_crtc_gamma_green(reply.get())),
-                table(xcb_randr_get_crtc_gamma_blue(reply.get()))};
+        const auto *first = xcb_randr_get_crtc_gamma_red(reply.get());
+        return {first, first + 3 * std::ptrdiff_t{reply->size}};
+    }
+    /// Red, green and blue of white.
+    std::array<int, 3> whitePoint(xcb_randr_crtc_t crtc)
+    {
+        const auto all = levels(crtc);
+        const auto size = all.size() / 3;
+        return {all[size - 1], all[2 * size - 1], all[3 * size - 1]};
+    }
+    /// Whether each CRTC that shows a picture is tinted so.
+    bool shows(float blue)
+    {
+        return std::ranges::all_of(activeCrtcs(), [&](auto crtc) { return isTint(levels(crtc), blue); });
+    }
+    /// Whether each CRTC shows levels as they are.
+    bool showsIdentityEverywhere()
+    {
+        return std::ranges::all_of(crtcs(), [&](auto crtc) { return isTint(levels(crtc), 1); });
     }
     void takeSelection(std::string_view name)
     {
-        const auto atom = xcb_intern_atom(m_xcb, 0, static_cast<std::uint16_t>(name.size()), name.data());
         const auto window = xcb_generate_id(m_xcb);
         xcb_create_window(m_xcb, 0, window, m_root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0, nullptr);
-        xcb_set_selection_owner(m_xcb, window, answered(xcb_intern_atom_reply(m_xcb, atom, nullptr))->atom, 0);
+        xcb_set_selection_owner(m_xcb, window, atomNamed(m_xcb, name), 0);
         crtcs(); // and the server has done it
-    }
-    /// Whether each CRTC shows levels as they are, to within a rounding.
-    bool showsIdentityEverywhere()
-    {
-        const auto isIdentity = [](const std::vector<std::uint16_t> &table) {
-            const double step = 65535.0 / static_cast<double>(table.size() - 1);
-            std::size_t i = 0;
-            return std::ranges::all_of(table,
-                                       [&](double level) { return std::abs(level - step * double(i++)) <= 1.0; });
-        };
-        return std::ranges::all_of(crtcs(), [&](auto crtc) { return std::ranges::all_of(ramp(crtc), isIdentity); });
     }
 
 private:
     template <typename Reply>
-    static std::shared_ptr<Reply> answered(Reply *reply)
+    static XcbReply<Reply> answered(Reply *reply)
     {
         if (reply == nullptr)
             throw std::runtime_error("the X server answered with an error");
-        return std::shared_ptr<Reply>(reply, std::free);
+        return owned(reply);
     }
 
-    std::unique_ptr<xcb_connection_t, void (*)(xcb_connection_t *)> m_connection;
+    std::unique_ptr<xcb_connection_t, Release<&xcb_disconnect>> m_connection;
     xcb_connection_t *m_xcb = m_connection.get();
     xcb_window_t m_root;
 };

@@ -11,7 +11,7 @@ int main()
     const char *display = std::getenv("DISPLAY");
     ambertide::RandrClient client(display != nullptr ? display : "");
     for (const auto crtc : client.activeCrtcs()) {
-        const auto ramp = client.ramp(crtc);
-        std::printf("%d %d %d\n", ramp[0].back(), ramp[1].back(), ramp[2].back());
+        const auto [red, green, blue] = client.whitePoint(crtc);
+        std::printf("%d %d %d\n", red, green, blue);
     }
 }

@@ -4,20 +4,16 @@
 #include "adapters/linux/displays/kwin/settings/KConfigGroup.h"
 #include "adapters/linux/displays/kwin/settings/SettingsFile.h"
 #include "support/CapturedConsole.h"
-#include "support/ChildProcess.h"
 #include "support/PrivateBus.h"
+#include "support/Tint.h"
+#include "support/TintingCopy.h"
 #include "support/busctl.h"
 
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
-
 #include <poll.h>
-#include <sys/prctl.h>
 
 #include <cmath>
-#include <csignal>
 #include <thread>
+#include <tuple>
 
 using namespace ambertide;
 using namespace std::chrono_literals;
@@ -144,12 +140,7 @@ class KWinBackendTest : public QObject
 private Q_SLOTS:
     void temperaturesAreTheNearest()
     {
-        struct Row
-        {
-            float green;
-            float blue;
-            int temperature; ///< found by trying all of KWin's
-        };
+        using Row = std::tuple<float, float, int>; // green, blue, and the temperature found by trying all of KWin's
         for (const auto &[green, blue, temperature] :
              {Row{0.53674F, 0.05455F, 1963}, Row{0.65381F, 0.34279F, 2654}, Row{0.74373F, 0.53014F, 3376},
               Row{0.85307F, 0.73505F, 4457}, Row{0.93135F, 0.87155F, 5418}, Row{0.96529F, 0.92878F, 5886},
@@ -171,42 +162,38 @@ private Q_SLOTS:
         QCOMPARE(refusalIn(StandIn::Kind::good), "");
     }
 
-    void nightLightIsDrivenAndGivenBack_data()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("KWin") << true;
-        QTest::newRow("stand-in") << false;
-    }
     void nightLightIsDrivenAndGivenBack()
     {
-        QFETCH(bool, isReal);
-        if (isReal && !hasKWin6())
-            QSKIP("KWin 6 (package kwin-wayland) is not installed");
-        Session session(isReal ? std::nullopt : std::optional(StandIn::Kind::good));
-        QProcess kwin;
-        if (isReal)
-            kwin.start(QStringLiteral("kwin_wayland"),
-                       QStringLiteral("--virtual --no-lockscreen --no-global-shortcuts").split(u' '));
-        QTRY_VERIFY_WITH_TIMEOUT(NightLightService().state(), 20'000);
-        KWinBackend backend(guardianFile);
-        QVERIFY(!backend.write({}, warm, Wait::Never));
-        // 2740 is too little of a change for KWin to go there at once, and the last all but neutral, from where it
-        // would not go back by itself.
-        const std::vector<GammaTables> roads[]{{warm, tablesWith(0.6820F, 0.3587F)},
-                                               {tablesWith(0.952F, 0.9066F), tablesWith(0.9975F, 0.9955F)}};
-        for (const auto &road : roads) {
-            for (const auto &tables : road) {
-                QVERIFY(backend.write({}, tables, Wait::Allowed));
-                const int target = nearestNightLightTemperature(tables);
-                QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), target, 15'000);
+        for (const bool isReal : {false, true}) {
+            if (isReal && !hasKWin6())
+                QSKIP("KWin 6 (package kwin-wayland) is not installed");
+            Session session(isReal ? std::nullopt : std::optional(StandIn::Kind::good));
+            QProcess kwin;
+            if (isReal)
+                kwin.start(QStringLiteral("kwin_wayland"),
+                           QStringLiteral("--virtual --no-lockscreen --no-global-shortcuts").split(u' '));
+            QTRY_VERIFY_WITH_TIMEOUT(NightLightService().state(), 20'000);
+            KWinBackend backend(guardianFile);
+            QVERIFY(!backend.write({}, warm, Wait::Never));
+            // 2740 is too little of a change for KWin to go there at once, and the last all but neutral, from where it
+            // would not go back by itself.
+            const std::vector<GammaTables> roads[]{{warm, tablesWith(0.6820F, 0.3587F)},
+                                                   {tablesWith(0.952F, 0.9066F), tablesWith(0.9975F, 0.9955F)}};
+            for (const auto &road : roads) {
+                for (const auto &tables : road) {
+                    QVERIFY(backend.write({}, tables, Wait::Allowed));
+                    const int target = nearestNightLightTemperature(tables);
+                    QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), target, 15'000);
+                }
+                backend.restore();
+                QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 6500, 9000);
+                QVERIFY(
+                    !QByteArray::fromStdString(Session::settings()).contains("NightColor")); // KWin writes other groups
             }
-            backend.restore();
-            QTRY_COMPARE_WITH_TIMEOUT((serve(backend), Session::temperature()), 6500, 9000);
-            QVERIFY(!QByteArray::fromStdString(Session::settings()).contains("NightColor")); // KWin writes other groups
+            QVERIFY(session.console.lines.empty());
+            kwin.kill();
+            kwin.waitForFinished();
         }
-        QVERIFY(session.console.lines.empty());
-        kwin.kill();
-        kwin.waitForFinished();
     }
 
     void aDragTellsKWinOnceASecondAndTheLastValueAlways()
@@ -265,16 +252,16 @@ private Q_SLOTS:
     void settingsComeBackWhateverEndsTheApplication()
     {
         Session session;
-        for (const int signal : {SIGTERM, SIGKILL, 0}) {
-            QProcess copy;
-            copy.start(QCoreApplication::applicationFilePath(), {QStringLiteral("tint")});
-            QTRY_COMPARE(Session::temperature(), 2700);
-            const auto process = static_cast<pid_t>(copy.processId());
-            if (signal == 0) // the guardian dies with it: the next start looks
-                ::kill(childOf(process, "AmbertideGuardian"), SIGKILL);
-            ::kill(process, signal == 0 ? SIGKILL : signal);
-            copy.waitForFinished();
-            if (signal == 0) {
+        for (const bool isPowerCut : {false, true}) {
+            TintingCopy copy("kwin");
+            copy.show("0.5");
+            QTRY_COMPARE(Session::temperature(), nearestNightLightTemperature(tint(0.5)));
+            if (isPowerCut) {
+                ::kill(copy.process(), SIGSTOP);
+                ::kill(copy.guardian(), SIGKILL);
+            }
+            copy.end();
+            if (isPowerCut) {
                 QVERIFY(Session::settings() != std::string());
                 const KWinBackend next(guardianFile);
             }
@@ -284,16 +271,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    if (argc == 2 && qstrcmp(argv[1], "tint") == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        KWinBackend backend(guardianFile);
-        backend.write({}, warm, DisplayBackend::Wait::Allowed);
-        return pause();
-    }
-    const QCoreApplication application(argc, argv);
-    KWinBackendTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_GUILESS_MAIN(KWinBackendTest)
 #include "KWinBackend.moc"

@@ -1,64 +1,22 @@
 #include "adapters/linux/displays/randr/RandrBackend.h"
 
 #include "adapters/linux/displays/shared/BackendDisplayServices.h"
-#include "adapters/linux/displays/shared/GammaRamp.h"
 #include "support/CapturedConsole.h"
+#include "support/PrivateColord.h"
 #include "support/PrivateXServer.h"
 #include "support/RandrClient.h"
+#include "support/TintingCopy.h"
 
-#include <QTest>
-
-#include <cmath>
 #include <thread>
 
 using namespace ambertide;
 
 namespace {
 
-/// What red, green and blue become at a level from 0 to 1: a rising, a bent and a falling line.
-constexpr std::array<float (*)(float), 3> curves{
-    [](float in) { return 0.5F * in; },
-    [](float in) { return std::min(in, 100 / 255.0F); },
-    [](float in) { return 1 - in; },
-};
-
-GammaTables tintTables()
-{
-    GammaTables tables;
-    for (std::size_t i = 0; i < GammaTables::size; ++i) {
-        const float in = static_cast<float>(i) / 255;
-        tables.red[i] = curves[0](in);
-        tables.green[i] = curves[1](in);
-        tables.blue[i] = curves[2](in);
-    }
-    return tables;
-}
-
 BackendDisplayServices servicesOf(const PrivateXServer &server)
 {
     return BackendDisplayServices(
         [display = server.display()] { return std::make_unique<RandrBackend>(display, "/nonexistent/guardian"); });
-}
-
-std::vector<DisplayIdentifier> tint(DisplayServices &services)
-{
-    auto displays = services.activeDisplays();
-    displays.insert(displays.begin(), 0xABCDEF); // as one that is no longer there
-    services.setTransferTables(displays, tintTables());
-    displays.erase(displays.begin());
-    return displays;
-}
-
-bool isTinted(const RandrClient::Ramp &ramp)
-{
-    for (std::size_t channel = 0; channel < 3; ++channel) {
-        for (std::size_t i = 0; i < ramp[channel].size(); ++i) {
-            const auto in = static_cast<float>(i) / static_cast<float>(ramp[channel].size() - 1);
-            if (std::abs(ramp[channel][i] - 65535 * curves[channel](in)) > 1)
-                return false;
-        }
-    }
-    return true;
 }
 
 } // namespace
@@ -67,52 +25,138 @@ class RandrBackendTest : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void tablesAreSpreadOverRampsOfOtherSizes()
+    const PrivateBus m_session;
+    const PrivateXServer m_server{PrivateXServer::Kind::framebuffer};
+    RandrClient m_client{m_server.display()};
+    const xcb_randr_crtc_t m_display = m_client.crtcs().front();
+
+    /// Red, green and blue at half the level.
+    std::array<int, 3> shown()
     {
-        for (const std::uint16_t size : std::initializer_list<std::uint16_t>{2, 3, 1024, 16384}) {
-            const GammaRamp ramp(tintTables(), size);
-            const auto table = [size](const auto *levels) { return std::vector(levels, levels + size); };
-            QVERIFY(isTinted({table(ramp.red()), table(ramp.green()), table(ramp.blue())}));
-            const auto identity = GammaRamp::identity(size);
-            for (int i = 0; i < size; ++i)
-                QCOMPARE(identity.blue()[i], std::lround(65535.0 * i / (size - 1)));
+        const auto levels = m_client.levels(m_display);
+        return {levels[128], levels[256 + 128], levels[512 + 128]};
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("DISPLAY", QByteArray::fromStdString(m_server.display()));
+        qunsetenv("WAYLAND_DISPLAY");
+    }
+
+    void displaysThatWereGivenBackAreLeftAlone()
+    {
+        TintingCopy copy("randr");
+        copy.show("0.5");
+        QTRY_VERIFY(m_client.shows(0.5)); // and it has a guardian
+        copy.show("1");
+        m_server.xrandr(QStringLiteral("--output screen --gamma 0.5:0.8:0.9"));
+        const auto foreign = m_client.levels(m_display);
+        QVERIFY(copy.end());
+        QCOMPARE(m_client.levels(m_display), foreign);
+    }
+
+    void aCalibrationIsGivenBackAndFollowed()
+    {
+        if (!PrivateColord::isInstalled())
+            QSKIP("colord is not installed");
+        PrivateColord colord;
+        QVERIFY(colord.start());
+        const auto display = colord.addDisplay(QStringLiteral("screen"));
+        constexpr std::array identity{32896, 32896, 32896};
+        constexpr std::array curves{16513, 23307, 32896};       // raised to the powers of calibrationGamma
+        constexpr std::array tintedCurves{16513, 15138, 16448}; // tinted first
+        colord.setProfile(display, colourProfile(true));
+        TintingCopy copy("randr");
+        copy.show("0.5");
+        QTRY_COMPARE(shown(), tintedCurves);
+        copy.show("1");
+        QCOMPARE(shown(), curves);
+        colord.setProfile(display, colourProfile(false));
+        QTRY_COMPARE(shown(), identity);
+        colord.setProfile(display, colourProfile(true));
+        QTRY_COMPARE(shown(), curves);
+
+        copy.show("0.5");
+        QTRY_COMPARE(shown(), tintedCurves);
+        QVERIFY(copy.end());
+        QCOMPARE(shown(), curves);
+    }
+
+    void theNewestCopyHasTheDisplaysAndAGuardian()
+    {
+        TintingCopy old("randr");
+        old.show("0.5");
+        QTRY_VERIFY(old.guardian() > 0);
+        {
+            TintingCopy brief("randr");
+            for (const auto *level : {"0.5", "1", "0.25"})
+                brief.show(level);
+            QTRY_VERIFY(m_client.shows(0.25));
+            old.show("0.75");
+            old.show("1");
+            QVERIFY(m_client.shows(0.25));
+            QVERIFY(brief.end());
+            QVERIFY(m_client.showsIdentityEverywhere());
         }
+        m_client.takeSelection("_ME_TOVANU_AMBERTIDE"); // a stranger's claim does not count
+        old.show("0.5");
+        QTRY_VERIFY(m_client.shows(0.5));
+        TintingCopy young("randr");
+        young.show("0.25");
+        QTRY_VERIFY(young.guardian() > 0);
+        const auto youngGuardian = young.guardian();
+        QVERIFY(old.end());
+        QTRY_VERIFY(m_client.shows(0.25));
+
+        kill(youngGuardian, SIGKILL); // is replaced at once
+        QTRY_VERIFY(young.guardian() != 0 && young.guardian() != youngGuardian);
+        const auto secondGuardian = young.guardian();
+        kill(secondGuardian, SIGSTOP); // takes effect some time later, and it is replaced with the next write
+        QTRY_VERIFY((young.show("0.5"), young.guardian() != 0 && young.guardian() != secondGuardian));
+        young.show("1");
+        kill(young.guardian(), SIGKILL); // is not replaced while nothing is tinted, and its channel not watched
+        QTRY_COMPARE(young.guardian(), 0);
+        QTRY_VERIFY((young.show("0.5"), young.guardian() > 0));
+        m_client.takeSelection("_ME_TOVANU_AMBERTIDE");
+        QVERIFY(young.end(true));
+        QVERIFY(m_client.showsIdentityEverywhere());
     }
 
     void aServerThatComesAndGoesIsUsedByAllThreadsWhileItIsThere()
     {
-        const CapturedConsole console;
         PrivateXServer server(PrivateXServer::Kind::framebuffer);
         RandrBackend backend(server.display(), "/nonexistent/guardian");
         server.stop();
         backend.restore();
         backend.process();
         QVERIFY(!backend.due()); // or its thread would never sleep
+        const CapturedConsole console;
         auto services = servicesOf(server);
         const auto tintOnThreads = [&services] {
             std::vector<std::jthread> threads;
             for (int i = 0; i < 4; ++i) {
                 threads.emplace_back([&services, i] {
                     for (int step = 0; step < 50; ++step) {
-                        tint(services);
+                        setTint(services, 0.5);
                         if (i == 0)
                             services.restoreSystemColours();
                     }
                 });
             }
         };
-        for (const std::size_t linesMore : {2U, 1U}) { // one of them about the guardian, which cannot be started
+        // Lines that it cannot be reached and that it can, and one about the guardian, which cannot be started.
+        for (const auto &[linesWithout, linesWith] : {std::pair(1U, 3U), {4U, 5U}}) {
             tintOnThreads();
-            const auto lines = console.lines.size();
+            QCOMPARE(console.lines.size(), linesWithout);
             server.start();
             tintOnThreads();
             RandrClient client(server.display());
-            const auto displays = tint(services);
-            QTRY_VERIFY(isTinted(client.ramp(displays[0])));
+            setTint(services, 0.5);
+            QTRY_VERIFY(client.shows(0.5));
             services.restoreSystemColours();
             QVERIFY(client.showsIdentityEverywhere());
-            QCOMPARE(console.lines.size(), lines + linesMore);
+            QCOMPARE(console.lines.size(), linesWith);
             server.stop();
         }
     }
@@ -122,33 +166,33 @@ private Q_SLOTS:
         const CapturedConsole console;
         const PrivateXServer server(PrivateXServer::Kind::dummy);
         auto services = servicesOf(server);
-        services.restoreSystemColours(); // and it has connected
-        tint(services);
+        services.restoreSystemColours();                                                   // and it has connected
+        services.setTransferTables(std::array<DisplayIdentifier, 1>{0xABCDEF}, tint(0.5)); // no longer there
+        setTint(services, 0.5);
         RandrClient client(server.display());
         for (const bool isOn : {true, false, true}) {
             const auto change = isOn ? &PrivateXServer::switchOn : &PrivateXServer::switchOff;
             (server.*change)(QStringLiteral("DUMMY1"));
             QTRY_COMPARE(services.activeDisplays().size(), isOn ? 2U : 1U);
-            for (const auto display : client.activeCrtcs())
-                QTRY_VERIFY(isTinted(client.ramp(display)));
+            QTRY_VERIFY(client.shows(0.5));
         }
+        services.restoreSystemColours();
+        QVERIFY(client.showsIdentityEverywhere());
     }
 
     void aServerThatDoesNotAnswerHoldsNobodyUpAndShowsTheNewestTintLater()
     {
         const CapturedConsole console;
-        const PrivateXServer server(PrivateXServer::Kind::framebuffer);
-        auto services = servicesOf(server);
+        auto services = servicesOf(m_server);
         services.restoreSystemColours();
-        server.suspend();
+        m_server.suspend();
         // Many more than a socket's buffer takes: this ends, or the test's time does.
         for (int step = 0; step < 2000; ++step)
-            services.setTransferTables(services.activeDisplays(), GammaTables{});
+            setTint(services, 0.5);
         services.restoreSystemColours();
-        const auto displays = tint(services);
-        server.resume();
-        RandrClient client(server.display());
-        QTRY_VERIFY(isTinted(client.ramp(displays[0])));
+        setTint(services, 0.25);
+        m_server.resume();
+        QTRY_VERIFY(m_client.shows(0.25));
     }
 };
 
