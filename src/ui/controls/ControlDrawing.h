@@ -28,7 +28,7 @@ QRect sliderGroove(const QStyleOptionSlider &option);
 QRect sliderHandle(const QStyleOptionSlider &option);
 void drawSlider(QPainter &painter, const QStyleOptionSlider &option);
 
-/// For vertical scroll bars, the only ones in use. They have no buttons at the ends, so the groove is the whole bar.
+/// Scroll bars have no buttons at the ends, so the groove is the whole bar.
 QRect scrollThumb(const QStyleOptionSlider &option);
 void drawScrollBar(QPainter &painter, const QStyleOptionSlider &option);
 
