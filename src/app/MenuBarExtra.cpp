@@ -104,7 +104,7 @@ void MenuBarExtra::explain()
                                       TextStyle::Caption, &Theme::secondaryText);
     explanation->setWordWrap(true);
     explanation->setContentsMargins(explanationPadding, 0, explanationPadding, explanationPadding);
-    explanation->setFixedWidth(m_panel->width());
+    explanation->setFixedWidth(m_panel->layout()->contentsRect().width());
     m_panel->layout()->addWidget(explanation);
 }
 
