@@ -144,7 +144,7 @@ private:
     int answerTables(sd_bus_message *call, std::uint32_t crtc)
     {
         const auto reply = SdBusWriter::reply(call).take();
-        const Levels told = habit == Habit::hugeTables ? Levels(15'000'000) : m_shown[crtc];
+        const Levels told = habit == Habit::hugeTables ? Levels(300'000) : m_shown[crtc];
         const std::size_t size = habit == Habit::noTables ? 0 : told.size() / 3;
         for (std::size_t channel = 0; channel < 3; ++channel)
             sd_bus_message_append_array(reply.get(), 'q', told.data() + channel * size, 2 * size);

@@ -106,7 +106,7 @@ private Q_SLOTS:
             QVERIFY2(mutter.calls - before <= 6 * writes, qPrintable(QString::number(mutter.calls - before)));
             services.restoreSystemColours();
             if (habit == Habit::hugeTables || habit == Habit::noTables)
-                QTRY_VERIFY(mutter.shows(1)); // in some size that there is
+                QTRY_VERIFY_WITH_TIMEOUT(mutter.shows(1), 30000); // in some size that there is
             mutter.habit = Habit::regular;
             mutter.changeMonitors();
             QTRY_VERIFY_WITH_TIMEOUT((setTint(services, 0.5), mutter.shows(0.5)), 30000);
