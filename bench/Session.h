@@ -26,7 +26,7 @@ public:
     void waitUntilReached();
     void stop();
     int tool(const QStringList &arguments);
-    RandrClient::Ramp shown() { return m_client.ramp(m_client.crtcs().front()); }
+    std::vector<std::uint16_t> shown() { return m_client.levels(m_client.crtcs().front()); }
     /// Waits until no table has changed for half a second.
     void settle();
     pid_t process() const { return static_cast<pid_t>(m_application.processId()); }
