@@ -69,9 +69,9 @@ std::optional<std::vector<std::string>> SdBusReader::texts()
 {
     std::vector<std::string> entries;
     const bool isRead = array("s", [&] {
-        auto entry = text();
+        const auto entry = text();
         if (entry && entries.size() < mostEntries)
-            entries.push_back(*std::move(entry));
+            entries.push_back(*entry);
         return entry.has_value();
     });
     return isRead ? std::optional(std::move(entries)) : std::nullopt;
