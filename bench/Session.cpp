@@ -22,6 +22,8 @@ Session::Session()
     qputenv("XDG_CONFIG_HOME", m_folder.path().toUtf8());
     qunsetenv("WAYLAND_DISPLAY");
     qunsetenv("QT_QPA_PLATFORM");
+    // Xvfb begins with black tables, which an application that ends before it has tinted leaves alone.
+    QProcess::execute(QStringLiteral("xrandr"), QStringLiteral("--output screen --gamma 1:1:1").split(u' '));
 }
 
 void Session::start()
