@@ -76,13 +76,16 @@ void AppViewModel::setTemperature(double temperature)
 
 void AppViewModel::applyTemperatureWithDebounce()
 {
+    m_isApplyDelayed = true;
     m_temperatureChangeTask.cancel();
     m_temperatureChangeTask =
         Task::start(m_ports.executor, [weak = std::weak_ptr(m_self)](TaskContext context) -> Async {
             co_await context.sleep(150ms);
             co_await context.onMain();
-            if (const auto self = weak.lock())
+            if (const auto self = weak.lock()) {
+                self->m_isApplyDelayed = false;
                 self->m_displayManager->setTemperature(self->m_temperature);
+            }
         });
 }
 
@@ -204,7 +207,7 @@ void AppViewModel::manualScheduleCheck()
     if (isEnabled)
         checkSchedule();
     // The display manager drops a request that comes during a ramp and is close to the ramp's start.
-    if (!m_displayManager->isShowing(m_temperature))
+    if (!m_isApplyDelayed && !m_displayManager->isShowing(m_temperature))
         applyTemperatureImmediately();
 }
 

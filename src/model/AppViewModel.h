@@ -103,6 +103,7 @@ private:
     std::shared_ptr<DisplayManager> m_displayManager;
     bool m_isScheduledChange = false; ///< whether the schedule changed the temperature last; nothing reads it
     bool m_isImmediateApplyPending = false;
+    bool m_isApplyDelayed = false;     ///< the 150 ms after a change have not passed
     bool m_isRefused = false;          ///< whether there was a tintRefusal() at the last look
     std::optional<double> m_requested; ///< kelvin, by another process, until a pending task takes it up
     Task m_temperatureChangeTask;      ///< the newest debounced apply, pending or past

@@ -57,6 +57,7 @@ private Q_SLOTS:
             bench.model->handleManualChange();
             bench.model->setTemperature(5000 - 100 * i);
             bench.executor.advance(10ms);
+            bench.nudge(); // which comes every 5 s, also during a drag
         }
         QCOMPARE(changes.count(), 10); // the schedule was off all along
         bench.executor.advance(139ms);
