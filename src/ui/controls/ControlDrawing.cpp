@@ -303,8 +303,8 @@ void drawProgressBar(QPainter &painter, const QStyleOptionProgressBar &option, s
         const double length = sweepLength * width;
         fill(QEasingCurve(QEasingCurve::InOutSine).valueForProgress(*sweep) * (width + length) - length, length);
     } else {
-        for (double start = height; start < width; start += 4 * height)
-            fill(start, 2 * height);
+        for (int mark = 0; (4 * mark + 1) * height < width; ++mark)
+            fill((4 * mark + 1) * height, 2 * height);
     }
     painter.restore();
     if (theme.isHighContrast)
