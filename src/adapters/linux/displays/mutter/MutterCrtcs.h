@@ -3,6 +3,7 @@
 #include "adapters/linux/displays/mutter/DisplayConfig.h"
 #include "ports/DisplayServices.h"
 
+#include <chrono>
 #include <map>
 #include <optional>
 #include <span>
@@ -52,7 +53,7 @@ private:
         std::optional<GammaRamp> sent{};  ///< by the call under way
         std::optional<GammaRamp> shown{}; ///< nothing where that is unknown
         int foreignTables = 0;            ///< seen since forgetShown(), each soon after the one before
-        SdBusDeadline lastForeign{};      ///< when the last of them was seen
+        std::chrono::steady_clock::time_point lastForeign{}; ///< when the last of them was seen
         bool mustBeLookedAt = false;
         SdBusSlot call{}; ///< under way
     };
