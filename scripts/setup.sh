@@ -6,7 +6,7 @@ build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-svg-dev qt6-to
     libxcb-randr0-dev libsystemd-dev libglib2.0-dev libsodium-dev libwayland-dev liblcms2-dev python3)
 run_packages=(dbus-daemon libqt6gui6 xvfb hicolor-icon-theme)
 test_packages=("${run_packages[@]}" xserver-xorg-core xserver-xorg-video-dummy x11-xserver-utils systemd wlsunset
-    colord openssl)
+    sway colord openssl)
 desktop_packages=(openbox xfce4-panel lxqt-panel tint2 adwaita-icon-theme at-spi2-core gir1.2-atspi-2.0 python3-gi
     imagemagick libfaketime xdotool)
 picture_packages=(fonts-inter optipng util-linux)

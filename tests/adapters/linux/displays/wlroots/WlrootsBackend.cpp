@@ -8,6 +8,9 @@
 
 #include <QStandardPaths>
 
+#include <grp.h>
+#include <unistd.h>
+
 using namespace ambertide;
 using Kind = GammaCompositor::Kind;
 
@@ -15,11 +18,18 @@ namespace {
 
 constexpr char socketName[] = "wayland-test";
 
-BackendDisplayServices makeServices()
+BackendDisplayServices makeServices(const std::string &socket = socketName)
 {
-    return BackendDisplayServices([] {
-        return std::make_unique<WlrootsBackend>(socketName, AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
+    return BackendDisplayServices([socket] {
+        return std::make_unique<WlrootsBackend>(socket, AMBERTIDE_BUNDLE "/Contents/MacOS/AmbertideGuardian");
     });
+}
+
+/// sway refuses to run as root.
+uid_t swayUser()
+{
+    constexpr uid_t nobody = 65534;
+    return geteuid() == 0 ? nobody : geteuid();
 }
 
 } // namespace
@@ -100,6 +110,39 @@ private Q_SLOTS:
             process.kill();
             process.waitForFinished();
         }
+    }
+
+    void aRealCompositorWithoutGammaTablesIsSaidToHaveNone()
+    {
+        const auto sway = QStandardPaths::findExecutable(QStringLiteral("sway"));
+        if (sway.isEmpty())
+            QSKIP("sway is not installed");
+        QTemporaryDir folder;
+        QVERIFY(::chown(folder.path().toUtf8().constData(), swayUser(), static_cast<gid_t>(-1)) == 0);
+        QProcess process;
+        process.setChildProcessModifier([] {
+            const auto user = swayUser();
+            if (user == geteuid() || (setgroups(0, nullptr) == 0 && setgid(user) == 0 && setuid(user) == 0))
+                prctl(PR_SET_PDEATHSIG, SIGKILL);
+        });
+        process.start(QStringLiteral("env"),
+                      {QStringLiteral("XDG_RUNTIME_DIR=") + folder.path(), QStringLiteral("WLR_BACKENDS=headless"),
+                       QStringLiteral("WLR_HEADLESS_OUTPUTS=2"), QStringLiteral("WLR_RENDERER=pixman"),
+                       QStringLiteral("WLR_LIBINPUT_NO_DEVICES=1"), sway, QStringLiteral("--config"),
+                       QStringLiteral("/dev/null")});
+        const auto socket = folder.filePath(QStringLiteral("wayland-1")); // the first name that it tries
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(socket), 30'000);
+        auto services = makeServices(socket.toStdString());
+        QTRY_COMPARE(services.activeDisplays().size(), 2U);
+        setTint(services, 0.5F);
+        QTRY_VERIFY(services.refusal());
+        for (int i = 0; i < 5; ++i)
+            setTint(services, 0.5F);
+        services.restoreSystemColours();
+        QCOMPARE(m_console.lines.size(), 1U);
+        QCOMPARE(process.state(), QProcess::Running);
+        process.kill();
+        process.waitForFinished();
     }
 
     void aMatrixStandsInWhereHyprlandRefusesTheTables()
