@@ -91,6 +91,8 @@ void MenuBarExtra::followPresence()
     if (presence == TrayIcon::Presence::Nowhere) {
         m_isWanted = m_isWanted || (m_ports.isStartedByPerson && !m_hasBeenSeen);
         explain();
+    } else if (presence == TrayIcon::Presence::Shown) {
+        delete m_explanation; // it is not true any more
     }
     if (presence != TrayIcon::Presence::Pending)
         showNow();
@@ -106,6 +108,7 @@ void MenuBarExtra::explain()
     explanation->setContentsMargins(explanationPadding, 0, explanationPadding, explanationPadding);
     explanation->setFixedWidth(m_panel->layout()->contentsRect().width());
     m_panel->layout()->addWidget(explanation);
+    m_explanation = explanation;
 }
 
 void MenuBarExtra::open(PanelPlacement::Manner manner, std::optional<QPoint> place)

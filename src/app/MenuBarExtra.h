@@ -8,6 +8,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QWidget>
 
 #include <functional>
 #include <memory>
@@ -68,6 +69,7 @@ private:
     bool m_isWanted = false;       ///< the panel is to open as soon as it is known where
     bool m_hasBeenSeen = false;    ///< the icon or the panel has been on the screen
     bool m_hasExplained = false;
+    QPointer<QWidget> m_explanation;      ///< in the open panel, while there is no icon
     bool m_hasJustClosed = false;         ///< maybe by a press on the icon that has not reached the icon yet
     bool m_wasButtonHeld = false;         ///< when forgetClosing() last looked
     Task m_justClosed;                    ///< resets m_hasJustClosed
