@@ -52,7 +52,7 @@ public:
                 mount("none", "/var/lib/colord", "tmpfs", 0, nullptr);
         });
         m_process.start(QLatin1String(program), {});
-        return QTest::qWaitFor([this] { return !addDisplay(QStringLiteral("another")).isEmpty(); });
+        return QTest::qWaitFor([] { return !addDisplay(QStringLiteral("another")).isEmpty(); });
     }
     ~PrivateColord()
     {
@@ -60,12 +60,12 @@ public:
         m_process.waitForFinished();
     }
 
-    /// A display at that output, without a profile. Its object.
-    QString addDisplay(const QString &output)
+    /// A display at that output, without a profile, or with the one that it had before it was removed. Its object.
+    static QString addDisplay(const QString &output)
     {
-        return call(QStringLiteral("CreateDevice ssa{ss} d%1 normal 2 Kind display XRANDR_name %2")
-                        .arg(QString::number(++m_number), output));
+        return call(QStringLiteral("CreateDevice ssa{ss} at-%1 normal 2 Kind display XRANDR_name %1").arg(output));
     }
+    static void removeDisplay(const QString &display) { call(QStringLiteral("DeleteDevice o ") + display); }
     /// Makes a file of that content the display's default profile.
     void setProfile(const QString &display, const QByteArray &content)
     {

@@ -5,7 +5,6 @@
 #include "adapters/linux/displays/mutter/MutterRestore.h"
 #include "adapters/linux/displays/mutter/NightLight.h"
 #include "adapters/linux/displays/mutter/TintName.h"
-#include "adapters/linux/displays/profiles/ColourProfiles.h"
 #include "adapters/linux/displays/shared/timeAsleep.h"
 #include "base/Console.h"
 
@@ -22,6 +21,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto patienceForBus = 300ms;
+/// A session that is still starting may be slow, and what is found then holds until Ambertide is started again.
+constexpr auto patienceForService = 4s;
 constexpr auto betweenAttempts = 2s;
 /// While a socket is full.
 constexpr auto betweenFlushes = 10ms;
@@ -48,7 +49,7 @@ bool handleMessages(sd_bus *bus)
 
 std::string MutterBackend::refusal()
 {
-    const auto deadline = Clock::now() + patienceForBus;
+    const auto deadline = Clock::now() + patienceForService;
     const auto bus = openSdBus(SdBusKind::session);
     const bool isThere = bus && waitUntilReady(bus.get(), deadline) &&
                          !ownerOfName(bus.get(), display_config::service, deadline).value_or("").empty();
@@ -133,7 +134,7 @@ bool MutterBackend::process()
     if (m_nextRestore && *m_nextRestore <= Clock::now())
         tryToRestore();
     if (m_systemBus && !handleMessages(m_systemBus.get())) {
-        m_profileWatch.reset();
+        m_profileWatch = {};
         m_systemBus.reset();
     }
     if (m_bus && !handleMessages(m_bus.get()))
@@ -189,7 +190,7 @@ bool MutterBackend::connect()
 
 void MutterBackend::connectToSystemBus()
 {
-    m_profileWatch.reset();
+    m_profileWatch = {};
     m_systemBus = openSdBus(SdBusKind::system);
     if (!m_systemBus)
         return;
@@ -204,7 +205,7 @@ void MutterBackend::connectToSystemBus()
 /// What mutter was told is lost with the connection; the next write or restore makes a new one.
 void MutterBackend::disconnect()
 {
-    m_profileWatch.reset();
+    m_profileWatch = {};
     m_slots.clear();
     m_crtcs.reset();
     m_looks.clear();

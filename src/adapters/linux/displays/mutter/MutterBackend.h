@@ -1,6 +1,7 @@
 #pragma once
 
 #include "adapters/linux/displays/mutter/MutterCrtcs.h"
+#include "adapters/linux/displays/profiles/ColourProfiles.h"
 #include "adapters/linux/displays/shared/DisplayBackend.h"
 #include "adapters/linux/displays/shared/GuardianProcess.h"
 #include "adapters/linux/displays/shared/PollSet.h"
@@ -58,7 +59,7 @@ private:
     SdBusConnection m_systemBus;        ///< null where there is none
     std::optional<MutterCrtcs> m_crtcs; ///< as long as there is a connection
     std::vector<SdBusSlot> m_slots;
-    SdBusSlot m_profileWatch;
+    ColourProfileWatch m_profileWatch;
     Clock::time_point m_nextAttempt{};              ///< to connect
     std::optional<Clock::time_point> m_nextRestore; ///< when mutter has not confirmed the last one
     std::vector<Clock::time_point> m_looks;         ///< at the tables, unasked: when, the soonest last

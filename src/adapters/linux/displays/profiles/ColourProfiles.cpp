@@ -3,6 +3,9 @@
 #include "adapters/linux/bus/CallBatch.h"
 #include "adapters/linux/displays/profiles/VideoCardGamma.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace ambertide {
 
 namespace {
@@ -14,13 +17,14 @@ constexpr char path[] = "/org/freedesktop/ColorManager";
 constexpr char deviceInterface[] = "org.freedesktop.ColorManager.Device";
 constexpr char profileInterface[] = "org.freedesktop.ColorManager.Profile";
 
-SdBusMessage findDevice(sd_bus *bus, const std::string &connector)
+/// Asks for the displays that root or this user has made known. Another user who is logged in has made known the same
+/// connectors.
+SdBusMessage listDisplays(sd_bus *bus)
 {
     sd_bus_message *message = nullptr;
-    sd_bus_message_new_method_call(bus, &message, service, path, service, "FindDeviceByProperty");
+    sd_bus_message_new_method_call(bus, &message, service, path, service, "GetDevicesByKind");
     SdBusMessage call(message);
-    if (!call || sd_bus_message_set_auto_start(message, 0) < 0 ||
-        sd_bus_message_append(message, "ss", "XRANDR_name", connector.c_str()) < 0)
+    if (!call || sd_bus_message_set_auto_start(message, 0) < 0 || sd_bus_message_append(message, "s", "display") < 0)
         return nullptr;
     return call;
 }
@@ -29,6 +33,31 @@ std::string readText(const SdBusMessage &reply, char type)
 {
     const char *text = nullptr;
     return sd_bus_message_read_basic(reply.get(), type, static_cast<void *>(&text)) > 0 ? text : "";
+}
+
+std::vector<std::string> readObjects(const SdBusMessage &reply)
+{
+    std::vector<std::string> objects;
+    if (reply && sd_bus_message_enter_container(reply.get(), 'a', "o") > 0) {
+        for (auto object = readText(reply, 'o'); !object.empty(); object = readText(reply, 'o'))
+            objects.push_back(std::move(object));
+    }
+    return objects;
+}
+
+/// The connector in a reply with a device's metadata.
+std::string readConnector(const SdBusMessage &reply)
+{
+    if (!enterProperty(reply, "a{ss}") || sd_bus_message_enter_container(reply.get(), 'a', "{ss}") <= 0)
+        return {};
+    while (sd_bus_message_enter_container(reply.get(), 'e', "ss") > 0) {
+        const auto key = readText(reply, 's');
+        auto value = readText(reply, 's');
+        if (key == "XRANDR_name")
+            return value;
+        sd_bus_message_exit_container(reply.get());
+    }
+    return {};
 }
 
 /// One call for each object; null for an empty path.
@@ -47,39 +76,45 @@ std::vector<ColourProfile> readColourProfiles(sd_bus *systemBus, const std::vect
                                               SdBusDeadline deadline)
 {
     std::vector<ColourProfile> profiles(connectors.size());
-    if (!systemBus) {
+    const auto setAll = [&profiles](Knowledge knowledge) {
         for (auto &profile : profiles)
-            profile.knowledge = Knowledge::none;
+            profile.knowledge = knowledge;
+    };
+    if (!systemBus) {
+        setAll(Knowledge::none);
         return profiles;
     }
     if (!waitUntilReady(systemBus, deadline))
         return profiles;
 
     std::vector<SdBusMessage> questions;
-    for (const auto &connector : connectors)
-        questions.push_back(connector.empty() ? nullptr : findDevice(systemBus, connector));
-    CallBatch devices(systemBus, questions);
-    const auto &found = devices.wait(deadline);
-    std::vector<std::string> objects(profiles.size());
-    for (std::size_t i = 0; i < profiles.size(); ++i) {
-        // If there is no colord, the bus answers with an error, too.
-        if (connectors[i].empty() || isError(found[i]))
-            profiles[i].knowledge = Knowledge::none;
-        else if (found[i])
-            objects[i] = readText(found[i], 'o');
-    }
-
-    CallBatch lists(systemBus, getProperties(systemBus, objects, deviceInterface, "Profiles"));
+    questions.push_back(listDisplays(systemBus));
+    CallBatch question(systemBus, questions);
+    const auto &answer = question.wait(deadline)[0];
+    if (!answer)
+        return profiles;
+    setAll(Knowledge::none); // if there is no colord, too: then the bus answers with an error
+    const auto devices = readObjects(answer);
+    CallBatch metadata(systemBus, getProperties(systemBus, devices, deviceInterface, "Metadata"));
+    CallBatch lists(systemBus, getProperties(systemBus, devices, deviceInterface, "Profiles"));
+    const auto &described = metadata.wait(deadline);
     const auto &listed = lists.wait(deadline);
-    for (std::size_t i = 0; i < profiles.size(); ++i) {
-        objects[i].clear();
-        if (isError(listed[i]))
-            profiles[i].knowledge = Knowledge::found;
-        if (!enterProperty(listed[i], "ao") || sd_bus_message_enter_container(listed[i].get(), 'a', "o") <= 0)
+    if (std::ranges::any_of(described, [](const auto &reply) { return !reply; }))
+        setAll(Knowledge::unknown);
+    std::vector<std::string> objects(profiles.size());
+    for (std::size_t device = 0; device < devices.size(); ++device) {
+        const auto found = std::ranges::find(connectors, readConnector(described[device]));
+        if (found == connectors.end() || found->empty())
             continue;
-        objects[i] = readText(listed[i], 'o'); // the first is the default
-        if (objects[i].empty())
+        const auto i = static_cast<std::size_t>(found - connectors.begin());
+        profiles[i].knowledge = isError(listed[device]) ? Knowledge::found : Knowledge::unknown;
+        if (!enterProperty(listed[device], "ao"))
+            continue;
+        const auto assigned = readObjects(listed[device]);
+        if (assigned.empty())
             profiles[i].knowledge = Knowledge::none;
+        else
+            objects[i] = assigned.front(); // the default
     }
 
     CallBatch files(systemBus, getProperties(systemBus, objects, profileInterface, "Filename"));
@@ -96,12 +131,14 @@ std::vector<ColourProfile> readColourProfiles(sd_bus *systemBus, const std::vect
     return profiles;
 }
 
-SdBusSlot watchColourProfiles(sd_bus *systemBus, sd_bus_message_handler_t handler, void *context)
+ColourProfileWatch watchColourProfiles(sd_bus *systemBus, sd_bus_message_handler_t handler, void *context)
 {
-    return addMatch(
-        systemBus,
-        signalRule({{"sender", service}, {"path", path}, {"interface", service}, {"member", "DeviceChanged"}}), handler,
-        context);
+    const auto watch = [&](const char *member) {
+        return addMatch(systemBus,
+                        signalRule({{"sender", service}, {"path", path}, {"interface", service}, {"member", member}}),
+                        handler, context);
+    };
+    return {watch("DeviceAdded"), watch("DeviceChanged")};
 }
 
 } // namespace ambertide

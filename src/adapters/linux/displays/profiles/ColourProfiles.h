@@ -3,6 +3,7 @@
 #include "adapters/linux/bus/SdBus.h"
 #include "ports/DisplayServices.h"
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,7 +27,10 @@ struct ColourProfile
 std::vector<ColourProfile> readColourProfiles(sd_bus *systemBus, const std::vector<std::string> &connectors,
                                               SdBusDeadline deadline);
 
-/// Calls `handler` when something about a display changes, such as its default profile.
-SdBusSlot watchColourProfiles(sd_bus *systemBus, sd_bus_message_handler_t handler, void *context);
+using ColourProfileWatch = std::array<SdBusSlot, 2>;
+
+/// Calls `handler` when colord gets to know a display, perhaps with a profile, and when something about one changes,
+/// such as its default profile.
+ColourProfileWatch watchColourProfiles(sd_bus *systemBus, sd_bus_message_handler_t handler, void *context);
 
 } // namespace ambertide

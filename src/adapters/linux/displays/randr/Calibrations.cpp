@@ -1,6 +1,5 @@
 #include "adapters/linux/displays/randr/Calibrations.h"
 
-#include "adapters/linux/displays/profiles/ColourProfiles.h"
 #include "base/Console.h"
 
 #include <algorithm>
@@ -44,7 +43,7 @@ bool Calibrations::process()
     for (int i = 0; m_bus && i < mostMessages && handled > 0; ++i)
         handled = sd_bus_process(m_bus.get(), nullptr);
     if (handled < 0) {
-        m_watch.reset();
+        m_watch = {};
         m_bus.reset();
     }
     return std::exchange(m_hasChanged, false);
@@ -54,6 +53,7 @@ bool Calibrations::read(const std::vector<std::string> &outputs, SdBusDeadline d
 {
     CalibrationCurves curves;
     const auto profiles = readColourProfiles(m_bus.get(), outputs, deadline);
+    m_isComplete = std::ranges::count(profiles, ColourProfile::Knowledge::unknown, &ColourProfile::knowledge) == 0;
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         if (profiles[i].calibration)
             curves.emplace(outputs[i], *profiles[i].calibration);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "adapters/linux/bus/SdBus.h"
+#include "adapters/linux/displays/profiles/ColourProfiles.h"
 #include "adapters/linux/displays/randr/RandrConnection.h"
 
 #include <string>
@@ -26,12 +26,15 @@ public:
     /// Asks for the profiles of these outputs and waits until the deadline at most. An output of which nothing becomes
     /// known by then keeps its curve. True when curves have changed.
     bool read(const std::vector<std::string> &outputs, SdBusDeadline deadline);
+    /// Whether the last read() got an answer for each output.
+    bool isComplete() const { return m_isComplete; }
     const CalibrationCurves &curves() const { return m_curves; }
 
 private:
     SdBusConnection m_bus; ///< null where there is none
-    SdBusSlot m_watch;
+    ColourProfileWatch m_watch;
     bool m_hasChanged = false;
+    bool m_isComplete = true;
     CalibrationCurves m_curves;
     std::string m_saidDamaged; ///< the profile that was reported last
 };

@@ -14,6 +14,8 @@ namespace {
 
 /// A restore has half a second in all.
 constexpr auto patienceForCalibrations = 200ms;
+/// After colord has not answered in time.
+constexpr auto betweenCalibrations = 10s;
 
 } // namespace
 
@@ -66,7 +68,7 @@ void RandrBackend::restore()
         m_guardian.dismiss();
         return;
     }
-    if (m_mustReadCalibrations)
+    if (m_calibrationsDue)
         readCalibrations();
     m_server->restoreEverywhere(m_calibrations.curves());
     m_isRestored = true;
@@ -116,7 +118,7 @@ bool RandrBackend::process()
     if (mustWrite)
         readDisplays();
     bool hasCalibrations = !m_calibrations.curves().empty();
-    if (m_calibrations.process() || m_mustReadCalibrations) {
+    if (m_calibrations.process() || (m_calibrationsDue && *m_calibrationsDue <= Clock::now())) {
         mustWrite = readCalibrations() || mustWrite;
         hasCalibrations = hasCalibrations || !m_calibrations.curves().empty();
     }
@@ -130,8 +132,9 @@ bool RandrBackend::process()
 
 std::optional<DisplayBackend::Clock::time_point> RandrBackend::due() const
 {
-    const bool isDue = m_hasChanges || m_mustReadCalibrations;
-    return isDue && m_server->state() == State::usable ? std::optional(Clock::time_point()) : std::nullopt;
+    if (m_server->state() != State::usable)
+        return std::nullopt;
+    return m_hasChanges ? Clock::time_point() : m_calibrationsDue;
 }
 
 void RandrBackend::readDisplays()
@@ -146,15 +149,16 @@ void RandrBackend::readDisplays()
     }
     if (outputs != m_outputs) {
         m_outputs = std::move(outputs);
-        m_mustReadCalibrations = true;
+        m_calibrationsDue = Clock::time_point();
     }
 }
 
 /// Waits for colord, not for long. True when curves have changed.
 bool RandrBackend::readCalibrations()
 {
-    m_mustReadCalibrations = false;
-    return m_calibrations.read(m_outputs, Clock::now() + patienceForCalibrations);
+    const bool haveChanged = m_calibrations.read(m_outputs, Clock::now() + patienceForCalibrations);
+    m_calibrationsDue = m_calibrations.isComplete() ? std::nullopt : std::optional(Clock::now() + betweenCalibrations);
+    return haveChanged;
 }
 
 bool RandrBackend::connect()

@@ -53,11 +53,11 @@ private:
     std::optional<TintClaim> m_claim; ///< from the first write or restore of this connection on
     xcb_atom_t m_selection = XCB_NONE;
     Calibrations m_calibrations;
-    std::vector<std::string> m_outputs; ///< whose calibrations are known or asked for
-    PollSet m_sources;                  ///< the server and the calibrations
-    bool m_mustReadCalibrations = false;
-    bool m_isRestored = false; ///< by this object, which has not tinted since
-    bool m_hasYielded = false; ///< to another copy
+    std::vector<std::string> m_outputs;                 ///< whose calibrations are known or asked for
+    PollSet m_sources;                                  ///< the server and the calibrations
+    std::optional<Clock::time_point> m_calibrationsDue; ///< when they are to be read; in the past: at once
+    bool m_isRestored = false;                          ///< by this object, which has not tinted since
+    bool m_hasYielded = false;                          ///< to another copy
     std::vector<DisplayIdentifier> m_displays;
     bool m_hasChanges = false; ///< received while waiting for an answer, so the descriptor does not show them
     RandrConnection::State m_reported = RandrConnection::State::usable;

@@ -62,13 +62,16 @@ private Q_SLOTS:
             QSKIP("colord is not installed");
         PrivateColord colord;
         QVERIFY(colord.start());
-        const auto display = colord.addDisplay(QStringLiteral("screen"));
+        auto display = colord.addDisplay(QStringLiteral("screen"));
         constexpr std::array identity{32896, 32896, 32896};
         constexpr std::array curves{16513, 23307, 32896};       // raised to the powers of calibrationGamma
         constexpr std::array tintedCurves{16513, 15138, 16448}; // tinted first
         colord.setProfile(display, colourProfile(true));
+        colord.removeDisplay(display);
         TintingCopy copy("randr");
         copy.show("0.5");
+        QTRY_VERIFY(m_client.shows(0.5));
+        display = colord.addDisplay(QStringLiteral("screen"));
         QTRY_COMPARE(shown(), tintedCurves);
         copy.show("1");
         QCOMPARE(shown(), curves);
