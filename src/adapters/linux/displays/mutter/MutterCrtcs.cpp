@@ -41,7 +41,7 @@ void MutterCrtcs::forgetShown()
 void MutterCrtcs::show(std::span<const DisplayIdentifier> crtcs, const GammaTables &tables)
 {
     m_refusals = 0;
-    if (!m_serial)
+    if (!m_serial && !m_reading)
         read();
     for (const auto identifier : crtcs) {
         const auto found = m_crtcs.find(identifier);
