@@ -86,6 +86,12 @@ public:
         const std::scoped_lock lock(m_lock);
         return m_outputs[index];
     }
+    /// From now on another program sets the matrices.
+    void takeMatrices()
+    {
+        const std::scoped_lock lock(m_lock);
+        m_hasMatricesTaken = true;
+    }
     /// It answers nobody while this is held.
     std::unique_lock<std::mutex> freeze() { return std::unique_lock(m_lock); }
 
@@ -129,7 +135,10 @@ private:
     static void bindMatrices(wl_client *client, void *compositor, std::uint32_t version, std::uint32_t id)
     {
         static const struct hyprland_ctm_control_manager_v1_interface requests = {setMatrix, commitMatrices, destroy};
-        add(client, hyprland_ctm_control_manager_v1_interface, version, id, &requests, compositor);
+        auto *const manager =
+            add(client, hyprland_ctm_control_manager_v1_interface, version, id, &requests, compositor);
+        if (dataOf<GammaCompositor>(manager).m_hasMatricesTaken)
+            hyprland_ctm_control_manager_v1_send_blocked(manager);
     }
 
     static void getControl(wl_client *client, wl_resource *, std::uint32_t id, wl_resource *resource)
@@ -191,6 +200,7 @@ private:
     std::mutex m_lock; ///< guards all below
     wl_display *const m_display = wl_display_create();
     std::deque<Output> m_outputs; ///< removed ones included
+    bool m_hasMatricesTaken = false;
     std::jthread m_thread;
 };
 

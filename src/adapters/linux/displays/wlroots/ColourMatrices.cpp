@@ -1,7 +1,5 @@
 #include "adapters/linux/displays/wlroots/ColourMatrices.h"
 
-#include "base/Console.h"
-
 #include <hyprland-ctm-control-client-protocol.h>
 #include <wayland-client.h>
 
@@ -22,8 +20,7 @@ ColourMatrices::ColourMatrices(wl_registry *registry, std::uint32_t global, std:
 
 void ColourMatrices::noteBlocked(void *self, hyprland_ctm_control_manager_v1 *)
 {
-    if (!std::exchange(static_cast<ColourMatrices *>(self)->m_isBlocked, true))
-        console::print("Another program sets the displays' color matrices, so that they cannot be tinted.");
+    static_cast<ColourMatrices *>(self)->m_isBlocked = true;
 }
 
 void ColourMatrices::show(wl_output *output, const GammaTables &tables, std::optional<Factors> &shown)

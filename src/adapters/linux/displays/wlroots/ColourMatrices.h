@@ -27,13 +27,15 @@ public:
     void show(wl_output *output, const GammaTables &tables, std::optional<Factors> &shown);
     /// Queues a request that makes all matrices queued since the last commit take effect together.
     void commit();
+    /// Whether another program sets matrices, so that this object never will.
+    bool isBlocked() const { return m_isBlocked; }
 
 private:
     static void noteBlocked(void *self, hyprland_ctm_control_manager_v1 *);
 
     WaylandObject<hyprland_ctm_control_manager_v1> m_manager;
     bool m_hasChanges = false;
-    bool m_isBlocked = false; ///< another program sets matrices
+    bool m_isBlocked = false;
 };
 
 } // namespace ambertide

@@ -59,8 +59,26 @@ void WlrootsCompositor::noteRemoval(void *self, wl_registry *, std::uint32_t nam
     static_cast<WlrootsCompositor *>(self)->m_outputs.erase(name);
 }
 
+/// The output has been set up anew. Hyprland may have given it the tables of its colour profile.
+void WlrootsCompositor::noteSetUp(Output &output)
+{
+    if (output.control) {
+        output.control->forget();
+        output.owner->m_hasNews = true;
+    }
+}
+
 void WlrootsCompositor::addGlobal(Global global, std::string_view interface)
 {
+    static constexpr wl_output_listener outputListener{
+        .geometry = [](void *, wl_output *, int, int, int, int, int, const char *, const char *, int) {},
+        .mode = [](void *output, wl_output *, std::uint32_t, int, int,
+                   int) { noteSetUp(*static_cast<Output *>(output)); },
+        // Not sent to objects of version 1, but a compositor can be wrong.
+        .done = [](void *, wl_output *) {},
+        .scale = [](void *, wl_output *, int) {},
+        .name = [](void *, wl_output *, const char *) {},
+        .description = [](void *, wl_output *, const char *) {}};
     m_isHyprland = m_isHyprland || interface.starts_with("hyprland_");
     const auto bind = [this, &global](const wl_interface &type) {
         return wl_registry_bind(m_registry.get(), global.name, &type, 1);
@@ -70,7 +88,10 @@ void WlrootsCompositor::addGlobal(Global global, std::string_view interface)
         if (!object)
             return;
         m_outputs.erase(global.name);
-        m_outputs[global.name].object = std::move(object);
+        auto &output = m_outputs[global.name];
+        output.owner = this;
+        output.object = std::move(object);
+        wl_output_add_listener(output.object.get(), &outputListener, &output);
         m_hasNews = true;
     } else if (interface == zwlr_gamma_control_manager_v1_interface.name && !m_manager) {
         m_manager.reset(static_cast<zwlr_gamma_control_manager_v1 *>(bind(zwlr_gamma_control_manager_v1_interface)));
@@ -84,6 +105,7 @@ bool WlrootsCompositor::takeEvents()
     m_connection.takeEvents();
     for (auto &[name, output] : m_outputs)
         settle(output);
+    giveUpBlockedMatrices();
     const auto attempt = due();
     if (attempt && *attempt <= Clock::now())
         m_hasNews = true;
@@ -106,11 +128,12 @@ void WlrootsCompositor::settle(Output &output)
         return;
     case GammaControl::State::tableless:
         output.hasTables = false;
+        output.nextAttempt.reset();
         break;
     case GammaControl::State::refused:
         output.nextAttempt = Clock::now() + betweenAttempts;
         // A control that is withdrawn usually belongs to an output that is about to go; the next attempt will tell.
-        // Hyprland also withdraws one when its output gets a colour profile.
+        // Hyprland also withdraws one at the first tables for an output with a colour profile.
         if (!wasUsable || m_matrixGlobal)
             sayRefusal();
         break;
@@ -118,6 +141,25 @@ void WlrootsCompositor::settle(Output &output)
         return;
     }
     output.control.reset();
+}
+
+void WlrootsCompositor::giveUpBlockedMatrices()
+{
+    if (!m_matrices || !m_matrices->isBlocked())
+        return;
+    m_matrices.reset();
+    m_nextMatrices = Clock::now() + betweenAttempts;
+    for (auto &[name, output] : m_outputs) {
+        if (std::exchange(output.matrix, {}))
+            output.nextAttempt = m_nextMatrices;
+    }
+    if (!std::exchange(m_isBlockSaid, true))
+        console::print("Another program sets the displays' color matrices, so that they cannot be tinted.");
+}
+
+bool WlrootsCompositor::canUseMatrices() const
+{
+    return m_matrixGlobal && (!m_nextMatrices || *m_nextMatrices <= Clock::now());
 }
 
 void WlrootsCompositor::sayRefusal()
@@ -152,7 +194,7 @@ std::vector<DisplayIdentifier> WlrootsCompositor::displays() const
 
 bool WlrootsCompositor::refusesAll() const
 {
-    return !m_outputs.empty() && !m_matrixGlobal && std::ranges::all_of(m_outputs, [](const auto &named) {
+    return !m_outputs.empty() && !canUseMatrices() && std::ranges::all_of(m_outputs, [](const auto &named) {
         return !named.second.hasTables || named.second.nextAttempt;
     });
 }
@@ -210,8 +252,11 @@ void WlrootsCompositor::show(Output &output, const GammaTables &tables)
 {
     askForControl(output);
     if (output.control) {
+        // Hyprland keeps matrices by connector, so there may be one of the display that was here before.
+        if (m_matrices)
+            m_matrices->show(output.object.get(), identity(), output.matrix);
         output.control->show(tables);
-    } else if (m_matrixGlobal) {
+    } else if (canUseMatrices()) {
         if (!m_matrices)
             m_matrices.emplace(m_registry.get(), m_matrixGlobal->name, m_matrixGlobal->version);
         m_matrices->show(output.object.get(), tables, output.matrix);
@@ -221,7 +266,8 @@ void WlrootsCompositor::show(Output &output, const GammaTables &tables)
 void WlrootsCompositor::forgetTables()
 {
     for (auto &[name, output] : m_outputs) {
-        output.matrix.reset();
+        if (output.matrix)
+            output.matrix.emplace(); // it stands in, but what it is on the screen is unknown
         if (output.control)
             output.control->forget();
     }

@@ -19,7 +19,7 @@ namespace ambertide {
 ///
 /// An output's control is asked for with its first tables, and then kept. When it is refused, one line says so, and it
 /// is asked for again after a while; on Hyprland, which refuses it for an output with a colour profile, a colour matrix
-/// stands in for the tables. Once the connection is lost, all calls do nothing.
+/// stands in for the tables, unless another program sets matrices. Once the connection is lost, all calls do nothing.
 class WlrootsCompositor
 {
 public:
@@ -69,7 +69,8 @@ public:
 private:
     struct Output
     {
-        WaylandObject<wl_output> object;
+        WlrootsCompositor *owner = nullptr;
+        WaylandObject<wl_output> object{};
         std::optional<GammaControl> control{};
         GammaControl::State seen = GammaControl::State::awaitingSize; ///< the control's state that has been acted on
         std::optional<Clock::time_point> nextAttempt{};               ///< for the control, after it was refused
@@ -82,10 +83,13 @@ private:
         std::uint32_t version;
     };
 
+    static void noteSetUp(Output &output);
     static void noteGlobal(void *self, wl_registry *, std::uint32_t name, const char *interface, std::uint32_t version);
     static void noteRemoval(void *self, wl_registry *, std::uint32_t name);
     void addGlobal(Global global, std::string_view interface);
     void settle(Output &output);
+    void giveUpBlockedMatrices();
+    bool canUseMatrices() const;
     void sayRefusal();
     bool mustAsk(const Output &output) const;
     void askForControl(Output &output);
@@ -95,12 +99,14 @@ private:
     WaylandObject<wl_registry> m_registry;
     WaylandObject<zwlr_gamma_control_manager_v1> m_manager;
     std::optional<Global> m_matrixGlobal;
-    std::optional<ColourMatrices> m_matrices; ///< while they stand in
+    std::optional<ColourMatrices> m_matrices;        ///< while they stand in
+    std::optional<Clock::time_point> m_nextMatrices; ///< when they may be tried again, after another program had them
     std::map<DisplayIdentifier, Output> m_outputs;
     bool m_hasAnswered = false;
     bool m_isHyprland = false;
     bool m_hasNews = false; ///< since the last takeEvents()
     bool m_isRefusalSaid = false;
+    bool m_isBlockSaid = false;
 };
 
 } // namespace ambertide

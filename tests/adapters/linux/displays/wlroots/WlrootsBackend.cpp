@@ -156,6 +156,10 @@ private Q_SLOTS:
         QCOMPARE(m_console.lines.size(), 1U);
         services.restoreSystemColours();
         QCOMPARE(compositor.output(0).matrix, (std::array{1.0, 1.0, 1.0}));
+        compositor.takeMatrices();
+        setTint(services, 0.25F);
+        QTRY_VERIFY(services.refusal());
+        QCOMPARE(m_console.lines.size(), 2U);
     }
 
     void brokenCompositorsAreLeftOutAndLostOnesComeBack()
