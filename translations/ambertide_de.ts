@@ -29,7 +29,7 @@
     <message>
         <source>warmest</source>
         <extracomment>What people type to find a temperature: words in lower case, separated by spaces, as many as the language has.</extracomment>
-        <translation>wärmste wärmstes</translation>
+        <translation>wärmste wärmsten wärmstes</translation>
     </message>
     <message>
         <source>warm</source>
@@ -70,7 +70,7 @@
     <message>
         <source>ambertide bulb change color colour display displays in k kelvin lamp light make monitor monitors my please screen screens set switch temperature the tint to turn white with</source>
         <extracomment>Words of a request that say nothing about the value, in lower case, separated by spaces.</extracomment>
-        <translation>ambertide auf bildschirm bildschirme bitte das den der die ein einstellen farbe farbtemperatur in kelvin k lampe licht mein meine meinen mit monitor monitore setze setzen stelle stellen temperatur ändere ändern weiß zu</translation>
+        <translation>am ambertide auf bildschirm bildschirme bitte das den der die ein einstellen farbe farbtemperatur in kelvin k lampe licht mein meine meinen mit monitor monitore setze setzen stelle stellen temperatur von ändere ändern weiß zu</translation>
     </message>
 </context>
 <context>
@@ -189,7 +189,7 @@
     </message>
     <message>
         <source>This desktop shows no tray icons. Start Ambertide again to open this panel.</source>
-        <translation>Dieser Desktop zeigt keine Symbole in der Leiste. Starten Sie Ambertide erneut, um dieses Fenster zu öffnen.</translation>
+        <translation>Dieser Desktop zeigt keine Symbole in der Leiste. Ein neuer Start von Ambertide öffnet dieses Fenster wieder.</translation>
     </message>
 </context>
 <context>
