@@ -38,8 +38,10 @@ AmbertideApp::Ending run(const std::filesystem::path &program, int argc, char *a
         keepSettings(userDefaults);
     });
     std::optional<AmbertideApp> app(std::in_place, system.ports());
-    if (!app->launch())
-        std::_Exit(EXIT_SUCCESS); // the displays are the other copy's, and must not be given back
+    if (!app->launch()) {
+        userDefaults.flush(300ms); // it may have had to make a broken file anew
+        std::_Exit(EXIT_SUCCESS);  // the displays are the other copy's, and must not be given back
+    }
     system.serve({.model = app->viewModel(),
                   .activate = [&app] { app->activate(); },
                   .actions = {{"quit", AmbertideApp::quit},

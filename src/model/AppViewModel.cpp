@@ -56,7 +56,9 @@ AppViewModel::~AppViewModel()
 double AppViewModel::initialTemperature()
 {
     if (!m_ports.userDefaults.hasObject(defaults::temperature)) {
-        m_ports.userDefaults.setDouble(defaults::temperature, neutralTemperature);
+        // A file that cannot be read may become readable, and then what it holds counts.
+        if (!m_ports.userDefaults.unusableFile())
+            m_ports.userDefaults.setDouble(defaults::temperature, neutralTemperature);
         return neutralTemperature;
     }
     const double stored = roundedToStep(m_ports.userDefaults.doubleValue(defaults::temperature));

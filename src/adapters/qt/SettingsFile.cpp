@@ -41,6 +41,8 @@ SettingsFile::Content SettingsFile::read(const Stamp &stamp) const
 {
     if (stamp.type == fs::file_type::not_found)
         return {};
+    if (stamp.type == fs::file_type::none) // it cannot even be looked at
+        return {Health::Unreadable, {}};
     if (stamp.type != fs::file_type::regular || stamp.size > largestFile)
         return {Health::Foreign, {}};
     QFile file(m_path);
@@ -78,7 +80,7 @@ bool SettingsFile::replace(const Values &values) const
     // writes to. That file then replaces the old one.
     const QFileInfo old(m_path);
     QDir().mkpath(old.path());
-    const auto path = old.exists() ? old.canonicalFilePath() : m_path;
+    const auto path = old.exists() ? old.canonicalFilePath() : old.isSymLink() ? old.symLinkTarget() : m_path;
     const auto folder = path + QStringLiteral(".new");
     const auto freshPath = folder + QStringLiteral("/defaults.ini");
     QFile::remove(folder); // if it is a link, only that, and not what it leads to
