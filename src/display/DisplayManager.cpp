@@ -208,6 +208,7 @@ Async DisplayManager::smoothTransition(TaskContext context, double from, double 
 
     context.throwIfCancelled();
     if (to >= neutralTemperature) {
+        m_temperature = neutralTemperature; // so that a wake in the middle of the restore does not tint again
         restoreSystemColours();
         publish(neutralTemperature);
     } else {
