@@ -63,7 +63,7 @@ void DesktopTrayIcon::followItem()
     case Presence::Pending: // a watcher is there
         m_untilFallback.stop();
         m_untilNowhere.stop();
-        setPresence(m_fallback ? m_fallback->presence() : Presence::Pending);
+        setPresence(m_fallback && m_fallback->presence() == Presence::Shown ? Presence::Shown : Presence::Pending);
         break;
     case Presence::Nowhere:
         if (m_fallback)
@@ -87,6 +87,8 @@ void DesktopTrayIcon::followFallback()
 {
     if (!m_fallback)
         return;
+    if (m_presence == Presence::Shown && m_fallback->presence() == Presence::Nowhere)
+        m_untilNowhere.start();
     const bool mayStillCome = m_fallback->presence() == Presence::Nowhere && m_untilNowhere.isActive();
     setPresence(mayStillCome ? Presence::Pending : m_fallback->presence());
     if (m_presence == Presence::Nowhere && !std::exchange(m_hasExplained, true))

@@ -133,10 +133,8 @@ void StatusNotifierItem::announce()
 
 void StatusNotifierItem::noteRegistration(sd_bus_message *reply)
 {
-    const auto *error = sd_bus_message_get_error(reply);
-    const bool isAbsent = sd_bus_error_has_name(error, SD_BUS_ERROR_NAME_HAS_NO_OWNER) != 0 ||
-                          sd_bus_error_has_name(error, SD_BUS_ERROR_SERVICE_UNKNOWN) != 0;
-    const auto presence = error == nullptr ? Presence::Shown : isAbsent ? Presence::Nowhere : Presence::Pending;
+    // Some desktops have a watcher's name on the bus without its object.
+    const auto presence = sd_bus_message_get_error(reply) == nullptr ? Presence::Shown : Presence::Nowhere;
     m_session.afterMessage([this, presence] { setPresence(presence); });
 }
 

@@ -70,10 +70,12 @@ private Q_SLOTS:
     void withoutAWatcherAnX11TrayIsTakenUntilOneComes()
     {
         Desktop desktop;
+        std::optional<FakeWatcher> watcher(std::in_place, FakeWatcher::Answer::Refuses); // which is as good as none
         desktop.icon.setMenu({{"Quit", true, {}}});
         desktop.icon.setToolTip("3400 K");
         QTRY_COMPARE(desktop.icon.presence(), Presence::Shown);
-        std::optional<FakeWatcher> watcher(std::in_place);
+        QCOMPARE(watcher->registered.size(), 1);
+        watcher.emplace();
         QTRY_COMPARE(desktop.tray, QStringLiteral("comes 1 entry 3400 K goes "));
         // A panel that restarts is waited for as at the start.
         watcher.reset();
@@ -87,6 +89,9 @@ private Q_SLOTS:
         watcher.reset();
         QTRY_COMPARE(desktop.presences, (std::vector{Presence::Pending, Presence::Nowhere}));
         QCOMPARE(desktop.console.lines.size(), 1U);
+        watcher.emplace();
+        QTRY_COMPARE(desktop.icon.presence(), Presence::Shown);
+        QCOMPARE(desktop.presences.at(2), Presence::Pending);
     }
 };
 
