@@ -1,12 +1,10 @@
 #include "app/MenuBarExtra.h"
 
-#include "ui/controls/TextLabel.h"
 #include "ui/panel/MenuBarView.h"
 #include "ui/panel/PanelWindow.h"
 
 #include <QCursor>
 #include <QGuiApplication>
-#include <QLayout>
 #include <QTimer>
 
 #include <chrono>
@@ -23,8 +21,6 @@ namespace {
 constexpr auto sameClick = 250ms;
 /// How long the panel of an application that was started again waits for the desktop to show the icon.
 constexpr auto patience = 1s;
-/// As in the panel's content. Logical pixels.
-constexpr int explanationPadding = 16;
 
 } // namespace
 
@@ -59,9 +55,12 @@ void MenuBarExtra::toggle(std::optional<QPoint> place)
     const auto manner = m_ports.placement.manner();
     // A popup can be placed at the pointer, and panels report the place in units of their own.
     m_place = manner == PanelPlacement::Manner::Popup ? QCursor::pos() : place;
+    // An ordinary window may be covered by others, and cannot always be raised: a new one comes to the front.
+    const bool mustComeForward = m_panel && m_panel->isFramed() && !m_panel->isActiveWindow();
+    const bool isOpen = m_panel != nullptr;
     if (m_panel)
         m_panel->close();
-    else if (!m_hasJustClosed)
+    if (mustComeForward || (!isOpen && !m_hasJustClosed))
         open(manner, m_place);
 }
 
@@ -92,7 +91,8 @@ void MenuBarExtra::followPresence()
         m_isWanted = m_isWanted || (m_ports.isStartedByPerson && !m_hasBeenSeen);
         explain();
     } else if (presence == TrayIcon::Presence::Shown) {
-        delete m_explanation; // it is not true any more
+        if (m_view)
+            m_view->setFootnote({}); // it is not true any more
     }
     if (presence != TrayIcon::Presence::Pending)
         showNow();
@@ -102,18 +102,13 @@ void MenuBarExtra::explain()
 {
     if (!m_panel || std::exchange(m_hasExplained, true))
         return;
-    auto *explanation = new TextLabel(tr("This desktop shows no tray icons. Start Ambertide again to open this panel."),
-                                      TextStyle::Caption, &Theme::secondaryText);
-    explanation->setWordWrap(true);
-    explanation->setContentsMargins(explanationPadding, 0, explanationPadding, explanationPadding);
-    explanation->setFixedWidth(m_panel->layout()->contentsRect().width());
-    m_panel->layout()->addWidget(explanation);
-    m_explanation = explanation;
+    m_view->setFootnote(tr("This desktop shows no tray icons. Start Ambertide again to open this panel."));
 }
 
 void MenuBarExtra::open(PanelPlacement::Manner manner, std::optional<QPoint> place)
 {
     auto *view = new MenuBarView(m_ports.viewModel, m_ports.haptics);
+    m_view = view;
     m_hasBeenSeen = true;
     m_panel = new PanelWindow(view, m_ports.placement, manner);
     connect(m_panel, &PanelWindow::closed, this, &MenuBarExtra::panelClosed);

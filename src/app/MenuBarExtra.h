@@ -8,13 +8,13 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QWidget>
 
 #include <functional>
 #include <memory>
 
 namespace ambertide {
 
+class MenuBarView;
 class PanelWindow;
 
 /// The icon among the desktop's status icons, the panel that it opens, and its menu. The panel exists only while it is
@@ -65,11 +65,11 @@ private:
     Ports m_ports;
     std::unique_ptr<TrayIcon> m_icon;
     QPointer<PanelWindow> m_panel;
+    QPointer<MenuBarView> m_view;  ///< in it
     std::optional<QPoint> m_place; ///< of the last click
     bool m_isWanted = false;       ///< the panel is to open as soon as it is known where
     bool m_hasBeenSeen = false;    ///< the icon or the panel has been on the screen
     bool m_hasExplained = false;
-    QPointer<QWidget> m_explanation;      ///< in the open panel, while there is no icon
     bool m_hasJustClosed = false;         ///< maybe by a press on the icon that has not reached the icon yet
     bool m_wasButtonHeld = false;         ///< when forgetClosing() last looked
     Task m_justClosed;                    ///< resets m_hasJustClosed

@@ -6,7 +6,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QLayout>
+#include <QLabel>
 #include <QTest>
 
 using namespace ambertide;
@@ -175,9 +175,18 @@ private Q_SLOTS:
         bench.tellPresence(Pending);
         QVERIFY(Bench::panel() == nullptr);
         bench.tellPresence(Nowhere);
-        const auto isExplained = [] { return Bench::panel()->layout()->count() == 2; };
+        const auto isExplained = [] {
+            const auto labels = Bench::panel()->findChildren<QLabel *>();
+            return std::ranges::any_of(labels, [](const auto *label) {
+                return label->isVisible() && label->text().startsWith(QLatin1String("This desktop shows no tray"));
+            });
+        };
         QVERIFY(Bench::panel()->isVisible() && Bench::panel()->windowFlags().testFlag(Qt::WindowTitleHint));
         QVERIFY(isExplained());
+        for (const auto *each : Bench::panel()->findChildren<QWidget *>())
+            QVERIFY(!each->isVisible() || each->size().expandedTo(each->minimumSizeHint()) == each->size());
+        bench.tellPresence(Shown);
+        QVERIFY(!isExplained());
         Bench::panel()->close();
         bench.tellPresence(Pending);
         bench.tellPresence(Nowhere);

@@ -67,13 +67,16 @@ MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
       m_schedule(new SwitchRow(tr("Enable Schedule"), SwitchRow::Kind::Menu)),
       m_nothingScheduled(new Button(
           tr("Nothing is scheduled yet..."),
-          {.kind = Button::Kind::Row, .paddingX = rowPaddingX, .paddingY = rowPaddingY, .ink = &Theme::accentText}))
+          {.kind = Button::Kind::Row, .paddingX = rowPaddingX, .paddingY = rowPaddingY, .ink = &Theme::accentText})),
+      m_footnote(new TextLabel({}, TextStyle::Caption, &Theme::secondaryText))
 {
     m_temperatureLabel->setAlignment(Qt::AlignCenter);
     m_slider->setAccessibleName(tr("Color temperature"));
     m_refusal->setAlignment(Qt::AlignCenter);
     m_refusal->setWordWrap(true);
     m_refusal->setContentsMargins(defaultPadding, bodySpacing, defaultPadding, bodySpacing);
+    m_footnote->setWordWrap(true);
+    m_footnote->setContentsMargins(defaultPadding, bottomPadding, defaultPadding, bottomPadding);
     m_schedule->setChecked(m_scheduleEnabled);
     auto *quit =
         new Button(tr("Quit Ambertide"), {.kind = Button::Kind::Row, .paddingX = rowPaddingX, .paddingY = rowPaddingY});
@@ -93,6 +96,7 @@ MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     body->addLayout(divider());
     body->addSpacing(bodySpacing);
     body->addLayout(padded(quit, rowMargin));
+    body->addWidget(m_footnote);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, bottomPadding);
     layout->setSpacing(headerGap);
@@ -107,6 +111,7 @@ MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     connect(&m_viewModel, &AppViewModel::changed, this, &MenuBarView::follow);
     showTemperature();
     showNotices();
+    setFootnote({});
     fitWidth();
 }
 
@@ -184,6 +189,12 @@ QString MenuBarView::statusText(const AppViewModel &viewModel)
     return refusal ? refusalText(refusal) : temperatureText(viewModel.temperature());
 }
 
+void MenuBarView::setFootnote(const QString &text)
+{
+    m_footnote->setText(text);
+    m_footnote->setVisible(!text.isEmpty());
+}
+
 void MenuBarView::handleEditing(bool isEditing)
 {
     m_isDragging = isEditing;
@@ -232,16 +243,15 @@ bool MenuBarView::event(QEvent *event)
 {
     const bool isHandled = QWidget::event(event);
     if (event->type() == QEvent::ApplicationFontChange)
+        setMinimumWidth(0); // the labels, which come to know the font after this, ask for a new layout
+    else if (event->type() == QEvent::LayoutRequest)
         fitWidth();
     else if (event->type() == QEvent::ParentChange)
         showTemperature();
     return isHandled;
 }
 
-void MenuBarView::fitWidth()
-{
-    setMinimumWidth(0);
-    setFixedWidth(qMax(panelWidth, layout()->minimumSize().width()));
-}
+/// It does not shrink, so that the slider keeps its length while texts change.
+void MenuBarView::fitWidth() { setFixedWidth(std::max({panelWidth, minimumWidth(), layout()->minimumSize().width()})); }
 
 } // namespace ambertide

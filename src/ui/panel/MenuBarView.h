@@ -26,6 +26,9 @@ public:
     /// The temperature as above, or why the displays do not show it.
     static QString statusText(const AppViewModel &viewModel);
 
+    /// A sentence below everything else; empty for none.
+    void setFootnote(const QString &text);
+
 Q_SIGNALS:
     void settingsRequested();
     void scheduleRequested();
@@ -57,6 +60,7 @@ private:
     TextLabel *m_refusal = nullptr;
     SwitchRow *m_schedule = nullptr;
     Button *m_nothingScheduled = nullptr;
+    TextLabel *m_footnote = nullptr;
 };
 
 } // namespace ambertide

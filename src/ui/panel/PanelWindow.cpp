@@ -104,10 +104,15 @@ void PanelWindow::hideEvent(QHideEvent *event)
 void PanelWindow::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    // A popup in the lower half of the screen grows upwards.
-    if (isVisible() && m_manner == PanelPlacement::Manner::Popup &&
-        geometry().center().y() > screen()->geometry().center().y())
-        move(x(), y() + event->oldSize().height() - height());
+    if (isVisible() && m_manner == PanelPlacement::Manner::Popup) {
+        // In the lower half of the screen it grows upwards, and at its right edge to the left.
+        auto corner = pos();
+        if (geometry().center().y() > screen()->geometry().center().y())
+            corner.ry() += event->oldSize().height() - height();
+        const int beyond = geometry().right() - m_shadow.right() - screen()->availableGeometry().right();
+        corner.rx() -= qMax(0, beyond);
+        move(corner);
+    }
     if (isFramed() || m_isSeeThrough)
         return;
     QBitmap shape(size());

@@ -23,6 +23,8 @@ public:
     /// Shows it beside the icon at `place` or, without one, where the desktop has its icons, as far as its manner
     /// allows.
     void open(std::optional<QPoint> place);
+    /// Whether it is an ordinary window.
+    bool isFramed() const { return m_manner == PanelPlacement::Manner::Window; }
 
 Q_SIGNALS:
     void closed();
@@ -36,7 +38,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    bool isFramed() const { return m_manner == PanelPlacement::Manner::Window; }
     QRect surface() const { return rect().marginsRemoved(m_shadow); }
     void moveBesideIcon(std::optional<QPoint> place);
 
