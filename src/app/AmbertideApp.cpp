@@ -38,7 +38,13 @@ AmbertideApp::AmbertideApp(SystemPorts system)
                           m_ending = Ending::Superfluous;
                           quit();
                       },
-                  .bringSettingsForward = [this] { bringSettingsForward(); }})
+                  .bringSettingsForward =
+                      [this] {
+                          bringSettingsForward();
+                          // Without an icon the panel is what the second start was for.
+                          if (m_menuBarExtra && !m_menuBarExtra->isIconShown())
+                              m_menuBarExtra->show();
+                      }})
 {
     AccessibleApplication::install();
     QApplication::setApplicationName(QStringLiteral("Ambertide"));

@@ -62,6 +62,16 @@ struct LinuxSystem::Adapters
 
 struct LinuxSystem::Services
 {
+    /// The request, with which a window may take the keyboard if the desktop has sent a token for that.
+    static std::function<void(const std::string &)> withToken(std::function<void()> request)
+    {
+        return [request = std::move(request)](const std::string &activationToken) {
+            if (!activationToken.empty())
+                activation_token::offer(activationToken);
+            request();
+        };
+    }
+
     std::function<void(const std::string &)> activate;
     std::function<void(ColorTemperature)> perform;
     DBusApplicationObject application;
@@ -70,12 +80,7 @@ struct LinuxSystem::Services
     DBusTemperatureObject temperature;
 
     Services(Adapters &adapters, Requests requests)
-        : activate([activate = std::move(requests.activate)](const std::string &activationToken) {
-              if (!activationToken.empty())
-                  activation_token::offer(activationToken);
-              activate();
-          }),
-          perform([&adapters](ColorTemperature preset) {
+        : activate(withToken(std::move(requests.activate))), perform([&adapters](ColorTemperature preset) {
               SetColorTemperatureShortcut{preset}.perform(adapters.userDefaults, adapters.distributedNotifications);
           }),
           application(adapters.sessionBus, activate, perform), runner(adapters.sessionBus, perform),
@@ -83,7 +88,7 @@ struct LinuxSystem::Services
           temperature(adapters.sessionBus, requests.model)
     {
         for (auto &[name, action] : requests.actions)
-            application.setAction(name, [action = std::move(action)](const std::string &) { action(); });
+            application.setAction(name, withToken(std::move(action)));
     }
 };
 

@@ -113,7 +113,7 @@ void GeneralSettingsView::setProcessing(bool isProcessing)
     setDisabled(isProcessing);
     if (isProcessing)
         m_focusMeanwhile = window()->focusWidget();
-    else if (m_formerFocus && m_focusMeanwhile == window()->focusWidget())
+    else if (m_formerFocus && m_formerFocus->isVisible() && m_focusMeanwhile == window()->focusWidget())
         m_formerFocus->setFocus(Qt::OtherFocusReason);
 }
 
