@@ -14,6 +14,7 @@ check_packages=(clang-format git)
 package_packages=(dpkg-dev lintian appstream desktop-file-utils file git)
 if [ "$(. /etc/os-release && echo "${VERSION_ID:-}")" != 12 ]; then
     build_packages+=(liblayershellqtinterface-dev) # the panel beside its icon on Wayland; Debian 12 has it for Qt 5 only
+    test_packages+=(kwin-wayland kwin-common) # Night Light; that of Debian 12's KWin is another
     desktop_packages+=(qt6-svg-plugins) # what draws icons in LXQt's panel; Debian 12 has it with the library
 fi
 
