@@ -66,8 +66,12 @@ void DesktopTrayIcon::followItem()
         setPresence(m_fallback && m_fallback->presence() == Presence::Shown ? Presence::Shown : Presence::Pending);
         break;
     case Presence::Nowhere:
-        if (m_fallback)
+        if (m_fallback) {
+            if (m_presence == Presence::Pending)
+                m_untilNowhere.start();
+            followFallback();
             break;
+        }
         setPresence(Presence::Pending);
         m_untilFallback.start();
         m_untilNowhere.start();

@@ -13,7 +13,8 @@ namespace ambertide {
 /// The icon that a panel draws for us: exported through the interface `org.kde.StatusNotifierItem`, and registered with
 /// the watcher `org.kde.StatusNotifierWatcher` whenever that comes up.
 ///
-/// Main thread. Presence: Pending while the watcher has not answered, however long; Nowhere while none is on the bus.
+/// Main thread. Presence: Pending while the watcher has not answered, however long; Nowhere while none is on the bus,
+/// or when it has answered with an error.
 class StatusNotifierItem final : public TrayIcon
 {
 public:

@@ -89,9 +89,13 @@ private Q_SLOTS:
         watcher.reset();
         QTRY_COMPARE(desktop.presences, (std::vector{Presence::Pending, Presence::Nowhere}));
         QCOMPARE(desktop.console.lines.size(), 1U);
+        watcher.emplace(FakeWatcher::Answer::Refuses);
+        QTRY_COMPARE(desktop.presences.size(), 4U);
         watcher.emplace();
         QTRY_COMPARE(desktop.icon.presence(), Presence::Shown);
-        QCOMPARE(desktop.presences.at(2), Presence::Pending);
+        desktop.presences.pop_back();
+        desktop.presences.erase(desktop.presences.begin(), desktop.presences.begin() + 2);
+        QCOMPARE(desktop.presences, (std::vector{Presence::Pending, Presence::Nowhere, Presence::Pending}));
     }
 };
 
