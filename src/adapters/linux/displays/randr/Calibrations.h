@@ -22,6 +22,8 @@ public:
     int descriptor() const;
     /// Handles what has arrived, without waiting. True when read() has to be called.
     bool process();
+    /// Whether more has arrived during read(), after which process() has to be called.
+    bool hasChanged() const { return m_hasChanged; }
 
     /// Asks for the profiles of these outputs and waits until the deadline at most. An output of which nothing becomes
     /// known by then keeps its curve. True when curves have changed.

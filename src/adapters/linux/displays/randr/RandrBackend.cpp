@@ -157,7 +157,11 @@ void RandrBackend::readDisplays()
 bool RandrBackend::readCalibrations()
 {
     const bool haveChanged = m_calibrations.read(m_outputs, Clock::now() + patienceForCalibrations);
-    m_calibrationsDue = m_calibrations.isComplete() ? std::nullopt : std::optional(Clock::now() + betweenCalibrations);
+    m_calibrationsDue = std::nullopt;
+    if (m_calibrations.hasChanged())
+        m_calibrationsDue = Clock::time_point();
+    else if (!m_calibrations.isComplete())
+        m_calibrationsDue = Clock::now() + betweenCalibrations;
     return haveChanged;
 }
 

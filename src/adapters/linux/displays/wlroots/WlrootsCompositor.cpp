@@ -150,7 +150,7 @@ void WlrootsCompositor::giveUpBlockedMatrices()
     m_matrices.reset();
     m_nextMatrices = Clock::now() + betweenAttempts;
     for (auto &[name, output] : m_outputs) {
-        if (std::exchange(output.matrix, {}))
+        if (std::exchange(output.matrix, {}) && !output.control)
             output.nextAttempt = m_nextMatrices;
     }
     if (!std::exchange(m_isBlockSaid, true))
@@ -267,7 +267,7 @@ void WlrootsCompositor::forgetTables()
 {
     for (auto &[name, output] : m_outputs) {
         if (output.matrix)
-            output.matrix.emplace(); // it stands in, but what it is on the screen is unknown
+            output.matrix.emplace(); // there is one, but what it is on the screen is unknown
         if (output.control)
             output.control->forget();
     }

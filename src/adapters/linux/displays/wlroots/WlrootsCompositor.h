@@ -75,7 +75,7 @@ private:
         GammaControl::State seen = GammaControl::State::awaitingSize; ///< the control's state that has been acted on
         std::optional<Clock::time_point> nextAttempt{};               ///< for the control, after it was refused
         bool hasTables = true;
-        std::optional<ColourMatrices::Factors> matrix{}; ///< stands in for the tables
+        std::optional<ColourMatrices::Factors> matrix{}; ///< in place of tables, or the identity beside them
     };
     struct Global
     {
