@@ -39,8 +39,11 @@ SettingsFile::Stamp SettingsFile::stamp() const
 
 SettingsFile::Content SettingsFile::read(const Stamp &stamp) const
 {
-    if (stamp.type == fs::file_type::not_found)
-        return {};
+    if (stamp.type == fs::file_type::not_found) {
+        const QFileInfo link(m_path);
+        const bool isTargetAway = link.isSymLink() && !QFileInfo(QFileInfo(link.symLinkTarget()).path()).isWritable();
+        return {isTargetAway ? Health::Unreadable : Health::Good, {}};
+    }
     if (stamp.type == fs::file_type::none) // it cannot even be looked at
         return {Health::Unreadable, {}};
     if (stamp.type != fs::file_type::regular || stamp.size > largestFile)
