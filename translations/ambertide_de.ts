@@ -556,16 +556,8 @@
         <translation>Die Angaben des Update-Servers sind veraltet, neuere Versionen können darin fehlen. Bitte das Datum dieses Computers prüfen und es später erneut versuchen.</translation>
     </message>
     <message>
-        <source>Only an administrator of this computer can install the update, and no administrator&apos;s password was given.</source>
-        <translation>Nur die Administration dieses Computers kann das Update installieren, und es wurde kein Administratorpasswort eingegeben.</translation>
-    </message>
-    <message>
         <source>The update is another one than was announced, so it was not installed. Try again later, or download the new version from the Ambertide web page.</source>
         <translation>Das Update ist nicht das angekündigte und wurde deshalb nicht installiert. Bitte später erneut versuchen oder die neue Version von der Webseite von Ambertide herunterladen.</translation>
-    </message>
-    <message>
-        <source>A version that is as new has been installed meanwhile. Restart Ambertide to use it.</source>
-        <translation>Inzwischen wurde eine ebenso neue Version installiert. Bitte Ambertide neu starten, um sie zu verwenden.</translation>
     </message>
     <message>
         <source>Ambertide was not installed as a package on this computer. Update it the way it was installed.</source>
@@ -574,6 +566,10 @@
     <message>
         <source>Other software is being installed on this computer. Try again when that has ended.</source>
         <translation>Auf diesem Computer wird gerade andere Software installiert. Bitte danach erneut versuchen.</translation>
+    </message>
+    <message>
+        <source>Only an administrator of this computer can install the update, and no administrator&apos;s password was given. If you were not asked for one, nothing in this session can ask (no polkit authentication agent is running, or pkexec is not installed).</source>
+        <translation>Nur die Administration dieses Computers kann das Update installieren, und es wurde kein Administratorpasswort eingegeben. Falls danach nicht gefragt wurde, kann in dieser Sitzung nichts danach fragen (es läuft kein Polkit-Agent, oder pkexec ist nicht installiert).</translation>
     </message>
 </context>
 <context>

@@ -18,6 +18,8 @@ public:
     std::optional<std::string> identifier() const { return information("CFBundleIdentifier"); }
     /// A text value of the information file; nothing when absent.
     virtual std::optional<std::string> information(std::string_view key) const = 0;
+    /// The same, read anew: an installation may have replaced the file since this program was started.
+    virtual std::optional<std::string> presentInformation(std::string_view key) const { return information(key); }
 };
 
 } // namespace ambertide

@@ -25,8 +25,8 @@ public:
         NotAuthorised, ///< the user may not do this, or this system has nothing that asks for a password
         BadSignature,
         WrongPackage, ///< of another program, for another machine, or of another version than the feed says
-        NotNewer,
-        NotAPackage, ///< this application was not installed as one
+        NotNewer,     ///< than what has been installed meanwhile
+        NotAPackage,  ///< this application was not installed as one
         NoRoom,
         Busy, ///< something else is being installed
         Failed,

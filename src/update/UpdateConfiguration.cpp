@@ -13,6 +13,9 @@ UpdateConfiguration UpdateConfiguration::fromBundle(const MainBundle &bundle)
         SignatureVerifier::withPublicKeys(bundle.information("SUPublicEDKey").value_or(std::string()));
     configuration.running.version = text("CFBundleVersion");
     configuration.running.displayVersion = text("CFBundleShortVersionString");
+    configuration.installedVersion = [&bundle] {
+        return QString::fromStdString(bundle.presentInformation("CFBundleVersion").value_or(std::string()));
+    };
     return configuration;
 }
 

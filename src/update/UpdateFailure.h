@@ -20,7 +20,6 @@ struct UpdateFailure
         CannotStore,    ///< no room or no right to keep the package
         NotAuthorised,
         WrongPackage, ///< not the one that the feed announced
-        NotNewer,     ///< not newer than what has been installed meanwhile
         NotAPackage,  ///< this application was not installed as one
         Busy,         ///< something else is being installed
         CannotInstall,

@@ -76,7 +76,7 @@ void UpdateService::check(UpdateSession::Origin origin)
         return;
     }
     release();
-    // Recorded first, so that a check that fails counts too and a second controller sees it at once.
+    // Recorded first, so that a check that fails counts, too, and a second controller sees it at once.
     m_defaults.setDouble(lastCheckKey, m_calendar.now().secondsSinceReference);
     m_session = std::make_unique<UpdateSession>(m_configuration, m_defaults, m_calendar, m_installer, origin);
     QObject::connect(m_session.get(), &UpdateSession::stateChanged, &m_context, [this] { follow(); });
@@ -98,6 +98,7 @@ Async UpdateService::checkWhenDue(TaskContext context, double interval)
 {
     for (;;) {
         context.throwIfCancelled();
+        m_interval = interval;
         if (secondsUntilCheck(interval) <= 0)
             check(UpdateSession::Origin::Automatic);
         const std::chrono::duration<double> wait(secondsUntilCheck(interval));
@@ -113,6 +114,9 @@ void UpdateService::follow()
         m_view = m_createView(*m_session);
     if (m_session->state() != UpdateSession::State::Ended)
         return;
+    if (m_session->hasMissedServer()) // as at a login, before the network is there: an hour later it may be
+        m_defaults.setDouble(lastCheckKey, m_calendar.now().secondsSinceReference -
+                                               std::max(m_interval, shortestInterval) + shortestInterval);
     // This runs inside a call by the session or its window, so they are destroyed when that has returned.
     QMetaObject::invokeMethod(
         &m_context,

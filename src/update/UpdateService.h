@@ -44,6 +44,7 @@ private:
     UpdateInstaller &m_installer;
     UpdateViewFactory m_createView;
     UserDefaults &m_defaults; ///< holds the time of the last check
+    double m_interval = 0;    ///< seconds between automatic checks, as last asked for
     std::unique_ptr<UpdateSession> m_session;
     std::unique_ptr<QObject> m_view;
     QObject m_context; ///< receives the calls from the session and the event loop, and is destroyed first

@@ -125,11 +125,14 @@ void UpdateSession::readFeed()
     const bool isAutomatic = m_origin == Origin::Automatic;
     if (!item)
         return isAutomatic ? end() : setState(State::UpToDate);
+    const bool isInstalled = compareVersions(m_configuration.installedVersion(), item->version) >= 0;
     const auto skipped = QString::fromStdString(m_defaults.data(skippedVersionKey).value_or(std::string()));
-    if (isAutomatic && isSkipped(*item, skipped, m_configuration.running))
+    if (isAutomatic && !isInstalled && isSkipped(*item, skipped, m_configuration.running))
         return end();
     m_item = *item;
     m_item.displayVersion = shortText(m_item.displayVersion);
+    if (isInstalled)
+        return setState(State::Installed);
     setState(State::Found);
     loadReleaseNotes();
 }
@@ -190,13 +193,12 @@ void UpdateSession::finishInstallation(const UpdateInstaller::Result &result)
         {Outcome::NotAuthorised, UpdateFailure::Kind::NotAuthorised},
         {Outcome::BadSignature, UpdateFailure::Kind::BadSignature},
         {Outcome::WrongPackage, UpdateFailure::Kind::WrongPackage},
-        {Outcome::NotNewer, UpdateFailure::Kind::NotNewer},
         {Outcome::NotAPackage, UpdateFailure::Kind::NotAPackage},
         {Outcome::NoRoom, UpdateFailure::Kind::CannotStore},
         {Outcome::Busy, UpdateFailure::Kind::Busy},
         {Outcome::Failed, UpdateFailure::Kind::CannotInstall},
     };
-    if (result.outcome == Outcome::Installed)
+    if (result.outcome == Outcome::Installed || result.outcome == Outcome::NotNewer)
         return setState(State::Installed);
     if (result.outcome == Outcome::Dismissed)
         return setState(State::ReadyToInstall);
@@ -224,6 +226,8 @@ void UpdateSession::end()
 
 void UpdateSession::fail(const UpdateFailure &failure)
 {
+    m_hasMissedServer = m_state == State::Checking && (failure.kind == UpdateFailure::Kind::Unreachable ||
+                                                       failure.kind == UpdateFailure::Kind::TimedOut);
     if (m_origin == Origin::Automatic && m_state == State::Checking && !isOverdue())
         return end();
     m_package.reset();

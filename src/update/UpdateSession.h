@@ -33,7 +33,7 @@ public:
         Downloading,
         ReadyToInstall, ///< downloaded and verified
         Installing,
-        Installed, ///< the running program is still the old one
+        Installed, ///< now or before, but the running program is still the old one
         Failed,
         Ended
     };
@@ -54,6 +54,7 @@ public:
     bool isCritical() const { return isCriticalFor(m_item, running()); }
     const ReleaseNotes &releaseNotes() const { return m_item.releaseNotes; } ///< foreign text, not made safe yet
     const UpdateFailure &failure() const { return m_failure; }               ///< set in State::Failed
+    bool hasMissedServer() const { return m_hasMissedServer; } ///< the last check could not be made, for now
 
     void download();
     void install();
@@ -91,6 +92,7 @@ private:
     AppcastItem m_item;
     QBuffer m_notes;
     UpdateFailure m_failure{};
+    bool m_hasMissedServer = false;
     std::unique_ptr<QTemporaryFile> m_package;
     // Last, so that they are destroyed before what they write to.
     HttpsDownloader m_feedDownloader;

@@ -177,7 +177,9 @@ private Q_SLOTS:
         fixture.announce({}, {});
         endsAs(Origin::Automatic, State::Found);
         endsInSilence();
-        endsAs(Origin::Manual, State::Found); // which forgets the skip
+        endsAs(Origin::Manual, State::Found);           // which forgets the skip
+        fixture.bundle.values["CFBundleVersion"] = "6"; // while this one runs
+        endsAs(Origin::Automatic, State::Installed);
     }
 
     void anAutomaticCheckComesOnceADay()
@@ -201,6 +203,20 @@ private Q_SLOTS:
         fixture.session->end();
         QCOMPARE(pass(23h), firstCheck);
         QCOMPARE(pass(1h), firstCheck + 86400);
+    }
+
+    void aServerThatIsOutOfReachIsAskedAgainInAnHour()
+    {
+        UpdateFixture fixture;
+        fixture.bundle.values["SUFeedURL"] = "http://127.0.0.1:1/";
+        const auto service = fixture.service();
+        const auto controller = service->createController();
+        controller->setUpdateCheckInterval(86400);
+        controller->setAutomaticallyChecksForUpdates(true);
+        fixture.executor.advance(0s);
+        const double hour = 3600;
+        QTRY_COMPARE(fixture.defaults.doubleValue("SULastCheckTime"),
+                     fixture.calendar.current.secondsSinceReference - 86400 + hour);
     }
 };
 

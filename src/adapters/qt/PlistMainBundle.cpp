@@ -10,8 +10,11 @@ namespace {
 constexpr qint64 largestFile = 256 * 1024;
 
 /// The string members of the outermost dictionary. Others are skipped.
-std::map<std::string, std::string, std::less<>> readStrings(QIODevice &file)
+std::map<std::string, std::string, std::less<>> readStrings(const std::filesystem::path &bundle)
 {
+    QFile file(QString::fromStdString((bundle / "Contents/Info.plist").string()));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
     std::map<std::string, std::string, std::less<>> strings;
     QXmlStreamReader xml(file.read(largestFile));
     if (!xml.readNextStartElement() || xml.name() != QLatin1String("plist") || !xml.readNextStartElement())
@@ -32,17 +35,21 @@ std::map<std::string, std::string, std::less<>> readStrings(QIODevice &file)
 } // namespace
 
 PlistMainBundle::PlistMainBundle(const std::filesystem::path &program)
-    : m_path(program.parent_path().parent_path().parent_path())
+    : m_path(program.parent_path().parent_path().parent_path()), m_information(readStrings(m_path))
 {
-    QFile file(QString::fromStdString((m_path / "Contents/Info.plist").string()));
-    if (file.open(QIODevice::ReadOnly))
-        m_information = readStrings(file);
 }
 
 std::optional<std::string> PlistMainBundle::information(std::string_view key) const
 {
     const auto found = m_information.find(key);
     return found == m_information.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<std::string> PlistMainBundle::presentInformation(std::string_view key) const
+{
+    const auto present = readStrings(m_path);
+    const auto found = present.find(key);
+    return found == present.end() ? std::nullopt : std::optional(found->second);
 }
 
 } // namespace ambertide

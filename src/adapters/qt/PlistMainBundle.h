@@ -17,6 +17,7 @@ public:
 
     std::filesystem::path path() const override { return m_path; }
     std::optional<std::string> information(std::string_view key) const override;
+    std::optional<std::string> presentInformation(std::string_view key) const override;
 
 private:
     std::filesystem::path m_path;

@@ -41,12 +41,11 @@ public:
             return tr("The update could not be saved. Make room on your disk and try again.");
         case UpdateFailure::Kind::NotAuthorised:
             return tr("Only an administrator of this computer can install the update, and no administrator's password "
-                      "was given.");
+                      "was given. If you were not asked for one, nothing in this session can ask (no polkit "
+                      "authentication agent is running, or pkexec is not installed).");
         case UpdateFailure::Kind::WrongPackage:
             return tr("The update is another one than was announced, so it was not installed. Try again later, or "
                       "download the new version from the Ambertide web page.");
-        case UpdateFailure::Kind::NotNewer:
-            return tr("A version that is as new has been installed meanwhile. Restart Ambertide to use it.");
         case UpdateFailure::Kind::NotAPackage:
             return tr("Ambertide was not installed as a package on this computer. Update it the way it was installed.");
         case UpdateFailure::Kind::Busy:

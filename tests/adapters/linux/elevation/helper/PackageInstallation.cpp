@@ -51,6 +51,9 @@ private Q_SLOTS:
         QVERIFY(!isInstalled());
         QCOMPARE(end("2.0", "ambertide", "2.0-1"), Outcome::Installed);
         QVERIFY(isInstalled());
+        init();
+        m_rules.install.insert(m_rules.install.begin(), {"/bin/sh", "-c", "\"$@\"; exit 100", "sh"});
+        QCOMPARE(end("2.0", "ambertide", "2.0"), Outcome::Installed); // it is another package that makes trouble
     }
 
     void whateverStateANewerPackageCanMendIsMended()
