@@ -247,11 +247,28 @@ bool MenuBarView::event(QEvent *event)
     else if (event->type() == QEvent::LayoutRequest)
         fitWidth();
     else if (event->type() == QEvent::ParentChange)
-        showTemperature();
+        takePlace();
     return isHandled;
 }
 
-/// It does not shrink, so that the slider keeps its length while texts change.
-void MenuBarView::fitWidth() { setFixedWidth(std::max({panelWidth, minimumWidth(), layout()->minimumSize().width()})); }
+/// Whether there is a frame around it is known only now.
+void MenuBarView::takePlace()
+{
+    showTemperature();
+    m_title->setMinimumWidth(0);
+    setMinimumWidth(0);
+    fitWidth();
+}
+
+/// The slider keeps its length while texts change: there is room for every temperature's, and nothing shrinks.
+void MenuBarView::fitWidth()
+{
+    auto *const label = m_temperatureLabel->isHidden() ? m_title : m_temperatureLabel;
+    int widest = 0;
+    for (const double kelvin : {1000, 1900, 2700, 3400, 4200, 5500, 6500})
+        widest = std::max(widest, label->fontMetrics().horizontalAdvance(temperatureText(kelvin)));
+    label->setMinimumWidth(widest);
+    setFixedWidth(std::max({panelWidth, minimumWidth(), layout()->minimumSize().width()}));
+}
 
 } // namespace ambertide

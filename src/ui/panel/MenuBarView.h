@@ -47,6 +47,7 @@ private:
     void follow();
     void showTemperature();
     void showNotices();
+    void takePlace();
     void fitWidth();
 
     AppViewModel &m_viewModel;

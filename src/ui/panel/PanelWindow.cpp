@@ -48,6 +48,8 @@ void PanelWindow::open(std::optional<QPoint> place)
 {
     if (!isVisible())
         moveBesideIcon(place);
+    if (isMinimized())
+        showNormal();
     show();
     raise();
     activateWindow();
