@@ -8,6 +8,7 @@
 #include <QEvent>
 #include <QFrame>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTabBar>
 
 namespace ambertide {
@@ -74,6 +75,8 @@ void HouseStyle::polish(QWidget *widget)
         widget->setFont(textFont(TextStyle::Subheadline));
     } else if (widget->isWindow()) {
         widget->installEventFilter(this);
+    } else if (qobject_cast<QScrollBar *>(widget) != nullptr) {
+        widget->setAttribute(Qt::WA_OpaquePaintEvent, false); // what is below shows through, rounded corners included
     }
 }
 
@@ -138,7 +141,9 @@ QSize HouseStyle::sizeFromContents(ContentsType type, const QStyleOption *option
         return switchSize(as<QStyleOptionButton>(option), row->kind());
     if (type == CT_SpinBox)
         return timeFieldSize(contents);
-    return QProxyStyle::sizeFromContents(type, option, contents, widget);
+    const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
+    // The base style keeps the same room beside the text for every size of text, and cuts it where it is large.
+    return type == CT_MenuItem ? size + QSize(option->fontMetrics.height(), 0) : size;
 }
 
 QRect HouseStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,

@@ -53,10 +53,27 @@ QSize Page::minimumSizeHint() const
 
 bool Page::eventFilter(QObject *watched, QEvent *event)
 {
+    const bool isNewLayout = watched == widget() && event->type() == QEvent::LayoutRequest;
+    if (isNewLayout)
+        chooseScrollBar();
     const bool isHandled = QScrollArea::eventFilter(watched, event);
-    if (watched == widget() && event->type() == QEvent::LayoutRequest)
+    if (isNewLayout)
         Q_EMIT idealHeightChanged();
     return isHandled;
+}
+
+void Page::resizeEvent(QResizeEvent *event)
+{
+    chooseScrollBar();
+    QScrollArea::resizeEvent(event);
+}
+
+/// By itself the base class keeps a bar that was once needed, because it measures wrapped texts beside the bar.
+void Page::chooseScrollBar()
+{
+    const bool isTooWide = widget()->minimumSizeHint().width() > width();
+    const int room = height() - (isTooWide ? horizontalScrollBar()->sizeHint().height() : 0);
+    setVerticalScrollBarPolicy(room >= idealHeight(width()) ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
 }
 
 void Page::revealFocus(QWidget *, QWidget *focused)

@@ -28,8 +28,10 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void chooseScrollBar();
     void revealFocus(QWidget *former, QWidget *focused);
 };
 
