@@ -231,9 +231,10 @@ void drawSlider(QPainter &painter, const QStyleOptionSlider &option)
 {
     const auto theme = Theme::of(option.palette);
     const QRectF disc = sliderHandle(option);
-    const QRectF track(0, (option.rect.height() - sliderTrack) / 2, option.rect.width(), sliderTrack);
+    const QRectF groove = sliderGroove(option);
+    const QRectF track(groove.left(), (groove.height() - sliderTrack) / 2, groove.width(), sliderTrack);
     QRectF reached = track;
-    if (isMirrored(option))
+    if (option.upsideDown) // a slider tells its direction by this alone
         reached.setLeft(disc.center().x());
     else
         reached.setRight(disc.center().x());
@@ -271,7 +272,6 @@ void drawScrollBar(QPainter &painter, const QStyleOptionSlider &option)
     ink.setAlphaF(static_cast<float>(theme.isHighContrast ? 1
                                      : isTouched          ? touchedScrollOpacity
                                                           : restingScrollOpacity));
-    painter.fillRect(option.rect, theme.window);
     fillRounded(painter, thumb, qMin(thumb.width(), thumb.height()) / 2, ink);
 }
 

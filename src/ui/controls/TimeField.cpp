@@ -84,16 +84,28 @@ void TimeField::read(const QString &text)
 {
     m_time = timeIn(text);
     m_lastTime = m_time.value_or(m_lastTime);
-    QPalette inks;
-    inks.setColor(QPalette::Base, Qt::transparent);
-    if (!m_time)
-        inks.setColor(QPalette::Text, Theme::of(palette()).redText);
-    lineEdit()->setPalette(inks);
+    showInk();
     const QString complaint = m_time ? QString() : tr("This is no time of day");
     setToolTip(complaint);
     setAccessibleDescription(complaint);
     update();
     Q_EMIT timeChanged();
+}
+
+void TimeField::showInk()
+{
+    QPalette inks;
+    inks.setColor(QPalette::Base, Qt::transparent);
+    if (!m_time)
+        inks.setColor(QPalette::Text, Theme::of(QGuiApplication::palette()).redText);
+    lineEdit()->setPalette(inks);
+}
+
+bool TimeField::event(QEvent *event)
+{
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        showInk();
+    return QAbstractSpinBox::event(event);
 }
 
 void TimeField::stepBy(int steps)

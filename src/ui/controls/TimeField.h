@@ -29,6 +29,7 @@ Q_SIGNALS:
     void timeChanged();
 
 protected:
+    bool event(QEvent *event) override;
     StepEnabled stepEnabled() const override { return StepUpEnabled | StepDownEnabled; }
     void focusOutEvent(QFocusEvent *event) override;
 
@@ -36,6 +37,7 @@ private:
     /// A button that steps the selected part and leaves the focus where it is.
     QWidget *chevron(QLatin1String symbol, const QString &name, int steps);
     void read(const QString &text);
+    void showInk();
 
     QString m_format; ///< in which setTime() writes
     std::optional<QTime> m_time;
