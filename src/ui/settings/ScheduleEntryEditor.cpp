@@ -64,8 +64,18 @@ ScheduleEntryEditor::ScheduleEntryEditor(const ScheduleEntry &entry, const Tempe
     time->addStretch();
     auto *temperature = new QVBoxLayout;
     temperature->setSpacing(smallGap);
-    temperature->addLayout(row(new TextLabel(tr("Temperature:")), m_temperatureText));
+    auto *name = new TextLabel(tr("Temperature:"));
+    temperature->addLayout(row(name, m_temperatureText));
     temperature->addWidget(m_temperature);
+    // So that nothing moves while the slider does.
+    const QFontMetrics metrics = name->fontMetrics();
+    int widest = 0;
+    for (const double kelvin : {range.min, range.max}) {
+        auto shown = entry;
+        shown.temperature = kelvin;
+        widest = std::max(widest, metrics.horizontalAdvance(shown.temperatureString()));
+    }
+    temperature->addStrut(metrics.horizontalAdvance(name->text()) + smallGap + widest);
     temperature->addLayout(row(new TextLabel(tr("Warm"), TextStyle::Caption, &Theme::orangeText),
                                new TextLabel(tr("Neutral"), TextStyle::Caption, &Theme::blueText)));
     auto *cancel = new Button(tr("Cancel"));
@@ -91,6 +101,13 @@ ScheduleEntryEditor::ScheduleEntryEditor(const ScheduleEntry &entry, const Tempe
     connect(m_isEnabled, &SwitchRow::toggled, this, [this](bool isOn) { m_editedEntry.isEnabled = isOn; });
     connect(cancel, &Button::clicked, this, &ScheduleEntryEditor::cancelled);
     connect(m_save, &Button::clicked, this, &ScheduleEntryEditor::save);
+}
+
+bool ScheduleEntryEditor::event(QEvent *event)
+{
+    if (event->type() == QEvent::ApplicationFontChange) // of which the label hears after this
+        QTimer::singleShot(0, this, &ScheduleEntryEditor::showTemperature);
+    return QWidget::event(event);
 }
 
 void ScheduleEntryEditor::keyPressEvent(QKeyEvent *event)
@@ -133,7 +150,8 @@ void ScheduleEntryEditor::showTemperature()
 {
     const QString text = m_editedEntry.temperatureString();
     // A temperature that another program has stored may have any number of digits.
-    m_temperatureText->setText(m_temperatureText->fontMetrics().elidedText(text, Qt::ElideRight, widestTemperature));
+    const int room = qRound(widestTemperature * std::max(1.0, textScale()));
+    m_temperatureText->setText(m_temperatureText->fontMetrics().elidedText(text, Qt::ElideRight, room));
     m_temperature->setAccessibleDescription(text);
 }
 

@@ -35,6 +35,7 @@ Q_SIGNALS:
     void cancelled();
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:

@@ -63,6 +63,8 @@ UpdateWindow::UpdateWindow(UpdateSession &session, std::function<void()> relaunc
 
 void UpdateWindow::bringForward()
 {
+    if (isMinimized())
+        showNormal();
     show();
     raise();
     activateWindow();
