@@ -112,7 +112,6 @@ MenuBarView::MenuBarView(AppViewModel &viewModel, HapticPerformer &haptics)
     showTemperature();
     showNotices();
     setFootnote({});
-    fitWidth();
 }
 
 QLayout *MenuBarView::header()
@@ -268,6 +267,7 @@ void MenuBarView::fitWidth()
     for (const double kelvin : {1000, 1900, 2700, 3400, 4200, 5500, 6500})
         widest = std::max(widest, label->fontMetrics().horizontalAdvance(temperatureText(kelvin)));
     label->setMinimumWidth(widest);
+    layout()->activate(); // layouts within it remember the widths of before
     setFixedWidth(std::max({panelWidth, minimumWidth(), layout()->minimumSize().width()}));
 }
 
