@@ -58,6 +58,7 @@ void UpdateSession::start()
     if (m_origin == Origin::Manual)
         m_defaults.setData(skippedVersionKey, {});
     m_notesDownloader.cancel(); // of the release that the former check found
+    m_hasMissedServer = false;
     m_item = {};
     m_feed.close();
     m_feed.setData({});
