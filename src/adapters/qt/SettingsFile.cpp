@@ -40,8 +40,10 @@ SettingsFile::Stamp SettingsFile::stamp() const
 SettingsFile::Content SettingsFile::read(const Stamp &stamp) const
 {
     if (stamp.type == fs::file_type::not_found) {
-        const QFileInfo link(m_path);
-        const bool isTargetAway = link.isSymLink() && !QFileInfo(QFileInfo(link.symLinkTarget()).path()).isWritable();
+        const QFileInfo file(m_path);
+        const QFileInfo folder(file.path());
+        const bool isTargetAway = (folder.isSymLink() && !folder.exists()) ||
+                                  (file.isSymLink() && !QFileInfo(QFileInfo(file.symLinkTarget()).path()).isWritable());
         return {isTargetAway ? Health::Unreadable : Health::Good, {}};
     }
     if (stamp.type == fs::file_type::none) // it cannot even be looked at
