@@ -229,8 +229,10 @@ void AppViewModel::handleTemperatureUpdate(const Notification &notification)
 
 void AppViewModel::handleTemperatureRequest()
 {
-    // A temperature from the schedule is not checked for its range.
-    const auto kelvin = static_cast<std::int64_t>(std::clamp(m_temperature, -1e18, 1e18));
+    // Whoever has just set a temperature is told that one, even if its task has not run yet. One from the schedule is
+    // not checked for its range.
+    const double temperature = m_requested ? roundedToStep(*m_requested) : m_temperature;
+    const auto kelvin = static_cast<std::int64_t>(std::clamp(temperature, -1e18, 1e18));
     auto response = notifications::withTemperature(notifications::temperatureResponse, kelvin);
     if (const auto refusal = tintRefusal())
         response.userInfo->emplace(notifications::refusalKey, refusal->details);

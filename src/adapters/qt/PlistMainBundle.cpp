@@ -7,7 +7,7 @@ namespace ambertide {
 
 namespace {
 
-constexpr qint64 largestFile = 256 * 1024;
+constexpr qint64 largestFile = 262'144; // bytes
 
 /// The string members of the outermost dictionary. Others are skipped.
 std::map<std::string, std::string, std::less<>> readStrings(const std::filesystem::path &bundle)
