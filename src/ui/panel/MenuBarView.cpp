@@ -10,6 +10,7 @@
 #include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -241,34 +242,30 @@ void MenuBarView::showEvent(QShowEvent *) { m_slider->setFocus(Qt::PopupFocusRea
 bool MenuBarView::event(QEvent *event)
 {
     const bool isHandled = QWidget::event(event);
-    if (event->type() == QEvent::ApplicationFontChange)
-        setMinimumWidth(0); // the labels, which come to know the font after this, ask for a new layout
+    if (event->type() == QEvent::ApplicationFontChange) // of which the labels hear after this
+        QTimer::singleShot(0, this, &MenuBarView::takePlace);
+    else if (event->type() == QEvent::ParentChange) // whether there is a frame around it is known only now
+        takePlace();
     else if (event->type() == QEvent::LayoutRequest)
         fitWidth();
-    else if (event->type() == QEvent::ParentChange)
-        takePlace();
     return isHandled;
 }
 
-/// Whether there is a frame around it is known only now.
+/// Makes room for the text of every temperature, so that the slider keeps its length while that changes.
 void MenuBarView::takePlace()
 {
     showTemperature();
-    m_title->setMinimumWidth(0);
-    setMinimumWidth(0);
-    fitWidth();
-}
-
-/// The slider keeps its length while texts change: there is room for every temperature's, and nothing shrinks.
-void MenuBarView::fitWidth()
-{
     auto *const label = m_temperatureLabel->isHidden() ? m_title : m_temperatureLabel;
     int widest = 0;
     for (const double kelvin : {1000, 1900, 2700, 3400, 4200, 5500, 6500})
         widest = std::max(widest, label->fontMetrics().horizontalAdvance(temperatureText(kelvin)));
     label->setMinimumWidth(widest);
+    setMinimumWidth(0);
     layout()->activate(); // layouts within it remember the widths of before
-    setFixedWidth(std::max({panelWidth, minimumWidth(), layout()->minimumSize().width()}));
+    fitWidth();
 }
+
+/// For other texts it grows, and does not shrink again.
+void MenuBarView::fitWidth() { setFixedWidth(std::max({panelWidth, minimumWidth(), layout()->minimumSize().width()})); }
 
 } // namespace ambertide
